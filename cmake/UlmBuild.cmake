@@ -1,0 +1,93 @@
+# The flags that every target of the tree is built with, and the functions that make its targets.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+# Programs and libraries lie side by side, as a host's folder has them.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN")
+find_package(Threads REQUIRED)
+
+add_library(ulm_flags INTERFACE)
+target_compile_options(ulm_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef -Wvla
+  # Rounding is the same on every machine: no fused operations.
+  -ffp-contract=off
+  $<$<BOOL:${ULM_WERROR}>:-Werror>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # A unique symbol would pin its library in the process for good: unloading must unload.
+  target_compile_options(ulm_flags INTERFACE -fno-gnu-unique -Wduplicated-cond -Wlogical-op)
+endif()
+if(ULM_SANITIZE)
+  target_compile_options(ulm_flags INTERFACE
+    -fsanitize=${ULM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(ulm_flags INTERFACE -fsanitize=${ULM_SANITIZE})
+endif()
+
+# What every target of the tree shares: the flags and the include root.
+function(ulm_common target)
+  get_target_property(type ${target} TYPE)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:ulm_flags>)
+  if(type STREQUAL "EXECUTABLE")
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  else()
+    target_include_directories(${target} PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ulmira>)
+  endif()
+endfunction()
+
+# The public headers of a target; each is compiled alone by the target all_verify_interface_header_sets.
+function(ulm_headers target)
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARGN})
+endfunction()
+
+# ulm_add_room(clip SOURCES segment.cpp HEADERS vertex.h segment.h [LINKS Ulmira::x]) makes the
+# static library ulm_clip, alias Ulmira::clip, of one facility: installed, exported and linked whole
+# into the module.
+function(ulm_add_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;HEADERS;LINKS" ${ARGN})
+  add_library(ulm_${name} STATIC ${ROOM_SOURCES})
+  add_library(Ulmira::${name} ALIAS ulm_${name})
+  set_target_properties(ulm_${name} PROPERTIES EXPORT_NAME ${name})
+  ulm_common(ulm_${name})
+  ulm_headers(ulm_${name} ${ROOM_HEADERS})
+  target_link_libraries(ulm_${name} PUBLIC ${ROOM_LINKS})
+  set_property(GLOBAL APPEND PROPERTY ULM_EXPORTED ulm_${name})
+endfunction()
+
+# ulm_add_host_library(qlcore SOURCES ... [HEADERS ...] [LINKS ...]) makes a shared library that
+# carries its own name, without a prefix, as the module and its host look for it.
+function(ulm_add_host_library name)
+  cmake_parse_arguments(HOST "" "" "SOURCES;HEADERS;LINKS" ${ARGN})
+  add_library(${name} SHARED ${HOST_SOURCES})
+  set_target_properties(${name} PROPERTIES PREFIX "")
+  ulm_common(${name})
+  if(HOST_HEADERS)
+    ulm_headers(${name} ${HOST_HEADERS})
+  endif()
+  target_link_libraries(${name} PUBLIC ${HOST_LINKS})
+  if(NOT ULM_SANITIZE)  # the sanitizers leave their run-time to the program
+    target_link_options(${name} PRIVATE LINKER:--no-undefined)
+  endif()
+endfunction()
+
+# ulm_add_objects(ulm_core SOURCES ... [LINKS ...]) makes an object library of module code, to be
+# linked into the module and, without it, into test programs.
+function(ulm_add_objects name)
+  cmake_parse_arguments(OBJ "" "" "SOURCES;HEADERS;LINKS" ${ARGN})
+  add_library(${name} OBJECT ${OBJ_SOURCES})
+  ulm_common(${name})
+  if(OBJ_HEADERS)
+    ulm_headers(${name} ${OBJ_HEADERS})
+  endif()
+  target_link_libraries(${name} PUBLIC ${OBJ_LINKS})
+endfunction()

@@ -1,0 +1,63 @@
+// Makes the resources of a library that is no Windows file: a version block and a string table as
+// constants in sections of the file, which resources.cpp finds again by reading the file.
+//   .rsrc_version   one version block as the VERSIONINFO resource lays it out: length, value
+//   length,
+//                   type 0, the key "VS_VERSION_INFO" in UTF-16, padding to 4 bytes, the fixed file
+//                   information. All numbers little-endian.
+//   .rsrc_strings   string entries one behind the other: number (16 bits), length in UTF-16 units
+//                   (16 bits), the units. All little-endian. A section ends with the section.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ulm::win32 {
+
+struct VersionBlock {
+  std::uint16_t length = sizeof(VersionBlock);
+  std::uint16_t valueLength = 52;
+  std::uint16_t type = 0;
+  char16_t key[16] = u"VS_VERSION_INFO";
+  std::uint16_t padding = 0;
+  std::uint32_t signature = 0xFEEF04BD;
+  std::uint32_t structureVersion = 0x00010000;
+  std::uint32_t fileVersion[2];     // high half, low half: four 16-bit numbers
+  std::uint32_t productVersion[2];  // as fileVersion
+  std::uint32_t flagsMask = 0x3F;
+  std::uint32_t flags = 0;
+  std::uint32_t os = 0x00040004;
+  std::uint32_t fileType = 2;
+  std::uint32_t fileSubtype = 0;
+  std::uint32_t date[2] = {0, 0};
+
+  constexpr VersionBlock(std::uint16_t first, std::uint16_t second, std::uint16_t third,
+                         std::uint16_t fourth) noexcept
+      : fileVersion{pair(first, second), pair(third, fourth)},
+        productVersion{pair(first, second), pair(third, fourth)} {}
+
+ private:
+  static constexpr std::uint32_t pair(std::uint32_t high, std::uint32_t low) noexcept {
+    return high << 16 | low;
+  }
+};
+static_assert(sizeof(VersionBlock) == 92, "the block has no hidden padding");
+
+// One entry of a string table; a table is a struct of entries, one behind the other.
+template <std::size_t Length>  // in UTF-16 units, without a terminator
+struct StringEntry {
+  std::uint16_t number;
+  std::uint16_t length = Length;
+  char16_t text[Length];
+
+  constexpr StringEntry(std::uint16_t stringNumber, const char16_t (&literal)[Length + 1]) noexcept
+      : number(stringNumber), text{} {
+    for (std::size_t i = 0; i < Length; ++i) text[i] = literal[i];
+  }
+};
+template <std::size_t Size>
+StringEntry(std::uint16_t, const char16_t (&)[Size]) -> StringEntry<Size - 1>;
+
+}  // namespace ulm::win32
+
+#define ULM_VERSION_RESOURCE [[gnu::section(".rsrc_version"), gnu::used]]
+#define ULM_STRING_RESOURCE [[gnu::section(".rsrc_strings"), gnu::used]]

@@ -1,0 +1,15 @@
+// The subcommands of `ulmira`, a source each. An add function hangs its subcommand into `app`; when
+// the user calls it, its work runs while the command line is parsed and leaves the exit code in
+// `status`: 0, or 1 after one clear line on the error stream. Usage errors are CLI11's to raise.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace ulm::tools {
+
+// What the command was called as: the path by which its neighbours are found.
+void addHostCommand(CLI::App& app, int& status);
+
+}  // namespace ulm::tools

@@ -1,0 +1,1 @@
+// The library holds nothing yet; this source gives it a file to archive.
