@@ -9,7 +9,7 @@ class App;
 
 namespace ulm::tools {
 
-// What the command was called as: the path by which its neighbours are found.
+// `ulmira host`: one life of the module in a stand-in host.
 void addHostCommand(CLI::App& app, int& status);
 
 }  // namespace ulm::tools

@@ -1,0 +1,98 @@
+// Typed reading and writing of the values in a keyed set.
+#pragma once
+
+#include <cstring>
+#include <type_traits>
+
+#include "core/iface/iparam.h"
+#include "platform/qlcore/strings.h"
+#include "platform/qlcore/variant.h"
+
+namespace ulm::core {
+
+// The row of a target type in the table of tags: which tags it accepts, and how it takes the value.
+// Nothing is converted across rows.
+template <class Target>
+struct ParamRow;
+
+template <class Target>
+requires std::is_integral_v<Target>
+struct ParamRow<Target> {
+  static_assert(std::is_same_v<Target, int> || std::is_same_v<Target, unsigned int> ||
+                    std::is_same_v<Target, long> || std::is_same_v<Target, unsigned long> ||
+                    std::is_same_v<Target, unsigned short> || std::is_same_v<Target, unsigned char>,
+                "not a target of whole numbers");
+  static bool accepts(QLVariantTag tag) noexcept {
+    return tag >= kQLFlag && tag <= kQLUnsignedLong;
+  }
+  // A value too large for the target is cut to its low bits.
+  static void take(const CQLVariant& from, Target& to) {
+    to = static_cast<Target>(from.value.whole);
+  }
+};
+
+// A type that takes one tag and lies in the record as it is.
+template <class Target, QLVariantTag Tag, auto Place>
+struct PlainParamRow {
+  static bool accepts(QLVariantTag tag) noexcept { return tag == Tag; }
+  static void take(const CQLVariant& from, Target& to) { to = from.value.*Place; }
+};
+using ParamValues = tagQLVARIANT::Value;
+template <>
+struct ParamRow<double> : PlainParamRow<double, kQLDouble, &ParamValues::real> {};
+template <>
+struct ParamRow<float> : PlainParamRow<float, kQLFloat, &ParamValues::single> {};
+template <>
+struct ParamRow<tagSIZE> : PlainParamRow<tagSIZE, kQLSize, &ParamValues::size> {};
+template <>
+struct ParamRow<tagRSIZE> : PlainParamRow<tagRSIZE, kQLRealSize, &ParamValues::realSize> {};
+template <>
+struct ParamRow<tagPOINT> : PlainParamRow<tagPOINT, kQLPoint, &ParamValues::point> {};
+template <>
+struct ParamRow<tagRPOINT> : PlainParamRow<tagRPOINT, kQLRealPoint, &ParamValues::realPoint> {};
+template <>
+struct ParamRow<tagRECT> : PlainParamRow<tagRECT, kQLRect, &ParamValues::rect> {};
+template <>
+struct ParamRow<tagRRECT> : PlainParamRow<tagRRECT, kQLRealRect, &ParamValues::realRect> {};
+template <>
+struct ParamRow<tagQLBLOB> : PlainParamRow<tagQLBLOB, kQLBlob, &ParamValues::blob> {};
+
+template <>
+struct ParamRow<CXString> {
+  static bool accepts(QLVariantTag tag) noexcept { return tag == kQLString; }
+  static void take(const CQLVariant& from, CXString& to) {
+    const auto text = static_cast<const char*>(from);
+    to.AssignCopy(text, text != nullptr ? static_cast<int>(std::strlen(text)) : 0);
+  }
+};
+
+template <>
+struct ParamRow<CQLVariant> {
+  static bool accepts(QLVariantTag /*tag*/) noexcept { return true; }
+  static void take(const CQLVariant& from, CQLVariant& to) { to = from; }
+};
+
+}  // namespace ulm::core
+
+// Reads the value under `key` into `target`: 1, or 0 with the target as it was, where `param` is
+// null, the key is not there, or its value has a tag that the target's type does not accept:
+//   int, unsigned int, long, unsigned long, unsigned short, unsigned char   tags 1 to 7
+//   double 8, float 9, CXString 10, tagSIZE 11, tagRSIZE 12, tagPOINT 13, tagRPOINT 14, tagRECT 15,
+//   tagRRECT 16, tagQLBLOB 17 (its bytes stay their owner's)
+//   CQLVariant                                                              every tag
+template <class Target>
+int Param_GetValue(IParam* param, const char* key, Target& target) {
+  using Row = ulm::core::ParamRow<Target>;
+  CQLVariant value;  // cleared on every way out
+  if (param == nullptr || param->GetValue(key, &value) == 0) return 0;
+  if (!Row::accepts(value.tag)) return 0;
+  Row::take(value, target);
+  return 1;
+}
+
+// Stores a copy of `value` under `key`. `param` must not be null.
+void Param_SetValue(IParam* param, const char* key, const char* value);
+void Param_SetValue(IParam* param, const char* key, const wchar_t* value);
+void Param_SetValue(IParam* param, const char* key, int value);
+void Param_SetValue(IParam* param, const char* key, const CXString& value);
+void Param_SetValue(IParam* param, const char* key, const CXStringW& value);

@@ -1,0 +1,17 @@
+#include "module/functional_modules.h"
+
+#include "module/glue/exceptions.h"
+#include "platform/hostcmd/lang_engine_man.h"
+
+bool loadFunctionalModules() {
+  try {
+    hostLangEngineMan* manager = get_hostLangEngineMan();
+    if (manager == nullptr) return false;
+    for (const ulm::module::FunctionalModule& row : ulm::module::kFunctionalModules) {
+      manager->loadModule(row.file, row.engine, ulm::module::kLoadNumber);
+    }
+    return true;
+  } catch (const CXException&) {
+    return false;
+  }
+}

@@ -1,0 +1,92 @@
+// The language's allocation operators, for this library alone: its export list keeps them inside,
+// so that the host and the language's own library go on with theirs. A block never crosses over:
+// the library holds no standard type whose storage is made inside the language's library.
+#include <cstddef>
+#include <cstdint>
+#include <new>
+
+#include "module/glue/allocation.h"
+
+namespace {
+
+using ulm::glue::allocate;
+
+// What odrxAlloc aligns to. A stricter block starts later in a larger one, whose own start stands
+// in the word before it.
+constexpr std::size_t kPlainAlignment = 16;
+
+void* allocateAligned(std::size_t bytes, std::align_val_t wanted) {
+  const auto alignment = static_cast<std::size_t>(wanted);
+  if (alignment <= kPlainAlignment) return allocate(bytes);
+  if (bytes > SIZE_MAX - alignment - sizeof(void*)) throw std::bad_alloc();
+  void* whole = allocate(bytes + alignment + sizeof(void*));
+  if (whole == nullptr) return nullptr;
+  const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(whole) + sizeof(void*);
+  const std::uintptr_t start = (first + alignment - 1) & ~(alignment - 1);
+  void* block = reinterpret_cast<void*>(start);
+  static_cast<void**>(block)[-1] = whole;
+  return block;
+}
+
+void freeAligned(void* block, std::align_val_t alignment) noexcept {
+  const bool plain = static_cast<std::size_t>(alignment) <= kPlainAlignment;
+  odrxFree(block == nullptr || plain ? block : static_cast<void**>(block)[-1]);
+}
+
+template <class Allocate>
+void* orNull(Allocate allocation) noexcept {
+  try {
+    return allocation();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+void* operator new(std::size_t bytes) { return allocate(bytes); }
+void* operator new[](std::size_t bytes) { return allocate(bytes); }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+  return orNull([=] { return allocate(bytes); });
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+  return orNull([=] { return allocate(bytes); });
+}
+void* operator new(std::size_t bytes, std::align_val_t alignment) {
+  return allocateAligned(bytes, alignment);
+}
+void* operator new[](std::size_t bytes, std::align_val_t alignment) {
+  return allocateAligned(bytes, alignment);
+}
+void* operator new(std::size_t bytes, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  return orNull([=] { return allocateAligned(bytes, alignment); });
+}
+void* operator new[](std::size_t bytes, std::align_val_t alignment,
+                     const std::nothrow_t&) noexcept {
+  return orNull([=] { return allocateAligned(bytes, alignment); });
+}
+
+void operator delete(void* block) noexcept { odrxFree(block); }
+void operator delete[](void* block) noexcept { odrxFree(block); }
+void operator delete(void* block, std::size_t) noexcept { odrxFree(block); }
+void operator delete[](void* block, std::size_t) noexcept { odrxFree(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { odrxFree(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { odrxFree(block); }
+void operator delete(void* block, std::align_val_t alignment) noexcept {
+  freeAligned(block, alignment);
+}
+void operator delete[](void* block, std::align_val_t alignment) noexcept {
+  freeAligned(block, alignment);
+}
+void operator delete(void* block, std::size_t, std::align_val_t alignment) noexcept {
+  freeAligned(block, alignment);
+}
+void operator delete[](void* block, std::size_t, std::align_val_t alignment) noexcept {
+  freeAligned(block, alignment);
+}
+void operator delete(void* block, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  freeAligned(block, alignment);
+}
+void operator delete[](void* block, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+  freeAligned(block, alignment);
+}

@@ -1,0 +1,83 @@
+#include "module/host_lookup.h"
+
+#include <atomic>
+#include <typeinfo>
+
+#include "module/glue/procedure.h"
+
+namespace {
+
+using ulm::glue::procedure;
+
+using GetAppEntry = IApp*();
+using InstanceEntry = HINSTANCE();
+using CreateObjectEntry = int(const char* className, void* outer, const std::type_info& wanted,
+                              void** outObject);
+using FunctionEntry = void*(int selector);
+using HostObjectEntry = IHostObject*();
+
+constexpr int kHostObjectSelector = 2;
+
+// Plain pointers in effect: atomic only so that two threads that search at once are well defined.
+constinit std::atomic<GetAppEntry*> cachedGetApp{nullptr};
+constinit std::atomic<CreateObjectEntry*> cachedCreateObject{nullptr};
+
+// Looks `name` up in `library`, unless that is null, and keeps the answer; gives what is now kept.
+template <class Function>
+Function* lookUp(std::atomic<Function*>& cache, HMODULE library, const char* name) {
+  if (library != nullptr)
+    cache.store(procedure<Function>(library, name), std::memory_order_relaxed);
+  return cache.load(std::memory_order_relaxed);
+}
+
+InstanceEntry* programInstanceEntry() {
+  return procedure<InstanceEntry>(GetModuleHandleW(nullptr), "GetMainDllInstance");
+}
+
+IApp* createAppByCore() {
+  CreateObjectEntry* create = cachedCreateObject.load(std::memory_order_relaxed);
+  if (create == nullptr) {
+    create = lookUp(cachedCreateObject, GetModuleHandleW(L"qlcore.dll"), "CreateObjectC");
+  }
+  if (create == nullptr) return nullptr;
+  void* app = nullptr;
+  create("CLSID_APP", nullptr, typeid(IApp), &app);
+  return static_cast<IApp*>(app);
+}
+
+}  // namespace
+
+IApp* Host_GetApp() {
+  GetAppEntry* getApp = cachedGetApp.load(std::memory_order_relaxed);
+  if (getApp == nullptr)
+    getApp = lookUp(cachedGetApp, GetModuleHandleW(L"QlHostApp.dll"), "GetApp");
+  if (getApp != nullptr) return getApp();
+  if (InstanceEntry* mainInstance = programInstanceEntry()) {
+    // A program with this export decides the matter: the core library is not asked then.
+    cachedGetApp.store(procedure<GetAppEntry>(mainInstance(), "GetApp"), std::memory_order_relaxed);
+    getApp = cachedGetApp.load(std::memory_order_relaxed);
+    return getApp != nullptr ? getApp() : nullptr;
+  }
+  return createAppByCore();
+}
+
+HINSTANCE Host_GetMainInstance() {
+  if (InstanceEntry* mainInstance = programInstanceEntry()) return mainInstance();
+  if (HMODULE viewer = GetModuleHandleW(L"qlview.dll")) return viewer;
+  const HMODULE hostApp = GetModuleHandleW(L"QlHostApp.dll");
+  if (hostApp == nullptr) return nullptr;
+  const auto mainInstance = procedure<InstanceEntry>(hostApp, "GetMainDllInstanceEx");
+  return mainInstance != nullptr ? mainInstance() : nullptr;
+}
+
+IHostObject* Host_GetHostObject() {
+  const auto function = procedure<FunctionEntry>(Host_GetMainInstance(), "get_host_funcptr");
+  if (function == nullptr) return nullptr;
+  const auto hostObject = reinterpret_cast<HostObjectEntry*>(function(kHostObjectSelector));
+  return hostObject != nullptr ? hostObject() : nullptr;
+}
+
+HWND Host_GetMainWindow() {
+  IHostObject* host = Host_GetHostObject();
+  return host != nullptr ? static_cast<HWND>(host->mainWindow()) : nullptr;
+}

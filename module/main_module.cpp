@@ -1,0 +1,16 @@
+#include "module/main_module.h"
+
+#include "module/functional_modules.h"
+#include "module/product.h"
+#include "module/product_identity.h"
+#include "module/search_path.h"
+#include "platform/qlcore/services.h"
+
+bool ULMMainModule::initApp() {
+  publishProductIdentity();
+  Supp_AddWld(ulm::module::kWldFile);
+  addModuleFolderToPath();
+  return loadFunctionalModules();
+}
+
+void ULMMainModule::uninitApp() {}

@@ -1,0 +1,15 @@
+// What the product says of itself, in one place; its version stands in product_version.h.
+#pragma once
+
+namespace ulm::module {
+
+inline constexpr char kLongName[] = "Ulmira Point Cloud Processing";
+inline constexpr char kShortName[] = "Ulmira";
+inline constexpr char kIcon[] = "ULM_Main.dll,1";
+inline constexpr wchar_t kWldFile[] = L"Ulmira.wld";
+
+// The two strings that go with the record to the application.
+inline constexpr char kVendorString[] = "The Ulmira developers";
+inline constexpr char kProductString[] = "ULM_Main";
+
+}  // namespace ulm::module

@@ -1,0 +1,182 @@
+#include "tools/host/module_run.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "module/entry.h"
+#include "platform/hostapp/control.h"
+#include "platform/hostcmd/control.h"
+#include "platform/odrx/alloc_control.h"
+#include "platform/odrx/rx_object.h"
+#include "platform/qlcore/control.h"
+#include "platform/win32/stand_in.h"
+#include "platform/win32/win32.h"
+
+namespace ulm::tools {
+namespace {
+
+using GetApiVersion = decltype(odrxGetAPIVersion);
+using CreateModuleObject = decltype(odrxCreateModuleObject);
+
+std::string toUtf8(const wchar_t* text) {
+  const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+  if (size <= 0) return {};
+  std::string made(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), size, nullptr, nullptr);
+  made.pop_back();  // the terminator
+  return made;
+}
+
+std::wstring toWide(const std::string& text) {
+  const int size = MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, nullptr, 0);
+  if (size <= 0) return {};
+  std::wstring made(static_cast<std::size_t>(size), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), size);
+  made.pop_back();  // the terminator
+  return made;
+}
+
+std::string pathVariable() {
+  const DWORD size = GetEnvironmentVariableW(L"PATH", nullptr, 0);
+  if (size == 0) return {};
+  std::wstring value(size, L'\0');
+  GetEnvironmentVariableW(L"PATH", value.data(), size);
+  return toUtf8(value.c_str());
+}
+
+// A library that was taken into the process; goes out with the holder.
+class LoadedLibrary {
+ public:
+  explicit LoadedLibrary(const std::string& file) : module_(LoadLibraryW(toWide(file).c_str())) {
+    if (module_ == nullptr) throw RunError("cannot load " + file + ": " + ulmWin32LoadError());
+  }
+  LoadedLibrary(LoadedLibrary&& other) noexcept : module_(std::exchange(other.module_, nullptr)) {}
+  LoadedLibrary& operator=(LoadedLibrary&&) = delete;
+  ~LoadedLibrary() {
+    if (module_ != nullptr) FreeLibrary(module_);
+  }
+
+  HMODULE get() const noexcept { return module_; }
+
+  template <class Function>
+  Function* entry(const char* name) const {
+    return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(module_, name)));
+  }
+
+ private:
+  HMODULE module_;
+};
+
+// The libraries that the host takes in by itself, and the application among them.
+struct HostLibraries {
+  std::vector<LoadedLibrary> libraries;
+  const HostAppControl* application = nullptr;
+
+  explicit HostLibraries(const std::vector<std::string>& without) {
+    const auto left = [&](const char* name) {
+      return std::find(without.begin(), without.end(), name) != without.end();
+    };
+    for (const char* name : {"QlHostApp", "qlview", "qlsupport"}) {
+      if (!left(name)) libraries.emplace_back(std::string(name) + ".dll");
+    }
+    if (!left("QlHostApp")) {
+      const auto control = libraries.front().entry<HostAppControlEntry>(kHostAppControlEntry);
+      if (control == nullptr) throw RunError("QlHostApp is not this host's application");
+      application = control();
+    }
+    hostcmdSetPresent(!left("qlhostcmd"));
+  }
+};
+
+struct Balance {
+  const char* name;
+  std::int64_t held;
+};
+
+// What is held of the host's objects and memory, in a fixed order of names.
+std::vector<Balance> takeBalance(const HostAppControl* application) {
+  std::vector<Balance> balance;
+  if (application != nullptr) {
+    balance.push_back({"IApp", application->heldReferences(HostAppObject::App)});
+    balance.push_back({"IAppExterior", application->heldReferences(HostAppObject::Exterior)});
+    balance.push_back(
+        {"IHostProductInfo", application->heldReferences(HostAppObject::ProductInfo)});
+  }
+  balance.push_back({"IParam", qlcoreHeldParams()});
+  balance.push_back({"memory", static_cast<std::int64_t>(odrxAllocCounts().liveBlocks)});
+  return balance;
+}
+
+std::optional<RunReport::Record> takenRecord(const HostAppControl* application) {
+  if (application == nullptr || application->recordCount() < 0) return std::nullopt;
+  RunReport::Record record;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(application->recordCount()); ++i) {
+    record.emplace_back(application->recordKey(i), application->recordValue(i));
+  }
+  return record;
+}
+
+// Starts and stops the object and takes it away, on every path.
+void startAndStop(OdRxModule* object, RunReport& report) {
+  struct FinalRelease {
+    OdRxModule* object;
+    ~FinalRelease() { object->finalRelease(); }
+  } const finalRelease{object};
+  report.modulePath = toUtf8(object->modulePath().c_str());
+  report.pathBefore = pathVariable();
+  try {
+    report.started = object->initApp();
+  } catch (const std::exception& error) {
+    throw RunError(std::string("initApp raised an exception: ") + error.what());
+  } catch (...) {
+    throw RunError("initApp raised an exception");
+  }
+  report.pathAfter = pathVariable();
+  object->uninitApp();
+}
+
+void liveOnce(const std::string& file, RunReport& report) {
+  const LoadedLibrary module(file);
+  const auto need = [&](auto* entry, const char* name) {
+    if (entry == nullptr) throw RunError(file + " lacks the entry " + name);
+    return entry;
+  };
+  const auto getVersion =
+      need(module.entry<GetApiVersion>("odrxGetAPIVersion"), "odrxGetAPIVersion");
+  const auto create =
+      need(module.entry<CreateModuleObject>("odrxCreateModuleObject"), "odrxCreateModuleObject");
+  auto& version = report.apiVersion;
+  getVersion(&version[0], &version[1], &version[2], &version[3]);
+  HINSTANCE slot = module.get();
+  OdRxModule* object = create(&slot);
+  if (object == nullptr) throw RunError(file + " made no module object");
+  startAndStop(object, report);
+}
+
+}  // namespace
+
+RunReport runModule(const RunOptions& options) {
+  const HostLibraries host(options.without);
+  const std::vector<Balance> before = takeBalance(host.application);
+  RunReport report;
+  liveOnce(options.moduleFile, report);
+
+  report.record = takenRecord(host.application);
+  if (const wchar_t* name = qlcoreWldName(0)) report.wld = toUtf8(name);
+  for (std::size_t i = 0; i < hostcmdLoadCount(); ++i) {
+    const HostcmdLoad load = hostcmdLoad(i);
+    report.loads.push_back({toUtf8(load.file), toUtf8(load.engine), load.number});
+  }
+  qlcoreForgetWlds();
+  const std::vector<Balance> after = takeBalance(host.application);
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (after[i].held != before[i].held) report.unbalanced.emplace_back(after[i].name);
+  }
+  if (GetModuleHandleW(toWide(report.modulePath).c_str()) != nullptr) {
+    report.unbalanced.emplace_back("ULM_Main");
+  }
+  return report;
+}
+
+}  // namespace ulm::tools
