@@ -1,17 +1,22 @@
 // Makes the resources of a library that is no Windows file: a version block and a string table as
 // constants in sections of the file, which resources.cpp finds again by reading the file.
-//   .rsrc_version   one version block as the VERSIONINFO resource lays it out: length, value
-//   length,
-//                   type 0, the key "VS_VERSION_INFO" in UTF-16, padding to 4 bytes, the fixed file
-//                   information. All numbers little-endian.
-//   .rsrc_strings   string entries one behind the other: number (16 bits), length in UTF-16 units
-//                   (16 bits), the units. All little-endian. A section ends with the section.
+//   .rsrc_version  one version block as the VERSIONINFO resource lays it out: length, value length,
+//                  type 0, the key "VS_VERSION_INFO" in UTF-16, padding to 4 bytes, the fixed file
+//                  information.
+//   .rsrc_strings  string entries one behind the other: number (16 bits, from 1), length in UTF-16
+//                  units (16 bits), the units. Zeros between entries are padding. The table ends
+//                  with the section.
+// All numbers are little-endian.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
 namespace ulm::win32 {
+
+static_assert(std::endian::native == std::endian::little,
+              "the constants below reach the file in the byte order of the machine");
 
 struct VersionBlock {
   std::uint16_t length = sizeof(VersionBlock);
