@@ -1,5 +1,6 @@
 // The resources of the library on systems without resource files: its version and its strings, in
 // the library's own file.
+#include "module/product.h"
 #include "module/product_version.h"
 #include "platform/win32/resource_block.h"
 
@@ -9,5 +10,13 @@ ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion(ULM_VERSION_MAJ
                                                                  ULM_VERSION_MINOR,
                                                                  ULM_VERSION_BUILD,
                                                                  ULM_VERSION_REVISION);
+
+struct Strings {
+  ulm::win32::StringEntry<sizeof ulm::module::kLongName - 1> longName;
+  ulm::win32::StringEntry<sizeof ulm::module::kShortName - 1> shortName;
+};
+ULM_STRING_RESOURCE constexpr Strings kStrings{
+    {ulm::module::kStringLongName, ulm::module::kLongName},
+    {ulm::module::kStringShortName, ulm::module::kShortName}};
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "module/glue/instance.h"
 #include "platform/hostapp/control.h"
 #include "platform/qlcore/variant.h"
+#include "platform/win32/stand_in.h"
 
 namespace {
 
@@ -93,6 +94,7 @@ class ProductInfo final : public AppObject<IHostProductInfo, HostAppObject::Prod
   std::int32_t hostOperation7() override { return 0; }
 
   std::int32_t publishRecord(const char* vendor, const char* product, IParam* param) override {
+    ulmWin32LogCall("publishRecord");
     if (throwsAtPublish) throw std::bad_alloc();
     std::vector<Entry> taken;
     for (std::uint32_t i = 0; i < param->GetCount(); ++i) {

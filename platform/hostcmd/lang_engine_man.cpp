@@ -6,6 +6,7 @@
 #include "core/iface/app.h"
 #include "module/glue/exceptions.h"
 #include "platform/hostcmd/control.h"
+#include "platform/win32/stand_in.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ class RecordingManager final : public hostLangEngineMan {
   int hostOperation4() override { return 0; }
 
   int loadModule(const wchar_t* file, const wchar_t* engine, std::int32_t number) override {
+    ulmWin32LogCall("loadModule");
     const std::size_t index = loads.size();
     loads.push_back({file, engine, number});
     if (index == throwIndex) raise(throwWhat);

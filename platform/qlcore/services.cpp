@@ -8,6 +8,7 @@
 #include "platform/odrx/alloc.h"
 #include "platform/qlcore/control.h"
 #include "platform/qlcore/strings.h"
+#include "platform/win32/stand_in.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ QlcoreFactory registeredFactory = nullptr;
 
 int Supp_AddWld(const wchar_t* name) {
   if (name == nullptr || *name == L'\0') return 0;
+  ulmWin32LogCall("Supp_AddWld");
   CXStringW copy;
   copy.AssignCopy(name, static_cast<int>(std::wcslen(name)));
   wldNames.push_back(std::move(copy));
@@ -52,6 +54,7 @@ int CreateObjectC(const char* className, void* /*outer*/, const std::type_info& 
 }
 
 int _InitResTranslation(HINSTANCE instance) {
+  ulmWin32LogCall("_InitResTranslation");
   ++translationUsers;
   translationInstance = instance;
   return 1;

@@ -54,13 +54,15 @@ struct StringEntry {
   std::uint16_t length = Length;
   char16_t text[Length];
 
-  constexpr StringEntry(std::uint16_t stringNumber, const char16_t (&literal)[Length + 1]) noexcept
+  // From a literal of UTF-16 units, or of ASCII characters.
+  template <class Character>
+  constexpr StringEntry(std::uint16_t stringNumber, const Character (&literal)[Length + 1]) noexcept
       : number(stringNumber), text{} {
-    for (std::size_t i = 0; i < Length; ++i) text[i] = literal[i];
+    for (std::size_t i = 0; i < Length; ++i) text[i] = static_cast<char16_t>(literal[i]);
   }
 };
-template <std::size_t Size>
-StringEntry(std::uint16_t, const char16_t (&)[Size]) -> StringEntry<Size - 1>;
+template <class Character, std::size_t Size>
+StringEntry(std::uint16_t, const Character (&)[Size]) -> StringEntry<Size - 1>;
 
 }  // namespace ulm::win32
 

@@ -1,0 +1,44 @@
+# Sourced by the scripts beside it: sees to the packages that a task needs, on Debian 12.
+#
+#   ulm_need PACKAGE...   installs with apt what is missing where this user may; else says in one line
+#                         what to install, and ends the script.
+
+ulm_missing_packages() {
+  local package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
+      printf '%s\n' "$package"
+  done
+}
+
+ulm_need() {
+  local missing log root=""
+  if ! command -v dpkg-query >/dev/null 2>&1; then
+    echo "No Debian packages here; make sure that these are there under your system's names: $*" >&2
+    return 0
+  fi
+  mapfile -t missing < <(ulm_missing_packages "$@")
+  [ "${#missing[@]}" -eq 0 ] && return 0
+  if [ "$(id -u)" -ne 0 ]; then
+    root="sudo -n"
+    if ! $root true >/dev/null 2>&1; then
+      echo "Please install: apt-get install ${missing[*]}" >&2
+      exit 1
+    fi
+  fi
+  echo "Installing: ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  log=$(mktemp)
+  if ! { $root apt-get update -qq &&
+         $root apt-get install -y -qq --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    tail -n 20 "$log" >&2
+    rm -f "$log"
+    echo "Please install: apt-get install ${missing[*]}" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}
+
+ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
+ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
+  libgmock-dev libbenchmark-dev python3 binutils git)

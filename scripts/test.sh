@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Builds Ulmira with its tests and runs all of them: with g++ and clang, and under the sanitizers.
+# Arguments are the presets to run instead, such as `scripts/test.sh gcc`.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/setup.sh
+
+ulm_need "${ULM_TEST_PACKAGES[@]}"
+presets=("$@")
+[ "${#presets[@]}" -gt 0 ] || presets=(gcc clang asan tsan)
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+for preset in "${presets[@]}"; do
+  echo "== $preset: building"
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" &&
+         cmake --build --preset "$preset" --target all_verify_interface_header_sets; } >"$log" 2>&1; then
+    cat "$log" >&2
+    exit 1
+  fi
+  echo "== $preset: testing"
+  ctest --preset "$preset"
+done

@@ -1,0 +1,132 @@
+// A process that links the host lookup and the run-time glue alone, and no host library, so that
+// each of them can be absent. Built twice: once with an export GetMainDllInstance, once without.
+#include <cstring>
+#include <cwchar>
+#include <typeinfo>
+
+#include "core/iface/app.h"
+#include "module/glue/debug_switches.h"
+#include "module/glue/exceptions.h"
+#include "module/glue/instance.h"
+#include "module/glue/procedure.h"
+#include "module/glue/translation.h"
+#include "module/host_lookup.h"
+#include "platform/win32/win32.h"
+#include "tests/support/script.h"
+
+namespace {
+
+using ulm::glue::procedure;
+using ulm::test::say;
+
+HINSTANCE mainInstance = nullptr;  // what the program's export gives
+
+std::wstring wide(const std::string& text) { return {text.begin(), text.end()}; }
+
+// A file in the program's folder or beneath it.
+std::wstring besideProgram(const std::string& file) {
+  wchar_t name[2048] = {};
+  GetModuleFileNameW(nullptr, name, 2047);
+  *(std::wcsrchr(name, L'\\') + 1) = L'\0';
+  return name + wide(file);
+}
+
+std::string moduleName(const void* address) {
+  const HMODULE module = ulm::glue::moduleHolding(address);
+  if (module == nullptr) return "null";
+  if (module == GetModuleHandleW(nullptr)) return "program";
+  wchar_t name[512] = {};
+  GetModuleFileNameW(module, name, 511);
+  const wchar_t* file = std::wcsrchr(name, L'\\') + 1;
+  return {file, file + std::wcslen(file)};
+}
+
+// Which library made an object: the one that holds its table.
+std::string makerOf(const void* object) {
+  if (object == nullptr) return "null";
+  const void* table;
+  std::memcpy(&table, object, sizeof table);
+  return moduleName(table);
+}
+
+// The application of this program, for the core library's factory.
+class ProbeApp final : public IApp {
+ public:
+  std::uint32_t AddRef() override { return ++references; }
+  std::uint32_t Release() override { return --references; }
+  std::int32_t QueryInterface(const std::type_info& /*wanted*/, void** outObject) override {
+    if (outObject != nullptr) *outObject = nullptr;
+    return 0;
+  }
+  std::uint32_t references = 0;
+};
+ProbeApp probeApp;
+
+void makeProbeApp(const std::type_info& wanted, void** outObject) {
+  if (!Iface_SameRecord(wanted, typeid(IApp))) return;
+  probeApp.AddRef();
+  *outObject = static_cast<IApp*>(&probeApp);
+}
+
+// Registers a class with the stand-in core library, wherever that was loaded.
+void registerClass(const std::string& name) {
+  static std::string kept;
+  kept = name;
+  using Register = void(const char*, void (*)(const std::type_info&, void**));
+  procedure<Register>(GetModuleHandleW(L"qlcore.dll"), "qlcoreRegisterClass")(kept.c_str(),
+                                                                              makeProbeApp);
+}
+
+int interfaceException() {
+  try {
+    throw CXIFaceException(typeid(IApp));
+  } catch (const CXException& error) {
+    const auto* missing = dynamic_cast<const CXIFaceException*>(&error);
+    const bool right = missing != nullptr && missing->GetInterface() == typeid(IApp) &&
+                       error.GetModule() == Module_GetInstance();
+    return right ? static_cast<int>(error.GetCode()) : -1;
+  }
+}
+
+}  // namespace
+
+#ifdef ULM_PROBE_EXPORTS_INSTANCE
+extern "C" [[gnu::visibility("default")]] HINSTANCE GetMainDllInstance() { return mainInstance; }
+#endif
+
+int main(int argc, char** argv) {
+  return ulm::test::runSteps(
+      {{"load",
+        [](const std::string& file) {
+          if (LoadLibraryW(besideProgram(file).c_str()) == nullptr) say("not loaded: ", file);
+        }},
+       {"main",
+        [](const std::string& name) { mainInstance = GetModuleHandleW(wide(name).c_str()); }},
+       {"register", registerClass},
+       {"app", [](const std::string&) { say("app ", makerOf(Host_GetApp())); }},
+       {"references", [](const std::string&) { say("references ", probeApp.references); }},
+       {"instance",
+        [](const std::string&) { say("instance ", moduleName(Host_GetMainInstance())); }},
+       {"object", [](const std::string&) { say("object ", makerOf(Host_GetHostObject())); }},
+       {"window",
+        [](const std::string&) {
+          say("window ", reinterpret_cast<std::uintptr_t>(Host_GetMainWindow()));
+        }},
+       {"translate",
+        [](const std::string&) {
+          const HINSTANCE own = Module_GetInstance();
+          say("translate ", ResTranslation_Init(own), ' ', ResTranslation_DeInit(own));
+        }},
+       {"string",
+        [](const std::string& library) {
+          char buffer[8] = "xxxxxxx";
+          const int length =
+              ResTranslation_LoadString(GetModuleHandleW(wide(library).c_str()), 2, buffer, 5);
+          say("string ", length, ' ', buffer);
+        }},
+       {"own",
+        [](const std::string&) {
+          say("own ", moduleName(Module_GetInstance()), ' ', interfaceException());
+        }}},
+      argc, argv);
+}

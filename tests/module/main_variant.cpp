@@ -1,0 +1,106 @@
+// Joined with the module's own objects into a library ULM_MainVariant, to see from inside what the
+// library hides: its load order, its flags and its allocation operators.
+#include "tests/module/main_variant.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <new>
+
+#include "module/glue/instance.h"
+#include "module/glue/load_order.h"
+#include "module/glue/switch_flags.h"
+#include "platform/odrx/alloc_control.h"
+#include "platform/win32/stand_in.h"
+
+namespace {
+
+// Stands where the facilities' constants stand in the load order.
+class Constant {
+ public:
+  Constant() {
+    ulmWin32LogCall(flagsAreSet() ? "constant made after flags" : "constant made first");
+  }
+  ~Constant() { ulmWin32LogCall("constant destroyed"); }
+  Constant(const Constant&) = delete;
+  Constant& operator=(const Constant&) = delete;
+
+ private:
+  static bool flagsAreSet() { return static_cast<bool>(ulm::glue::defecateFlag); }
+};
+[[gnu::init_priority(ulm::glue::kInitConstants)]] const Constant constant;
+
+struct alignas(64) Wide {
+  char bytes[64];
+};
+
+struct Form {
+  const char* name;
+  std::function<void*()> allocate;
+  std::function<void(void*)> release;
+  std::size_t alignment;
+};
+
+bool formWorks(const Form& form, bool failing) {
+  const OdrxAllocCounts before = odrxAllocCounts();
+  if (failing) odrxAllocFail(0, UINT64_MAX);
+  void* block = nullptr;
+  try {
+    block = form.allocate();
+  } catch (const std::bad_alloc&) {
+    odrxAllocFail(0, 0);
+    return failing && odrxAllocCounts().liveBlocks == before.liveBlocks;
+  }
+  odrxAllocFail(0, 0);
+  if (failing) return block == nullptr;
+  const bool made = block != nullptr && odrxAllocCounts().liveBlocks == before.liveBlocks + 1 &&
+                    reinterpret_cast<std::uintptr_t>(block) % form.alignment == 0;
+  form.release(block);
+  return made && odrxAllocCounts().liveBlocks == before.liveBlocks;
+}
+
+}  // namespace
+
+ULM_VARIANT_API int _QLAfxDllMain(HINSTANCE instance, int attached) {
+  const bool own = instance == Module_GetInstance();
+  ulmWin32LogCall(!own ? "afx with a foreign instance" : attached != 0 ? "afx 1" : "afx 0");
+  return 0;
+}
+
+ULM_VARIANT_API unsigned variantFlags() {
+  using namespace ulm::glue;
+  return (assertFlag ? 1u : 0u) | (addJumpFlag ? 2u : 0u) | (removeJumpFlag ? 4u : 0u) |
+         (defecateFlag ? 8u : 0u);
+}
+
+ULM_VARIANT_API const char* variantTryNew(bool failing) {
+  const std::align_val_t plain{8}, strict{64};
+  const std::nothrow_t& quiet = std::nothrow;
+  using Block = void*;
+  const Form forms[] = {
+      {"new", [] { return operator new(24); }, [](Block b) { operator delete(b); }, 16},
+      {"new[]", [] { return operator new[](24); }, [](Block b) { operator delete[](b); }, 16},
+      {"sized", [] { return operator new(24); }, [](Block b) { operator delete(b, 24); }, 16},
+      {"sized[]", [] { return operator new[](24); }, [](Block b) { operator delete[](b, 24); }, 16},
+      {"nothrow", [&] { return operator new(24, quiet); },
+       [&](Block b) { operator delete(b, quiet); }, 16},
+      {"nothrow[]", [&] { return operator new[](24, quiet); },
+       [&](Block b) { operator delete[](b, quiet); }, 16},
+      {"little aligned", [=] { return operator new(24, plain); },
+       [=](Block b) { operator delete(b, plain); }, 8},
+      {"aligned", [=] { return operator new(24, strict); },
+       [=](Block b) { operator delete(b, strict); }, 64},
+      {"aligned[]", [=] { return operator new[](24, strict); },
+       [=](Block b) { operator delete[](b, 24, strict); }, 64},
+      {"aligned nothrow", [&] { return operator new(24, strict, quiet); },
+       [&](Block b) { operator delete(b, strict, quiet); }, 64},
+      {"expression", [] { return static_cast<Block>(new Wide); },
+       [](Block b) { delete static_cast<Wide*>(b); }, 64},
+  };
+  for (const Form& form : forms) {
+    if (failing && form.alignment == 64 && form.name[0] == 'e')
+      continue;  // would construct on null
+    if (!formWorks(form, failing)) return form.name;
+  }
+  return nullptr;
+}

@@ -1,0 +1,16 @@
+// What the variant of the module library exports beside its entry points.
+#pragma once
+
+#ifdef _WIN32
+#define ULM_VARIANT_API extern "C" __declspec(dllexport)
+#else
+#define ULM_VARIANT_API extern "C" [[gnu::visibility("default")]]
+#endif
+
+// The four switch flags as they were set at load: assert, add-jump, remove-jump, defecate, as bits
+// 0 to 3.
+using VariantFlags = unsigned();
+
+// Tries each form of new and delete; gives the first one that did not go through odrxAlloc and
+// odrxFree as it should, or null. With `failing` every allocation fails while they are tried.
+using VariantTryNew = const char*(bool failing);

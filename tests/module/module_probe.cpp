@@ -1,0 +1,302 @@
+// A host process for the real library, led by its steps: what each does to the library is printed.
+#include <algorithm>
+#include <cstdlib>
+#include <cwchar>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "module/entry.h"
+#include "module/glue/exceptions.h"
+#include "platform/hostapp/control.h"
+#include "platform/hostcmd/control.h"
+#include "platform/odrx/alloc_control.h"
+#include "platform/qlcore/control.h"
+#include "platform/win32/stand_in.h"
+#include "platform/win32/win32.h"
+#include "tests/module/main_variant.h"
+#include "tests/support/script.h"
+
+namespace {
+
+using ulm::test::say;
+
+HMODULE library = nullptr;
+OdRxModule* object = nullptr;
+HINSTANCE slot = nullptr;
+const HostAppControl* application = nullptr;
+int handlerCalls = 0;
+std::vector<std::int64_t> marked;
+
+std::wstring wide(const std::string& text) {
+  std::wstring made(text.size() + 1, L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), static_cast<int>(made.size()));
+  return made.c_str();
+}
+
+std::string narrow(const wchar_t* text) {
+  std::string made(std::wcslen(text) * 4 + 1, '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), static_cast<int>(made.size()), nullptr,
+                      nullptr);
+  return made.c_str();
+}
+
+std::wstring variable(const wchar_t* name) {
+  std::wstring value(40000, L'\0');
+  GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
+  return value.c_str();
+}
+
+template <class Function>
+Function* entry(const char* name) {
+  return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
+}
+
+std::wstring modulePathText() {
+  wchar_t name[4096] = {};
+  GetModuleFileNameW(library, name, 4095);
+  return name;
+}
+
+// The folder of the library as it stands on PATH.
+std::wstring folderText() {
+  const std::wstring path = modulePathText();
+  return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+std::vector<std::int64_t> balance() {
+  std::vector<std::int64_t> counts{qlcoreHeldParams(),
+                                   static_cast<std::int64_t>(odrxAllocCounts().liveBlocks)};
+  for (int i = 0; i < 3 && application != nullptr; ++i) {
+    counts.push_back(application->heldReferences(static_cast<HostAppObject>(i)));
+  }
+  return counts;
+}
+
+const char* balanceWord() {
+  qlcoreForgetWlds();
+  return balance() == marked ? "balanced" : "unbalanced";
+}
+
+// What a call gave, or what it raised.
+template <class Call>
+std::string outcome(Call call) {
+  try {
+    return call();
+  } catch (const CXException& error) {
+    return "CXException " + std::to_string(error.GetCode());
+  } catch (const std::bad_alloc&) {
+    return "bad_alloc";
+  } catch (int number) {
+    return "int " + std::to_string(number);
+  }
+}
+
+std::string create() {
+  return outcome([]() -> std::string {
+    slot = slot == nullptr ? library : slot;
+    OdRxModule* const before = object;
+    object = entry<decltype(odrxCreateModuleObject)>("odrxCreateModuleObject")(&slot);
+    const std::string slotText = slot == nullptr ? ", slot cleared" : ", slot kept";
+    if (object == nullptr) return "null" + slotText;
+    return (object == before ? "same" : "fresh") + slotText + ", references " +
+           std::to_string(object->numRefs());
+  });
+}
+
+std::string init() {
+  return outcome([] { return std::string(object->initApp() ? "true" : "false"); });
+}
+
+// Lets the n-th allocation of a call fail, for each n, until the call needs no more; tells the
+// outcomes that came, each once, and the last; every one must leave nothing behind.
+std::string sweep(std::string (*call)(), void (*undo)()) {
+  std::vector<std::string> outcomes;
+  std::string last;
+  for (std::uint64_t n = 0; n < 1000; ++n) {
+    _wputenv(L"PATH=/start");
+    const std::uint64_t callsBefore = odrxAllocCounts().calls;
+    odrxAllocFail(n, 1);
+    last = call();
+    odrxAllocFail(0, 0);
+    undo();
+    const bool reached = odrxAllocCounts().calls > callsBefore + n;
+    if (balance() != marked && (qlcoreForgetWlds(), balance() != marked)) last += " unbalanced";
+    if (!reached) break;
+    if (std::find(outcomes.begin(), outcomes.end(), last) == outcomes.end())
+      outcomes.push_back(last);
+  }
+  std::string text;
+  for (const std::string& each : outcomes) text += each + " | ";
+  return text + "whole: " + last;
+}
+
+void printRecord() {
+  if (application->recordCount() < 0) return say("no record");
+  for (std::size_t i = 0; i < static_cast<std::size_t>(application->recordCount()); ++i) {
+    say(application->recordKey(i), '=', application->recordValue(i), " tag ",
+        application->recordTag(i));
+  }
+}
+
+void printLoads() {
+  for (std::size_t i = 0; i < hostcmdLoadCount(); ++i) {
+    const HostcmdLoad load = hostcmdLoad(i);
+    say(narrow(load.file), ' ', narrow(load.engine), ' ', load.number);
+  }
+}
+
+void load(const std::string& file) {
+  library = LoadLibraryW(wide(file).c_str());
+  if (library == nullptr) say("not loaded: ", ulmWin32LoadError());
+}
+
+void unload() {
+  const std::wstring path = modulePathText();
+  FreeLibrary(library);
+  say(GetModuleHandleW(path.c_str()) == nullptr ? "gone" : "still there");
+}
+
+std::wstring keptPath;  // what fillPath made
+
+// PATH as a row can state it, whatever folder the library lies in.
+void printPath() {
+  std::wstring path = variable(L"PATH");
+  if (!keptPath.empty() && path == keptPath) return say("PATH {kept}");
+  if (path.size() > 1000) return say("PATH ", path.size(), " characters");
+  const std::wstring folder = folderText();
+  const auto name = [&](const std::wstring& text, const wchar_t* with) {
+    const std::size_t at = path.find(text);
+    if (at != std::wstring::npos) path.replace(at, text.size(), with);
+  };
+  name(folder, L"{folder}");
+  name(folder.substr(0, folder.size() - 1), L"{bare}");
+  say("PATH ", narrow(path.c_str()));
+}
+
+// Sets PATH from a text in which {folder} stands for the library's and {bare} for that without its
+// backslash.
+void setPath(const std::string& text) {
+  std::wstring value = wide(text);
+  const std::wstring folder = folderText();
+  const auto put = [&](const std::wstring& mark, const std::wstring& with) {
+    const std::size_t at = value.find(mark);
+    if (at != std::wstring::npos) value.replace(at, mark.size(), with);
+  };
+  put(L"{folder}", folder);
+  put(L"{bare}", folder.substr(0, folder.size() - 1));
+  _wputenv((L"PATH=" + value).c_str());
+}
+
+// Fills PATH so that the assignment with the folder is `length` characters long.
+void fillPath(const std::string& length) {
+  const std::size_t fixed = 5 + 1 + folderText().size();
+  keptPath.assign(std::stoul(length) - fixed, L'x');
+  _wputenv((L"PATH=" + keptPath).c_str());
+}
+
+void tryNew() {
+  const auto attempt = entry<VariantTryNew>("variantTryNew");
+  for (const bool failing : {false, true}) {
+    const char* fault = attempt(failing);
+    say(fault == nullptr ? "all forms right" : fault);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  using Value = const std::string&;
+  return ulm::test::runSteps(
+      {{"take",
+        [](Value file) {
+          const HMODULE taken = LoadLibraryW(wide(file).c_str());
+          const FARPROC control = GetProcAddress(taken, kHostAppControlEntry);
+          if (control != nullptr) {
+            application =
+                reinterpret_cast<HostAppControlEntry*>(reinterpret_cast<void (*)()>(control))();
+          }
+        }},
+       {"hide",
+        [](Value which) {
+          application->setPresent(static_cast<HostAppObject>(which[0] - '0'), false);
+        }},
+       {"keep-record", [](Value) { application->keepRecord(true); }},
+       {"throw-at-publish", [](Value) { application->throwAtPublish(true); }},
+       {"no-manager", [](Value) { hostcmdSetPresent(false); }},
+       {"load-result", [](Value result) { hostcmdSetResult(std::stoi(result)); }},
+       {"throw-at",
+        [](Value text) {
+          const int kind = text[0] - '0';
+          hostcmdThrowAt(std::stoul(text.substr(2)), static_cast<HostcmdThrow>(kind));
+        }},
+       {"monitor", [](Value) { ulmWin32OpenWindow(L"_INDEBMON"); }},
+       {"handler", [](Value) { std::set_new_handler([] { ++handlerCalls; }); }},
+       {"handler-calls", [](Value) { say("handler calls ", handlerCalls); }},
+       {"fail", [](Value) { odrxAllocFail(0, UINT64_MAX); }},
+       {"succeed", [](Value) { odrxAllocFail(0, 0); }},
+       {"log", [](Value) { ulmWin32StartCallLog(); }},
+       {"print-log", [](Value) { say(ulmWin32CallLog()); }},
+       {"load", load},
+       {"unload", [](Value) { unload(); }},
+       {"version",
+        [](Value) {
+          std::uint32_t numbers[4] = {9, 9, 9, 9};
+          entry<decltype(odrxGetAPIVersion)>("odrxGetAPIVersion")(&numbers[0], &numbers[1],
+                                                                  &numbers[2], &numbers[3]);
+          say("version ", numbers[0], ' ', numbers[1], ' ', numbers[2], ' ', numbers[3]);
+        }},
+       {"create", [](Value) { say("create ", create()); }},
+       {"init", [](Value) { say("init ", init()); }},
+       {"uninit", [](Value) { object->uninitApp(); }},
+       {"final", [](Value) { object->finalRelease(); }},
+       {"add-ref", [](Value) { object->addRef(); }},
+       {"release", [](Value) { object->release(); }},
+       {"references", [](Value) { say("references ", object->numRefs()); }},
+       {"handle",
+        [](Value) { say(object->moduleHandle() == library ? "own handle" : "foreign handle"); }},
+       {"path-length", [](Value) { say("path length ", object->modulePath().getLength()); }},
+       {"path-matches",
+        [](Value) {
+          const bool whole = modulePathText() == object->modulePath().c_str();
+          const bool start = modulePathText().rfind(object->modulePath().c_str(), 0) == 0;
+          say(whole ? "whole path" : start ? "cut path" : "wrong path");
+        }},
+       {"set-path", setPath},
+       {"fill-path", fillPath},
+       {"path", [](Value) { printPath(); }},
+       {"raw-path", [](Value) { say("PATH ", narrow(variable(L"PATH").c_str())); }},
+       {"real-path",
+        [](Value before) {
+          say(before == std::getenv("PATH") ? "real PATH kept" : "real PATH lost");
+        }},
+       {"wld", [](Value) { say("wld ", qlcoreWldName(0) ? narrow(qlcoreWldName(0)) : "none"); }},
+       {"record", [](Value) { printRecord(); }},
+       {"strings",
+        [](Value) { say(application->productString(0), " / ", application->productString(1)); }},
+       {"publish-count", [](Value) { say("published ", application->publishCount()); }},
+       {"loads", [](Value) { printLoads(); }},
+       {"load-count", [](Value) { say("loads ", hostcmdLoadCount()); }},
+       {"mark",
+        [](Value) {
+          qlcoreForgetWlds();
+          marked = balance();
+        }},
+       {"balance", [](Value) { say(balanceWord()); }},
+       {"sweep-init", [](Value) { say("sweep ", sweep(init, [] {})); }},
+       {"sweep-create",
+        [](Value) {
+          say("sweep ", sweep(create, [] {
+                if (object != nullptr) object->finalRelease();
+                object = nullptr;
+              }));
+        }},
+       {"flags", [](Value) { say("flags ", entry<VariantFlags>("variantFlags")()); }},
+       {"try-new", [](Value) { tryNew(); }},
+       {"translation",
+        [](Value) {
+          say("translation users ", qlcoreTranslationUsers(),
+              qlcoreTranslationInstance() == library ? " own" : " foreign");
+        }}},
+      argc, argv);
+}
