@@ -143,6 +143,18 @@ TEST(Modules, LeaveWithTheirLastUse) {
   EXPECT_EQ(FreeLibrary(nullptr), FALSE);
 }
 
+TEST(Modules, AreFoundWhileTheyComeAndLeave) {
+  wchar_t told[16] = {};
+  {
+    const Loaded sample(L"Win32_Sample");
+    GetEnvironmentVariableW(L"ULM_SAMPLE", told, 16);
+    EXPECT_STREQ(told, L"came");
+  }
+  GetEnvironmentVariableW(L"ULM_SAMPLE", told, 16);
+  EXPECT_STREQ(told, L"left");
+  EXPECT_EQ(GetModuleHandleW(L"Win32_Sample"), nullptr);
+}
+
 TEST(Modules, KeepNamesThatAreNotText) {
   const TestFolder folder("ulm_modules");
   const std::filesystem::path file = folder / "a\xE9\\b\xC3\xA9.so";
@@ -166,6 +178,18 @@ TEST(Modules, KeepNamesThatAreNotText) {
   EXPECT_EQ(GetModuleHandleW(expected.c_str()), nullptr);
   const Loaded again(expected);
   EXPECT_EQ(std::string(ulmWin32LoadError()), "");
+}
+
+TEST(LoadLibraryW, UndoesALoadThatThrows) {
+  for (int i = 0; i < 2; ++i) {
+    _wputenv(L"ULM_THROWING_MADE=");
+    EXPECT_EQ(LoadLibraryW(L"Win32_Throwing"), nullptr);
+    EXPECT_THAT(std::string(ulmWin32LoadError()), testing::HasSubstr("threw"));
+    EXPECT_EQ(GetModuleHandleW(L"Win32_Throwing"), nullptr);
+    EXPECT_NE(GetEnvironmentVariableW(L"ULM_THROWING_MADE", nullptr, 0), 0u);
+  }
+  _wputenv(L"ULM_THROWING_MAY_COME=1");
+  const Loaded throwing(L"Win32_Throwing");
 }
 
 TEST(LoadLibraryW, TellsWhyItFailed) {
