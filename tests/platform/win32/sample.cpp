@@ -1,7 +1,5 @@
 // A library with an export and resources, which calls the layer while it is being loaded and while
 // it leaves, and tells what it got in the environment block.
-#include <string>
-
 #include "platform/win32/resource_block.h"
 #include "platform/win32/win32.h"
 
@@ -28,14 +26,14 @@ void tell(const wchar_t* event) {
   char text[16] = {};
   if (self != GetModuleHandleW(L"Win32_Sample.dll") || GetModuleFileNameW(self, name, 2048) == 0 ||
       GetProcAddress(self, "sampleAnswer") == nullptr || LoadStringA(self, 7, text, 16) != 5) {
-    event = L"nothing";
+    event = L"ULM_SAMPLE=failed";
   }
-  _wputenv((std::wstring(L"ULM_SAMPLE=") + event).c_str());
+  _wputenv(event);
 }
 
 struct Teller {
-  Teller() { tell(L"came"); }
-  ~Teller() { tell(L"left"); }
+  Teller() { tell(L"ULM_SAMPLE=came"); }
+  ~Teller() { tell(L"ULM_SAMPLE=left"); }
 };
 [[gnu::init_priority(101)]] Teller teller;  // before anything else of the library
 
