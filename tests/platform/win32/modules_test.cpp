@@ -1,6 +1,7 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -109,16 +110,17 @@ TEST(Modules, CutTheirNames) {
 TEST(Modules, AnswerForTheirAddresses) {
   const Loaded sample(L"Win32_Sample");
   const auto address = reinterpret_cast<std::uintptr_t>(GetProcAddress(*sample, "sampleAnswer"));
+  const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const std::uintptr_t page = address & ~(pageSize - 1);
   const auto* place = reinterpret_cast<const void*>(address);
   MEMORY_BASIC_INFORMATION information{};
   EXPECT_EQ(VirtualQuery(place, &information, sizeof information), sizeof information);
   EXPECT_EQ(information.AllocationBase, *sample);
-  EXPECT_EQ(information.BaseAddress, reinterpret_cast<void*>(address & ~std::uintptr_t{4095}));
-  const std::uintptr_t end = (address & ~std::uintptr_t{4095}) + information.RegionSize;
-  EXPECT_EQ(VirtualQuery(reinterpret_cast<void*>(end - 1), &information, sizeof information),
-            sizeof information);
+  EXPECT_EQ(information.BaseAddress, reinterpret_cast<void*>(page));
+  const auto* last = reinterpret_cast<void*>(page + information.RegionSize - 1);
+  EXPECT_EQ(VirtualQuery(last, &information, sizeof information), sizeof information);
   EXPECT_EQ(information.AllocationBase, *sample);
-  EXPECT_EQ(information.RegionSize, 4096u);
+  EXPECT_EQ(information.RegionSize, pageSize);
   EXPECT_EQ(VirtualQuery(place, &information, sizeof information - 1), 0u);
   EXPECT_EQ(VirtualQuery(&information, &information, sizeof information), 0u);  // the stack
   EXPECT_EQ(DisableThreadLibraryCalls(*sample), TRUE);
@@ -126,14 +128,12 @@ TEST(Modules, AnswerForTheirAddresses) {
 }
 
 TEST(Modules, LeaveWithTheirLastUse) {
-  const HMODULE sample = LoadLibraryW(L"WIN32_SAMPLE.dll");
-  EXPECT_EQ(sample, nullptr);  // files have case
+  EXPECT_EQ(LoadLibraryW(L"WIN32_SAMPLE.dll"), nullptr);  // files have case
   const HMODULE first = LoadLibraryW(windowsName(sampleFile()).c_str());
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(LoadLibraryW(L"WIN32_SAMPLE.dll"), first);  // modules have none
   GetProcAddress(first, "sampleAnswer");
-  const HMODULE base = GetModuleHandleW(L"Win32_Sample_Base");
-  EXPECT_EQ(FreeLibrary(base), FALSE);  // not taken by itself
+  EXPECT_EQ(FreeLibrary(GetModuleHandleW(L"Win32_Sample_Base")), FALSE);  // not taken by itself
   EXPECT_EQ(FreeLibrary(first), TRUE);
   EXPECT_EQ(GetModuleHandleW(L"Win32_Sample"), first);
   EXPECT_EQ(FreeLibrary(first), TRUE);
@@ -156,8 +156,7 @@ TEST(Modules, AreFoundWhileTheyComeAndLeave) {
 }
 
 TEST(Modules, KeepNamesThatAreNotText) {
-  const TestFolder folder("ulm_modules");
-  const std::filesystem::path file = folder / "a\xE9\\b\xC3\xA9.so";
+  const std::filesystem::path file = emptyFolder("ulm_modules_test") / "a\xE9\\b\xC3\xA9.so";
   std::filesystem::copy_file(sampleFile(), file);
   const Loaded original(L"Win32_Sample");  // brings what the copy links, too
   // By the loader itself and with a relative name, after which the process moves on.
@@ -193,15 +192,14 @@ TEST(LoadLibraryW, UndoesALoadThatThrows) {
 }
 
 TEST(LoadLibraryW, TellsWhyItFailed) {
-  const TestFolder folder("ulm_load");
-  writeFile(folder / "text.dll", "no library");
-  const std::wstring text = windowsName(folder / "text.dll");
-  for (const wchar_t* name :
-       {text.c_str(), L"no_such.dll", L"", L"C:\\x.dll", static_cast<const wchar_t*>(nullptr)}) {
+  const std::filesystem::path file = emptyFolder("ulm_load_test") / "text.dll";
+  writeFile(file, "no library");
+  const std::wstring text = windowsName(file);
+  const wchar_t* const names[] = {L"no_such.dll", L"", L"C:\\x.dll", nullptr, text.c_str()};
+  for (const wchar_t* name : names) {
     EXPECT_EQ(LoadLibraryW(name), nullptr);
     EXPECT_STRNE(ulmWin32LoadError(), "");
   }
-  LoadLibraryW(text.c_str());
   EXPECT_THAT(std::string(ulmWin32LoadError()), testing::HasSubstr("text.dll"));
 }
 

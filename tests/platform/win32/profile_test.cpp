@@ -29,29 +29,12 @@ TEST(Profile, ReadsNumbers) {
   const struct {
     const char* value;
     UINT expected;
-  } cases[] = {{"12", 12},
-               {"-1", 0xFFFFFFFF},
-               {"+3", 3},
-               {" \t7 \t", 7},
-               {"12 apples ; as ever", 12},
-               {"0x1fG", 0x1F},
-               {"-0xA", 0xFFFFFFF6},
-               {"0o17", 15},
-               {"0b102", 2},
-               {"0X10", 0},
-               {"017", 17},
-               {"089", 89},
-               {"4294967297", 1},
-               {"\"8\"", 8},
-               {"' 9'", 9},
-               {"\"8", 0},
-               {"''", kAbsent},
-               {"\"", 0},
-               {"", kAbsent},
-               {"   ", kAbsent},
-               {"yes", 0},
-               {"- 5", 0},
-               {"=4", 0}};
+  } cases[] = {
+      {"12", 12},       {"-1", 0xFFFFFFFF},   {" \t+7 \t", 7},   {"12 apples ; as ever", 12},
+      {"0x1fG", 0x1F},  {"-0xA", 0xFFFFFFF6}, {"0o17", 15},      {"0b102", 2},
+      {"0X10", 0},      {"089", 89},          {"4294967297", 1}, {"\"8\"", 8},
+      {"' 9'", 9},      {"\"8", 0},           {"''", kAbsent},   {"\"", 0},
+      {"   ", kAbsent}, {"- 5", 0},           {"=4", 0}};
   for (const auto& tested : cases) {
     EXPECT_EQ(numberIn("[mt]\nKey=" + std::string(tested.value)), tested.expected) << tested.value;
   }
@@ -61,8 +44,7 @@ TEST(Profile, FindsTheFirstSectionAndKey) {
   const struct {
     const char* content;
     UINT expected;
-  } cases[] = {{"[mt]\r\nKey=1\r\n", 1},
-               {"[MT]\rkEY=2\r", 2},
+  } cases[] = {{"[MT]\r\nOther=1\rkEY=2\r", 2},
                {"  [ mt ] rest\n\n \t Key \t = 3", 3},
                {"[mt]\nKey=4\nKey=5\n", 4},
                {"[mt]\nOther=1\n[mt]\nKey=5", kAbsent},
@@ -72,8 +54,7 @@ TEST(Profile, FindsTheFirstSectionAndKey) {
                {"[mt]\n#Key=5\nKey\nKey=9", 9},
                {"[mt\nKey=5", kAbsent},
                {"[mt]\n[odd\nKey=10", 10},
-               {"[mt]\nKeys=5\n", kAbsent},
-               {"", kAbsent}};
+               {"[mt]\nKeys=5\n", kAbsent}};
   for (const auto& tested : cases) {
     EXPECT_EQ(numberIn(tested.content), tested.expected) << tested.content;
   }

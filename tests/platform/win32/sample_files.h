@@ -1,8 +1,6 @@
 // The sample library's file, and copies of it.
 #pragma once
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -23,20 +21,12 @@ inline void writeFile(const std::filesystem::path& file, const std::string& cont
   std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }
 
-// A folder of the running test's own, which goes with the object.
-class TestFolder {
- public:
-  explicit TestFolder(const std::string& name)
-      : path_(std::filesystem::temp_directory_path() / (name + std::to_string(getpid()))) {
-    std::filesystem::create_directories(path_);
-  }
-  ~TestFolder() { std::filesystem::remove_all(path_); }
-  TestFolder(const TestFolder&) = delete;
-  TestFolder& operator=(const TestFolder&) = delete;
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
- private:
-  std::filesystem::path path_;
-};
+// An empty folder for a test of that name.
+inline std::filesystem::path emptyFolder(const std::string& name) {
+  const std::filesystem::path folder = std::filesystem::temp_directory_path() / name;
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  return folder;
+}
 
 }  // namespace ulm::win32::test
