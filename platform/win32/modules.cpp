@@ -60,9 +60,25 @@ HMODULE handleOf(const wchar_t* name) {
   return module ? module->handle() : nullptr;
 }
 
+// The loader's entry, called by a pointer that the compiler cannot see through: its declaration
+// promises that nothing is thrown, but an initialiser of the library that is opened may do so.
+void* (*volatile openThrowing)(const char*, int) = dlopen;
+
+// Opens a file as a library. The loader counts the use before it runs the initialisers and keeps it
+// where one throws; it is given back here, so that the half-made library leaves the process.
+LibraryUse openUse(const char* path) {
+  try {
+    return LibraryUse(openThrowing(path, RTLD_NOW | RTLD_LOCAL));
+  } catch (...) {
+    const LibraryUse found(dlopen(path, RTLD_LAZY | RTLD_NOLOAD));
+    if (found) dlclose(found.get());
+    throw;
+  }
+}
+
 // Opens a file as a library and keeps the use; null with the reason told.
 HMODULE openLibrary(const char* path) {
-  LibraryUse use(dlopen(path, RTLD_NOW | RTLD_LOCAL));
+  LibraryUse use = openUse(path);
   if (!use) {
     tellLoadError(dlerror());
     return nullptr;

@@ -16,13 +16,14 @@
 #include "platform/win32/win32.h"
 
 using namespace ulm::win32::detail;
+using namespace std::string_view_literals;
 
 namespace {
 
 // A version block: length, value length, type (16 bits each), the key with its terminator in
 // UTF-16, padding to 4 bytes, the value.
 constexpr std::size_t kLengthFields = 6;
-constexpr std::u16string_view kVersionKey(u"VS_VERSION_INFO", 16);
+constexpr std::u16string_view kVersionKey = u"VS_VERSION_INFO\0"sv;
 constexpr std::size_t kFixedOffset = 40;
 constexpr std::uint32_t kFixedSignature = 0xFEEF04BD;
 static_assert(sizeof(VS_FIXEDFILEINFO) == 52);

@@ -139,10 +139,12 @@ std::string programLink() {
   return fromKernel({name, static_cast<std::size_t>(length)});
 }
 
-bool isPlainAbsolute(const std::string& name) noexcept {
+bool isPlainAbsolute(std::string_view name) noexcept {
   if (name.empty() || name[0] != '/') return false;
-  return (name + '/').find("//") == std::string::npos && name.find("/./") == std::string::npos &&
-         name.find("/../") == std::string::npos;
+  for (const std::string_view detour : {"//", "/./", "/../"}) {
+    if (name.find(detour) != std::string_view::npos) return false;
+  }
+  return true;
 }
 
 // --- Matching of names ---
