@@ -24,7 +24,7 @@ const ProbeCase kCases[] = {
     {"ApplicationLibraryWins",
      {"load=QlHostApp.dll", "register=CLSID_APP", "app", "instance", "object", "window",
       "references"},
-     "app QlHostApp.dll\ninstance QlHostApp.dll\nobject QlHostApp.dll\nwindow 18193\nreferences "
+     "app QlHostApp\ninstance QlHostApp\nobject QlHostApp\nwindow 18193\nreferences "
      "0\n",
      kPlain},
     {"CoreFactory",
@@ -39,20 +39,20 @@ const ProbeCase kCases[] = {
      kPlain},
     {"LaterLibraryIsFound",
      {"app", "instance", "load=QlHostApp.dll", "app", "instance", "load=qlview.dll", "instance"},
-     "app null\ninstance null\napp QlHostApp.dll\ninstance QlHostApp.dll\ninstance qlview.dll\n",
+     "app null\ninstance null\napp QlHostApp\ninstance QlHostApp\ninstance qlview\n",
      kPlain},
     {"ViewerIsTheMainInstance",
      {"load=QlHostApp.dll", "load=qlview.dll", "instance", "object", "window", "app"},
-     "instance qlview.dll\nobject null\nwindow 0\napp QlHostApp.dll\n",
+     "instance qlview\nobject null\nwindow 0\napp QlHostApp\n",
      kPlain},
     {"ProgramDecidesTheMainInstance",
      {"load=QlHostApp.dll", "load=qlview.dll", "main=bare", "instance", "main=QlHostApp.dll",
       "instance", "window"},
-     "instance null\ninstance QlHostApp.dll\nwindow 18193\n",
+     "instance null\ninstance QlHostApp\nwindow 18193\n",
      kExporting},
     {"ProgramsInstanceHasTheApplication",
      {"load=other/QlHostAppCopy.dll", "main=QlHostAppCopy.dll", "app"},
-     "app QlHostAppCopy.dll\n",
+     "app QlHostAppCopy\n",
      kExporting},
     {"ProgramsInstanceWithoutApplicationEndsTheSearch",
      {"load=qlview.dll", "load=qlcore.dll", "register=CLSID_APP", "main=qlview.dll", "app",
@@ -66,7 +66,7 @@ const ProbeCase kCases[] = {
      kExporting},
     {"ApplicationLibraryComesBeforeTheProgram",
      {"load=QlHostApp.dll", "load=other/QlHostAppCopy.dll", "main=QlHostAppCopy.dll", "app"},
-     "app QlHostApp.dll\n",
+     "app QlHostApp\n",
      kExporting},
     {"TranslationByTheCore",
      {"load=qlsupport.dll", "translate", "load=qlcore.dll", "translate"},
@@ -100,12 +100,12 @@ TEST(HostLookup, EveryMixtureOfLibraries) {
     }
     steps.insert(steps.end(), {"app", "instance", "translate"});
     const std::string instance = exporting ? "null"
-                                 : view    ? "qlview.dll"
-                                 : app     ? "QlHostApp.dll"
+                                 : view    ? "qlview"
+                                 : app     ? "QlHostApp"
                                            : "null";
     // The application's library links the core library, which then translates.
     const std::string translated = app ? "1 1" : support ? "2 2" : "0 0";
-    const std::string expected = std::string("app ") + (app ? "QlHostApp.dll" : "null") +
+    const std::string expected = std::string("app ") + (app ? "QlHostApp" : "null") +
                                  "\ninstance " + instance + "\ntranslate " + translated + "\n";
     SCOPED_TRACE(mixture);
     ulm::test::runProbe(exporting ? kExporting : kPlain, steps, expected);

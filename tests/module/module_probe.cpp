@@ -154,6 +154,7 @@ void load(const std::string& file) {
 void unload() {
   const std::wstring path = modulePathText();
   FreeLibrary(library);
+  ulmWin32StopCallLog();
   say(GetModuleHandleW(path.c_str()) == nullptr ? "gone" : "still there");
 }
 
@@ -236,7 +237,7 @@ int main(int argc, char** argv) {
        {"fail", [](Value) { odrxAllocFail(0, UINT64_MAX); }},
        {"succeed", [](Value) { odrxAllocFail(0, 0); }},
        {"log", [](Value) { ulmWin32StartCallLog(); }},
-       {"print-log", [](Value) { say(ulmWin32CallLog()); }},
+       {"print-log", [](Value) { std::cout << ulmWin32CallLog(); }},
        {"load", load},
        {"unload", [](Value) { unload(); }},
        {"version",
@@ -249,7 +250,11 @@ int main(int argc, char** argv) {
        {"create", [](Value) { say("create ", create()); }},
        {"init", [](Value) { say("init ", init()); }},
        {"uninit", [](Value) { object->uninitApp(); }},
-       {"final", [](Value) { object->finalRelease(); }},
+       {"final",
+        [](Value) {
+          object->finalRelease();
+          object = nullptr;
+        }},
        {"add-ref", [](Value) { object->addRef(); }},
        {"release", [](Value) { object->release(); }},
        {"references", [](Value) { say("references ", object->numRefs()); }},
