@@ -99,10 +99,7 @@ TEST(HostLookup, EveryMixtureOfLibraries) {
       if ((mixture >> i & 1) != 0) steps.push_back(std::string("load=") + kLibraries[i]);
     }
     steps.insert(steps.end(), {"app", "instance", "translate"});
-    const std::string instance = exporting ? "null"
-                                 : view    ? "qlview"
-                                 : app     ? "QlHostApp"
-                                           : "null";
+    const std::string instance = exporting ? "null" : view ? "qlview" : app ? "QlHostApp" : "null";
     // The application's library links the core library, which then translates.
     const std::string translated = app ? "1 1" : support ? "2 2" : "0 0";
     const std::string expected = std::string("app ") + (app ? "QlHostApp" : "null") +

@@ -1,0 +1,18 @@
+// The place of a virtual operation in its class's table.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+
+namespace ulm::test {
+
+// Counted from 0, a virtual destructor taking two places. In the common C++ ABI a pointer to a
+// virtual member is the offset of its entry in bytes, plus one.
+template <class Member>
+std::size_t tablePlace(Member member) {
+  std::size_t offset;
+  std::memcpy(&offset, &member, sizeof offset);
+  return (offset - 1) / sizeof(void*);
+}
+
+}  // namespace ulm::test
