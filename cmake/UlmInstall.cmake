@@ -1,4 +1,5 @@
-# What an installation holds: the facilities with their headers, for find_package(Ulmira).
+# What an installation holds: the facilities with their headers, for find_package(Ulmira), and the
+# command with the module and the stand-in host, which lie together in a folder of their own.
 
 include(CMakePackageConfigHelpers)
 
@@ -15,3 +16,8 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/UlmiraConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/UlmiraConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Ulmira)
+
+set(host_folder ${CMAKE_INSTALL_LIBDIR}/ulmira)
+install(TARGETS ULM_Main QlHostApp qlview qlsupport qlcore qlhostcmd TD_Root_qld TD_Alloc_qld ulmwin32
+  ulmira_host RUNTIME DESTINATION ${host_folder} LIBRARY DESTINATION ${host_folder})
+install(TARGETS ulmira RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

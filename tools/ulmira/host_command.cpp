@@ -94,9 +94,11 @@ std::filesystem::path findNeighbour(const std::string& name) {
 }
 
 int runHost(const HostOptions& options) {
-  const std::string module =
-      options.module.empty() ? findNeighbour("ULM_Main.so").string() : options.module;
-  std::vector<std::string> arguments{"--module=" + module};
+  // A file is the user's, from the folder they are in, and never searched for.
+  const std::filesystem::path module = options.module.empty()
+                                           ? findNeighbour("ULM_Main.so")
+                                           : std::filesystem::absolute(options.module);
+  std::vector<std::string> arguments{"--module=" + module.string()};
   for (const std::string& name : options.without) arguments.push_back("--without=" + name);
   const ProcessResult result = runProcess(findNeighbour("ulmira_host"), arguments);
   if (!result.ending.empty()) {
