@@ -1,5 +1,5 @@
 // A library with an export and resources, which calls the layer while it is being loaded and while
-// it leaves, and tells what it got in the environment block.
+// it leaves, and tells what it got in the environment block. At a wish there it fails to start.
 #include "platform/win32/resource_block.h"
 #include "platform/win32/win32.h"
 
@@ -35,6 +35,12 @@ struct Teller {
   Teller() { tell(L"ULM_SAMPLE=came"); }
   ~Teller() { tell(L"ULM_SAMPLE=left"); }
 };
+struct Thrower {
+  Thrower() {
+    if (GetEnvironmentVariableW(L"ULM_SAMPLE_THROWS", nullptr, 0) != 0) throw 1;
+  }
+};
 [[gnu::init_priority(101)]] Teller teller;  // before anything else of the library
+[[gnu::init_priority(102)]] Thrower thrower;
 
 }  // namespace

@@ -118,13 +118,4 @@ TEST(lstrcpynW, CutsAndTerminates) {
   }
 }
 
-TEST(GlobalAlloc, ZeroesOnRequest) {
-  for (const SIZE_T size : {SIZE_T{0}, SIZE_T{64}}) {
-    auto* block = static_cast<char*>(GlobalAlloc(GPTR, size));
-    ASSERT_NE(block, nullptr);
-    EXPECT_EQ(std::string(block, size), std::string(size, '\0'));
-    EXPECT_EQ(GlobalFree(block), nullptr);
-  }
-}
-
 }  // namespace
