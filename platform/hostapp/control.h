@@ -28,7 +28,7 @@ struct HostAppControl {
 
   // Takes an object from those who ask: no App means GetApp gives null.
   void (*setPresent)(HostAppObject object, bool present);
-  // Whether the application keeps a reference to the next record it takes.
+  // Whether the application holds on to the record it took last; false gives up the one it holds.
   void (*keepRecord)(bool keep);
   // Makes publishRecord raise a std::bad_alloc.
   void (*throwAtPublish)(bool raise);

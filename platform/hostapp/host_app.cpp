@@ -31,6 +31,12 @@ std::vector<Entry> record;
 std::array<std::string, 2> productStrings;
 std::size_t publishCount = 0;
 bool keepsRecord = false;
+IParam* keptRecord = nullptr;
+
+void dropRecord() {
+  if (keptRecord != nullptr) keptRecord->Release();
+  keptRecord = nullptr;
+}
 bool throwsAtPublish = false;
 
 std::size_t placeOf(HostAppObject object) { return static_cast<std::size_t>(object); }
@@ -106,7 +112,11 @@ class ProductInfo final : public AppObject<IHostProductInfo, HostAppObject::Prod
     recordTaken = true;
     productStrings = {vendor, product};
     ++publishCount;
-    if (keepsRecord) param->AddRef();
+    dropRecord();
+    if (keepsRecord) {
+      param->AddRef();
+      keptRecord = param;
+    }
     return 1;
   }
 };
@@ -169,7 +179,10 @@ const HostAppControl kControl = {
     [] { return publishCount; },
     [](HostAppObject object) { return held[placeOf(object)]; },
     [](HostAppObject object, bool isPresent) { present[placeOf(object)] = isPresent; },
-    [](bool keep) { keepsRecord = keep; },
+    [](bool keep) {
+      keepsRecord = keep;
+      if (!keep) dropRecord();
+    },
     [](bool raise) { throwsAtPublish = raise; },
 };
 

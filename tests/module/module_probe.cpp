@@ -223,6 +223,7 @@ int main(int argc, char** argv) {
           application->setPresent(static_cast<HostAppObject>(which[0] - '0'), false);
         }},
        {"keep-record", [](Value) { application->keepRecord(true); }},
+       {"drop-record", [](Value) { application->keepRecord(false); }},
        {"throw-at-publish", [](Value) { application->throwAtPublish(true); }},
        {"no-manager", [](Value) { hostcmdSetPresent(false); }},
        {"load-result", [](Value result) { hostcmdSetResult(std::stoi(result)); }},
