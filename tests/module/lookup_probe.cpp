@@ -38,7 +38,8 @@ std::string moduleName(const void* address) {
   wchar_t name[512] = {};
   GetModuleFileNameW(module, name, 511);
   const wchar_t* file = std::wcsrchr(name, L'\\') + 1;
-  return {file, std::wcsrchr(file, L'.')};  // without its ending
+  const wchar_t* ending = std::wcsrchr(file, L'.');
+  return {file, ending};
 }
 
 // Which library made an object: the one that holds its table.

@@ -13,6 +13,11 @@
 #include "platform/odrx/alloc_control.h"
 #include "platform/win32/stand_in.h"
 
+// The sized forms, which some compilers declare only on request.
+void operator delete(void* block, std::size_t bytes) noexcept;
+void operator delete[](void* block, std::size_t bytes) noexcept;
+void operator delete[](void* block, std::size_t bytes, std::align_val_t alignment) noexcept;
+
 namespace {
 
 // Stands where the facilities' constants stand in the load order.
