@@ -162,7 +162,8 @@ TEST(Modules, AreFoundWhileTheyComeAndLeave) {
 }
 
 TEST(Modules, KeepNamesThatAreNotText) {
-  const std::filesystem::path file = emptyFolder("ulm_modules_test") / "a\xE9\\b\xC3\xA9.so";
+  const TestFolder folder;
+  const std::filesystem::path file = folder / "a\xE9\\b\xC3\xA9.so";
   std::filesystem::copy_file(sampleFile(), file);
   const Loaded original(L"Win32_Sample");  // brings what the copy links, too
   // By the loader itself and with a relative name, after which the process moves on.
@@ -186,7 +187,8 @@ TEST(Modules, KeepNamesThatAreNotText) {
 }
 
 TEST(LoadLibraryW, TellsWhyItFailed) {
-  const std::filesystem::path file = emptyFolder("ulm_load_test") / "text.dll";
+  const TestFolder folder;
+  const std::filesystem::path file = folder / "text.dll";
   writeFile(file, "no library");
   const std::wstring text = windowsName(file);
   const wchar_t* const names[] = {L"no_such.dll", L"", L"C:\\x.dll", nullptr, text.c_str()};

@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <new>
 #include <string>
 
 #include "platform/win32/stand_in.h"
+#include "tests/platform/win32/sample_files.h"
 
 namespace {
 
@@ -41,16 +41,15 @@ struct Call {
   std::int64_t failure;
 };
 
+using namespace ulm::win32::test;
+
 TEST(OutOfMemory, GivesTheFailureResult) {
   wchar_t wide[512];
   char narrow[64];
   MEMORY_BASIC_INFORMATION information;
-  const std::string profile = testing::TempDir() + "ulm_out_of_memory.ini";
-  const std::wstring profileName(profile.begin(), profile.end());
-  std::FILE* file = std::fopen(profile.c_str(), "w");
-  ASSERT_NE(file, nullptr);
-  std::fputs("[section of the file]\nkey of the section = 5", file);
-  std::fclose(file);
+  const TestFolder folder;
+  writeFile(folder / "out_of_memory.ini", "[section of the file]\nkey of the section = 5");
+  const std::wstring profile = (folder / "out_of_memory.ini").wstring();
   const Call calls[] = {
       {"_wputenv", [] { return _wputenv(L"ULM_NAME_THAT_IS_LONG=a value that is long too"); }, -1},
       {"GetModuleHandleW", [] { return number(GetModuleHandleW(L"ulmwin32.dll")); }, 0},
@@ -72,7 +71,7 @@ TEST(OutOfMemory, GivesTheFailureResult) {
       {"GetPrivateProfileIntW",
        [&] {
          return GetPrivateProfileIntW(L"section of the file", L"key of the section", 3,
-                                      profileName.c_str());
+                                      profile.c_str());
        },
        3},
       {"ulmWin32OpenWindow", [] { return number(ulmWin32OpenWindow(L"a window's long class")); },

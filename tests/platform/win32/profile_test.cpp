@@ -1,27 +1,24 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <string_view>
 
 #include "platform/win32/win32.h"
+#include "tests/platform/win32/sample_files.h"
 
 namespace {
+
+using namespace ulm::win32::test;
 
 constexpr int kDefault = -5;
 constexpr UINT kAbsent = static_cast<UINT>(kDefault);
 
-std::string fileFor(std::string_view content) {
-  const std::string path = testing::TempDir() + "ulm_profile_" +
-                           testing::UnitTest::GetInstance()->current_test_info()->name() + ".ini";
-  std::ofstream(path, std::ios::binary) << content;
-  return path;
-}
-
 UINT numberIn(std::string_view content, const wchar_t* section = L"mt",
               const wchar_t* key = L"Key") {
-  std::wstring name = L"Z:";
-  for (const char c : fileFor(content)) name.push_back(c == '/' ? L'\\' : static_cast<wchar_t>(c));
+  const TestFolder folder;
+  writeFile(folder / "x.ini", std::string(content));
+  std::wstring name = L"Z:" + (folder / "x.ini").wstring();
+  for (wchar_t& c : name) c = c == L'/' ? L'\\' : c;
   return GetPrivateProfileIntW(section, key, kDefault, name.c_str());
 }
 
@@ -74,8 +71,9 @@ TEST(Profile, ReadsEveryEncoding) {
 }
 
 TEST(Profile, GivesTheDefaultWithoutAFile) {
-  const std::string path = fileFor("[mt]\nKey=1");
-  const std::wstring name(path.begin(), path.end());
+  const TestFolder folder;
+  writeFile(folder / "x.ini", "[mt]\nKey=1");
+  const std::wstring name = (folder / "x.ini").wstring();
   EXPECT_EQ(GetPrivateProfileIntW(L"mt", L"Key", kDefault, name.c_str()), 1u);
   EXPECT_EQ(GetPrivateProfileIntW(nullptr, L"Key", kDefault, name.c_str()), kAbsent);
   EXPECT_EQ(GetPrivateProfileIntW(L"mt", nullptr, kDefault, name.c_str()), kAbsent);

@@ -97,7 +97,8 @@ TEST(StringResource, IsCutAndTerminated) {
 // Neither a short file nor one with wild numbers in its headers leads outside of it. The library
 // stays loaded from a file that is replaced again and again, so that its strings are asked for too.
 TEST(Resources, AnyFileIsSafeToName) {
-  const std::filesystem::path file = emptyFolder("ulm_resources_test") / "damaged.so";
+  const TestFolder folder;
+  const std::filesystem::path file = folder / "damaged.so";
   const std::string whole = readFile(sampleFile());
   writeFile(file, whole);
   const HMODULE original = LoadLibraryW(L"Win32_Sample");  // brings what the copy links, too

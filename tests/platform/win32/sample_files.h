@@ -1,5 +1,7 @@
-// The sample library's file, and copies of it.
+// The sample library's file, and files that a test makes.
 #pragma once
+
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -21,12 +23,20 @@ inline void writeFile(const std::filesystem::path& file, const std::string& cont
   std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }
 
-// An empty folder for a test of that name.
-inline std::filesystem::path emptyFolder(const std::string& name) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / name;
-  std::filesystem::remove_all(folder);
-  std::filesystem::create_directories(folder);
-  return folder;
-}
+// A folder of this process's own, which goes with the object: other runs may be under way.
+class TestFolder {
+ public:
+  TestFolder()
+      : path_(std::filesystem::temp_directory_path() / ("ulm_win32_" + std::to_string(getpid()))) {
+    std::filesystem::create_directories(path_);
+  }
+  ~TestFolder() { std::filesystem::remove_all(path_); }
+  TestFolder(const TestFolder&) = delete;
+  TestFolder& operator=(const TestFolder&) = delete;
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  std::filesystem::path path_;
+};
 
 }  // namespace ulm::win32::test
