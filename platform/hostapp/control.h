@@ -5,12 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#ifdef _WIN32
-#define ULM_HOSTAPP_API extern "C" __declspec(dllexport)
-#else
-#define ULM_HOSTAPP_API extern "C" [[gnu::visibility("default")]]
-#endif
-
 enum class HostAppObject { App, Exterior, ProductInfo };
 
 struct HostAppControl {

@@ -13,6 +13,7 @@
 #include "module/glue/instance.h"
 #include "platform/hostapp/control.h"
 #include "platform/qlcore/variant.h"
+#include "platform/win32/export.h"
 #include "platform/win32/stand_in.h"
 
 namespace {
@@ -188,17 +189,17 @@ const HostAppControl kControl = {
 
 }  // namespace
 
-ULM_HOSTAPP_API IApp* GetApp() {
+extern "C" ULM_EXPORT IApp* GetApp() {
   if (!present[placeOf(HostAppObject::App)]) return nullptr;
   app.AddRef();
   return &app;
 }
 
-ULM_HOSTAPP_API HINSTANCE GetMainDllInstanceEx() { return Module_GetInstance(); }
+extern "C" ULM_EXPORT HINSTANCE GetMainDllInstanceEx() { return Module_GetInstance(); }
 
 // The function behind a selector: 2 gives the host object, any other nothing.
-ULM_HOSTAPP_API void* get_host_funcptr(int selector) {
+extern "C" ULM_EXPORT void* get_host_funcptr(int selector) {
   return selector == 2 ? reinterpret_cast<void*>(&giveHostObject) : nullptr;
 }
 
-ULM_HOSTAPP_API const HostAppControl* hostAppControl() { return &kControl; }
+extern "C" ULM_EXPORT const HostAppControl* hostAppControl() { return &kControl; }

@@ -11,6 +11,7 @@
 #include "module/glue/load_order.h"
 #include "module/glue/switch_flags.h"
 #include "platform/odrx/alloc_control.h"
+#include "platform/win32/export.h"
 #include "platform/win32/stand_in.h"
 
 // The sized forms, which some compilers declare only on request.
@@ -66,19 +67,19 @@ bool formWorks(const Form& form, bool failing) {
 
 }  // namespace
 
-ULM_VARIANT_API int _QLAfxDllMain(HINSTANCE instance, int attached) {
+extern "C" ULM_EXPORT int _QLAfxDllMain(HINSTANCE instance, int attached) {
   const bool own = instance == Module_GetInstance();
   ulmWin32LogCall(!own ? "afx with a foreign instance" : attached != 0 ? "afx 1" : "afx 0");
   return 0;
 }
 
-ULM_VARIANT_API unsigned variantFlags() {
+extern "C" ULM_EXPORT unsigned variantFlags() {
   using namespace ulm::glue;
   return (assertFlag ? 1u : 0u) | (addJumpFlag ? 2u : 0u) | (removeJumpFlag ? 4u : 0u) |
          (defecateFlag ? 8u : 0u);
 }
 
-ULM_VARIANT_API const char* variantTryNew(bool failing) {
+extern "C" ULM_EXPORT const char* variantTryNew(bool failing) {
   const std::align_val_t plain{8}, strict{64};
   const std::nothrow_t& quiet = std::nothrow;
   using Block = void*;
