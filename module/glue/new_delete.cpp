@@ -3,6 +3,7 @@
 // the library holds no standard type whose storage is made inside the language's library.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 
 #include "module/glue/allocation.h"
@@ -21,9 +22,9 @@ void* allocateAligned(std::size_t bytes, std::align_val_t wanted) {
   if (bytes > SIZE_MAX - alignment - sizeof(void*)) throw std::bad_alloc();
   void* whole = allocate(bytes + alignment + sizeof(void*));
   if (whole == nullptr) return nullptr;
-  const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(whole) + sizeof(void*);
-  const std::uintptr_t start = (first + alignment - 1) & ~(alignment - 1);
-  void* block = reinterpret_cast<void*>(start);
+  void* block = static_cast<void**>(whole) + 1;
+  std::size_t room = bytes + alignment;
+  block = std::align(alignment, bytes, block, room);  // there is room by the size of the whole
   static_cast<void**>(block)[-1] = whole;
   return block;
 }

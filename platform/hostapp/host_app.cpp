@@ -165,6 +165,7 @@ class HostObject final : public IHostObject {
   void* hostOperation17() override { return nullptr; }
   void* hostOperation18() override { return nullptr; }
   void* hostOperation19() override { return nullptr; }
+  // A window is known by a number here. NOLINTNEXTLINE(performance-no-int-to-ptr)
   void* mainWindow() override { return reinterpret_cast<void*>(kHostAppMainWindow); }
 };
 HostObject hostObject;
