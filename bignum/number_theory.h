@@ -30,8 +30,10 @@ bool Gcd(const QLInteger& a, const QLInteger& b, QLInteger& result);
 // 4. False when a or b is zero.
 bool AreCoprime(const QLInteger& a, const QLInteger& b);
 
-// g, x and y with a * x + b * y = g, each a distinct object. For a negative b, as for b = 0, this
-// is g = a, x = 1, y = 0; else g is the divisor that the remainders leave. Always true.
+// g, x and y with a * x + b * y = g, each a distinct object. Euclid's loop stops at the first
+// remainder that is zero or negative: for a of zero or more and positive b, g is the greatest
+// common divisor; for b of zero or below it is a itself, with x = 1 and y = 0. x and y can be
+// negative. Always true.
 bool ExtendedGcd(const QLInteger& a, const QLInteger& b, QLInteger& g, QLInteger& x, QLInteger& y);
 
 // The floor of the square root, by Newton's iteration from above; 0 for a negative x.
