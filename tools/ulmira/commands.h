@@ -12,4 +12,7 @@ namespace ulm::tools {
 // What the command was called as: the path by which its neighbours are found.
 void addHostCommand(CLI::App& app, int& status);
 
+// Arithmetic on numbers of any size.
+void addNumCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools
