@@ -132,7 +132,7 @@ const ProbeCase kCases[] = {
            "load=ULM_MainVariant.dll", "flags", "unload"},
      "not loaded: out of memory\nbalanced\nflags 0\ngone\n"},
     {"NoMemoryForTheSwitchesWithHandler",
-     Steps{"monitor", "mark", "handler", "fail", "load=ULM_MainVariant.dll", "succeed", "flags",
+     Steps{"monitor", "mark", "handler", "fail-next", "load=ULM_MainVariant.dll", "flags",
            "handler-calls", "unload", "balance"},
      "flags 0\nhandler calls 1\ngone\nbalanced\n"},
     {"OperatorsOfTheLibrary", Steps{"load=ULM_MainVariant.dll", "try-new"},

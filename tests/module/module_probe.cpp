@@ -236,6 +236,7 @@ int main(int argc, char** argv) {
        {"handler", [](Value) { std::set_new_handler([] { ++handlerCalls; }); }},
        {"handler-calls", [](Value) { say("handler calls ", handlerCalls); }},
        {"fail", [](Value) { odrxAllocFail(0, UINT64_MAX); }},
+       {"fail-next", [](Value) { odrxAllocFail(0, 1); }},
        {"succeed", [](Value) { odrxAllocFail(0, 0); }},
        {"log", [](Value) { ulmWin32StartCallLog(); }},
        {"print-log", [](Value) { std::cout << ulmWin32CallLog(); }},
