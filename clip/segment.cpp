@@ -14,8 +14,8 @@ bool clipAgainst(Point& a, Point& b) noexcept {
   return true;
 }
 
-// A plane may move an end back inside the planes after it, so no segment can be refused early by
-// what its two ends have in common.
+// No segment is refused early by what the codes of its ends have in common: the planes before the
+// one that refuses it move its ends first, and by rounding may move one to the other side.
 template <class Planes, class Point>
 bool clipThrough(Point& a, Point& b) noexcept {
   return Planes::every([&](auto plane) { return clipAgainst<decltype(plane)>(a, b); });

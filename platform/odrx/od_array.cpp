@@ -1,5 +1,7 @@
 #include "platform/odrx/od_array.h"
 
+#include <algorithm>
+#include <cstring>
 #include <new>
 
 #include "platform/odrx/alloc.h"
@@ -20,6 +22,15 @@ OdArrayBuffer* OdArrayMemory::allocate(std::uint64_t capacity, std::uint32_t ele
   void* block = odrxAlloc(static_cast<std::size_t>(bytes));
   if (block == nullptr) throw OdError(kOdResultNoMemory);
   return new (block) OdArrayBuffer{{1}, growth, static_cast<std::uint32_t>(capacity), 0};
+}
+
+OdArrayBuffer* OdArrayMemory::copy(const OdArrayBuffer& source, std::uint32_t elementBytes,
+                                   std::uint64_t capacity, std::uint32_t requestedLength) {
+  OdArrayBuffer* fresh = allocate(capacity, elementBytes, source.growth);
+  fresh->length = std::min(source.length, requestedLength);
+  std::memcpy(static_cast<void*>(fresh + 1), &source + 1,
+              std::size_t{fresh->length} * elementBytes);
+  return fresh;
 }
 
 void OdArrayMemory::free(OdArrayBuffer* buffer) noexcept { odrxFree(buffer); }

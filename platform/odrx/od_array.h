@@ -2,10 +2,8 @@
 // and copied before the first write; it grows by a setting of its own.
 #pragma once
 
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -30,6 +28,10 @@ class ULM_ODRX_CLASS OdArrayMemory {
   // is no memory, or where its bytes, header and all, do not fit into 32 bits.
   static OdArrayBuffer* allocate(std::uint64_t capacity, std::uint32_t elementBytes,
                                  std::int32_t growth);
+  // The same with the first elements of `source`, the smaller of its length and `requestedLength`,
+  // and its growth setting.
+  static OdArrayBuffer* copy(const OdArrayBuffer& source, std::uint32_t elementBytes,
+                             std::uint64_t capacity, std::uint32_t requestedLength);
   static void free(OdArrayBuffer* buffer) noexcept;
   // The capacity that a buffer gets when it must hold `required` elements. Cannot wrap.
   static std::uint64_t grownCapacity(std::uint32_t length, std::int32_t growth,
@@ -121,11 +123,7 @@ class OdArray {
     if (isShared()) replaceBuffer(buffer_->capacity, buffer_->length);
   }
   void replaceBuffer(std::uint64_t capacity, std::uint32_t requestedLength) {
-    OdArrayBuffer* fresh = OdArrayMemory::allocate(capacity, sizeof(T), buffer_->growth);
-    fresh->length = std::min(buffer_->length, requestedLength);
-    if (fresh->length != 0) {
-      std::memcpy(static_cast<void*>(fresh + 1), elements(), sizeof(T) * fresh->length);
-    }
+    OdArrayBuffer* fresh = OdArrayMemory::copy(*buffer_, sizeof(T), capacity, requestedLength);
     release(std::exchange(buffer_, fresh));
   }
   static void release(OdArrayBuffer* buffer) noexcept {

@@ -1,0 +1,141 @@
+#include "platform/odrx/od_array.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "platform/odrx/alloc_control.h"
+
+namespace {
+
+struct Block {  // large, so that the limit of 32 bits is near
+  std::uint32_t words[16];
+};
+
+template <class T>
+const T* bufferOf(const OdArray<T>& array) {
+  return array.data();
+}
+
+TEST(OdArray, GrowsByItsSetting) {
+  const struct {
+    std::int32_t growth;
+    std::uint32_t length, required;
+    std::uint64_t capacity;
+  } kCases[] = {{-50, 100, 101, 150},
+                {-50, 100, 151, 151},
+                {-50, 1, 2, 2},
+                {-100, 7, 8, 14},
+                {0, 10, 11, 11},
+                {1, 10, 11, 11},
+                {8, 0, 1, 8},
+                {8, 8, 16, 16},
+                {8, 8, 17, 24},
+                {INT32_MAX, 0, 1, INT32_MAX},
+                {-50, 0xFFFFFFF0, 0xFFFFFFFF, 0xFFFFFFF0ULL + 0x7FFFFFF8},
+                {1000, 1, 0xFFFFFFFF, 4294968000},
+                {INT32_MIN, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF + (0xFFFFFFFFULL << 31) / 100}};
+  for (const auto& tested : kCases) {
+    EXPECT_EQ(OdArrayMemory::grownCapacity(tested.length, tested.growth, tested.required),
+              tested.capacity)
+        << tested.growth << ' ' << tested.required;
+  }
+  OdArray<int> array(4, -50);
+  array.resize(4);
+  array.append(7);
+  EXPECT_EQ(array.capacity(), 6U);
+  array.append(array.at(4));
+  array.append(array.at(5));  // an element of the buffer that the append replaces
+  EXPECT_EQ(array.at(6), 7);
+  EXPECT_EQ(array.capacity(), 9U);
+}
+
+TEST(OdArray, CopiesOnWriteAlone) {
+  OdArray<int> array(20, -50);
+  for (int i = 0; i < 10; ++i) array.append(i);
+  OdArray<int> copy = array;
+  EXPECT_EQ(bufferOf(copy), bufferOf(array));
+  EXPECT_EQ(std::as_const(copy).at(3), 3);
+  EXPECT_EQ(bufferOf(copy), bufferOf(array));
+  copy.at(3) = 33;
+  EXPECT_NE(bufferOf(copy), bufferOf(array));
+  EXPECT_EQ(array.at(3), 3);
+  EXPECT_EQ(copy.at(3), 33);
+  EXPECT_EQ(copy.growth(), -50);
+  EXPECT_EQ(copy.capacity(), 20U);
+
+  OdArray<int> shorter = array;
+  shorter.resize(4);
+  EXPECT_EQ(array.length(), 10U);
+  EXPECT_EQ(array.at(9), 9);
+  EXPECT_EQ(shorter.at(3), 3);
+  EXPECT_THROW(shorter.at(4), OdError_InvalidIndex);
+  EXPECT_THROW(std::as_const(shorter).at(4), OdError);
+  EXPECT_THROW(OdArray<int>().at(0), OdError_InvalidIndex);
+
+  shorter = shorter;
+  EXPECT_EQ(shorter.length(), 4U);
+  const OdArray<int> taken = std::move(shorter);
+  shorter = taken;
+  EXPECT_EQ(bufferOf(shorter), bufferOf(taken));
+}
+
+TEST(OdArray, RefusesWhatDoesNotFitAndKeepsWhatItHeld) {
+  const std::uint64_t liveBefore = odrxAllocCounts().liveBlocks;
+  {
+    const std::uint64_t limit = (0xFFFFFFFFULL - 16) / sizeof(Block);
+    for (const std::uint64_t capacity : {limit + 1, std::uint64_t{1} << 32, ~std::uint64_t{0}}) {
+      try {
+        OdArray<Block> array(capacity, 8);
+        ADD_FAILURE() << capacity;
+      } catch (const OdError& error) {
+        EXPECT_EQ(error.code(), 9);
+        EXPECT_STREQ(error.what(), "out of memory");
+      }
+    }
+    OdArray<Block> array(2, -50);
+    array.resize(2);
+    array.at(1).words[3] = 5;
+    OdArray<Block> shared = array;
+    const auto* const buffer = bufferOf(array);
+    for (const std::uint64_t refused : {std::uint64_t{0xFFFFFFFF}, limit + 1}) {
+      EXPECT_THROW(array.resize(static_cast<std::uint32_t>(refused)), OdError);
+    }
+    odrxAllocFail(0, 3);
+    EXPECT_THROW(array.resize(3), OdError);
+    EXPECT_THROW(array.at(0), OdError);
+    EXPECT_THROW(array.resize(1), OdError);
+    odrxAllocFail(0, 0);
+    EXPECT_EQ(bufferOf(array), buffer);
+    EXPECT_EQ(array.length(), 2U);
+  }
+  EXPECT_EQ(odrxAllocCounts().liveBlocks, liveBefore);
+}
+
+// Each thread writes its own copy of one buffer, the first owner letting go meanwhile.
+TEST(OdArray, CopiesPartAcrossThreads) {
+  const std::uint64_t liveBefore = odrxAllocCounts().liveBlocks;
+  for (int round = 0; round < 50; ++round) {
+    OdArray<int> array(64, 8);
+    array.resize(64);
+    for (std::uint32_t i = 0; i < 64; ++i) array.at(i) = 1;
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int id = 2; id < 6; ++id) {
+      threads.emplace_back([copy = array, id, &wrong]() mutable {
+        OdArray<int> second = copy;
+        for (std::uint32_t i = 0; i < 64; ++i) second.at(i) += id;
+        for (std::uint32_t i = 0; i < 64; ++i) {
+          if (copy.at(i) != 1 || second.at(i) != 1 + id) ++wrong;
+        }
+      });
+    }
+    array = OdArray<int>();
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
+  }
+  EXPECT_EQ(odrxAllocCounts().liveBlocks, liveBefore);
+}
+
+}  // namespace
