@@ -12,4 +12,6 @@ namespace ulm::tools {
 // What the command was called as: the path by which its neighbours are found.
 void addHostCommand(CLI::App& app, int& status);
 
+void addClipCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools

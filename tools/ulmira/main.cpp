@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
                          "ulmira " ULM_VERSION_TEXT(ULM_VERSION_MAJOR, ULM_VERSION_MINOR,
                                                     ULM_VERSION_BUILD, ULM_VERSION_REVISION));
     app.require_subcommand(1);
-    ulm::tools::addHostCommand(app, status);
+    ulm::tools::addClipCommand(app, status);
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
