@@ -99,7 +99,7 @@ class JsonReader {
     if (polygon && take(']')) return points;
     do {
       points.push_back(readPoint<Real>());
-    } while (take(',') && (polygon || points.size() < 2));
+    } while ((polygon || points.size() < 2) && take(','));
     if (!polygon && points.size() != 2) fail("a second vertex");
     expect(']', polygon ? "',' or ']'" : "']' after two vertices");
     return points;
