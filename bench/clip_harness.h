@@ -50,9 +50,9 @@ void runClipPeer(benchmark::State& state, const ClipBatch& batch, double expecte
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
     state.SetIterationTime(time.count());
   }
-  state.counters["ns_each"] = benchmark::Counter(
-      static_cast<double>(count) * 1e-9,
-      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+  state.counters["each"] =
+      benchmark::Counter(static_cast<double>(count), benchmark::Counter::kIsIterationInvariantRate |
+                                                         benchmark::Counter::kInvert);
 }
 
 template <class Peer>

@@ -17,13 +17,18 @@ struct PolygonAccess<BasicClipPolygon<Real>> {
   }
   static const Vertex* peek(const Polygon& polygon) noexcept { return polygon.vertices; }
   static const Vertex* readable(const Polygon& source) noexcept { return source.vertices; }
-  // As vertexForWrite has it, but for the count, which close sets whatever it was.
   static std::uint32_t slotIndex(std::uint32_t n) noexcept {
     return std::min(n, kClipPolygonCapacity - 1);
   }
-  static Vertex& slot(Polygon& polygon, std::uint32_t n) noexcept {
-    return polygon.vertices[slotIndex(n)];
-  }
+  // As vertexForWrite has it, but for the count, which close sets whatever it was.
+  class Writer {
+   public:
+    explicit Writer(Polygon& polygon) noexcept : slots_(polygon.vertices) {}
+    Vertex& slot(std::uint32_t n) const noexcept { return slots_[slotIndex(n)]; }
+
+   private:
+    Vertex* slots_;
+  };
   static std::uint32_t close(Polygon& polygon, std::uint32_t n) noexcept {
     return polygon.count = std::min(n, kClipPolygonCapacity);
   }

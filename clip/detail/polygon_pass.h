@@ -75,16 +75,17 @@ std::uint32_t clipPass(typename PolygonAccess<Polygon>::Source& source, Polygon&
   if (count < 2) return Access::close(destination, 0);
 
   const auto* const vertices = Access::readable(source);
+  typename Access::Writer writer(destination);
   std::uint32_t made = 0;
   const auto keep = [&](std::uint32_t i) {
-    Access::slot(destination, made) = vertices[i];
+    writer.slot(made) = vertices[i];
     trace.kept(i, Access::slotIndex(made++));
   };
   const auto cross = [&](std::uint32_t earlier, std::uint32_t later) {
     const auto& p = vertices[earlier];
     const auto& q = vertices[later];
     const auto t = crossingOf<Plane>(p, q);
-    placeBetween(Access::slot(destination, made), p, q, t);
+    placeBetween(writer.slot(made), p, q, t);
     trace.made(earlier, later, t, Access::slotIndex(made++));
   };
 

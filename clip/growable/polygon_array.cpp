@@ -26,7 +26,25 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
     return source.vertices.data();
   }
   static std::uint32_t slotIndex(std::uint32_t n) noexcept { return n; }
-  static Vertex& slot(Polygon& polygon, std::uint32_t n) { return polygon.vertexForWrite(n); }
+  // vertexForWrite, asked only where the elements known to be there and our own run out.
+  class Writer {
+   public:
+    explicit Writer(Polygon& polygon) noexcept : polygon_(polygon) {}
+    Vertex& slot(std::uint32_t n) {
+      if (n >= length_) fetch(n);
+      return elements_[n];
+    }
+
+   private:
+    [[gnu::noinline]] void fetch(std::uint32_t n) {
+      polygon_.vertexForWrite(n);
+      elements_ = polygon_.vertices.data();
+      length_ = polygon_.vertices.length();
+    }
+    Polygon& polygon_;
+    Vertex* elements_ = nullptr;
+    std::uint32_t length_ = 0;
+  };
   static std::uint32_t close(Polygon& polygon, std::uint32_t n) noexcept {
     return polygon.count = n;
   }
