@@ -32,8 +32,47 @@ struct PolygonAccess<BasicClipPolygon<Real>> {
   static std::uint32_t close(Polygon& polygon, std::uint32_t n) noexcept {
     return polygon.count = std::min(n, kClipPolygonCapacity);
   }
-  // All zero, so that no outcode of a result depends on what the stack held.
-  static Polygon scratch(const Polygon&) noexcept { return {}; }
+};
+
+// What the in-place drivers work in. Its slots start without values, and `written` of them have got
+// one; a new vertex in a slot that had none gets the outcode 0, so that no result depends on what
+// the stack held.
+template <class Real>
+struct ScratchPolygon : BasicClipPolygon<Real> {
+  ScratchPolygon() noexcept : written(0) {}  // the rest stays as it is
+  std::uint32_t written;
+};
+
+template <class Real>
+struct PolygonAccess<ScratchPolygon<Real>> : PolygonAccess<BasicClipPolygon<Real>> {
+  using Base = PolygonAccess<BasicClipPolygon<Real>>;
+
+  class Writer {
+   public:
+    explicit Writer(ScratchPolygon<Real>& polygon) noexcept : polygon_(polygon) {}
+    BasicClipVertex<Real>& slot(std::uint32_t n) const noexcept {
+      const std::uint32_t i = Base::slotIndex(n);
+      if (i >= polygon_.written) {
+        polygon_.vertices[i].outcode = 0;
+        polygon_.written = i + 1;
+      }
+      return polygon_.vertices[i];
+    }
+
+   private:
+    ScratchPolygon<Real>& polygon_;
+  };
+};
+
+template <class Real>
+struct InPlaceAccess<BasicClipPolygon<Real>> {
+  using Scratch = ScratchPolygon<Real>;
+  static Scratch scratch(const BasicClipPolygon<Real>&) noexcept { return {}; }
+  // The whole record; slots without a value have nothing to give.
+  static void handOver(const Scratch& result, BasicClipPolygon<Real>& polygon) noexcept {
+    std::copy_n(result.vertices, result.written, polygon.vertices);
+    polygon.count = result.count;
+  }
 };
 
 }  // namespace detail

@@ -23,6 +23,8 @@ namespace ulm::clip::detail {
 
 template <class Polygon>
 struct PolygonAccess;
+template <class Polygon>
+struct InPlaceAccess;
 
 // The tracer of a call that wants no trace.
 struct NoTrace {
@@ -165,11 +167,12 @@ ClipOutcome clipInPlace(Polygon& polygon, Trace& trace) {
   if (all != 0) return ClipOutcome::Gone;
   if ((any & Planes::bits) == 0) return ClipOutcome::Untouched;
 
-  Polygon first = Access::scratch(polygon);
-  Polygon second = Access::scratch(polygon);
-  const Polygon* const result = clipThrough<Planes>(first, second, polygon, any, trace);
+  using InPlace = InPlaceAccess<Polygon>;
+  typename InPlace::Scratch first = InPlace::scratch(polygon);
+  typename InPlace::Scratch second = InPlace::scratch(polygon);
+  const auto* const result = clipThrough<Planes>(first, second, polygon, any, trace);
   if (result == nullptr) return ClipOutcome::Gone;
-  polygon = *result;
+  InPlace::handOver(*result, polygon);
   return ClipOutcome::Clipped;
 }
 

@@ -48,7 +48,14 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
   static std::uint32_t close(Polygon& polygon, std::uint32_t n) noexcept {
     return polygon.count = n;
   }
-  static Polygon scratch(const Polygon& polygon) { return {polygon.count, true}; }
+};
+
+template <class Real>
+struct InPlaceAccess<BasicClipPolygonArray<Real>> {
+  using Scratch = BasicClipPolygonArray<Real>;
+  static Scratch scratch(const Scratch& polygon) { return {polygon.count, true}; }
+  // By sharing: when the scratch polygons are gone, `polygon` owns the array alone.
+  static void handOver(const Scratch& result, Scratch& polygon) noexcept { polygon = result; }
 };
 
 }  // namespace detail
