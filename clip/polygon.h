@@ -91,8 +91,9 @@ BasicClipPolygon<Real>* clipPolygonToRectangle(BasicClipPolygon<Real>& first,
 // the planes that run are those that some vertex names. True when a polygon remains; after false
 // `polygon` is as it was. Where no plane is to run the polygon stays as it is too, with true,
 // unless it has no vertex. The test of the shared bit is over the whole word, for the rectangle as
-// well. The record of the result replaces `polygon` whole. In it the `outcode` of a new vertex is 0
-// or what an earlier plane left in the slot: computeOutcode makes them good.
+// well. The result replaces the record; slots that no plane wrote to have no value in it and stay
+// as they were. The `outcode` of a new vertex is 0, or what an earlier plane left in its slot:
+// computeOutcode makes them good.
 template <std::floating_point Real>
 bool clipPolygonInPlace(BasicClipPolygon<Real>& polygon) noexcept;
 template <std::floating_point Real>

@@ -24,7 +24,7 @@ std::atomic<std::uint64_t> calls{0};
 std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
 std::atomic<std::uint64_t> failEnd{0};    // number of the first call that is served again
 
-std::uint64_t sealFor(const BlockHeader* header) noexcept {
+std::uint64_t sealFor(BlockHeader* header) noexcept {
   return kSeal ^ reinterpret_cast<std::uintptr_t>(header);
 }
 
