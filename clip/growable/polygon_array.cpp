@@ -65,13 +65,10 @@ namespace {
 using detail::RectanglePlanes;
 using detail::VolumePlanes;
 
-constexpr std::uint32_t kSpareVertices = 16;
-constexpr std::int32_t kGrowByHalf = -50;
-
 template <class Real>
 struct GrowableTrace {
   struct Origins {
-    OdArray<ClipOrigin> places{kSpareVertices, kGrowByHalf};
+    OdArray<ClipOrigin> places{kClipSpareVertices, kClipGrowByHalf};
     void put(std::uint32_t i, ClipOrigin origin) {
       if (i >= places.length()) places.resize(i + 1);
       places.at(i) = origin;
@@ -87,7 +84,7 @@ struct GrowableTrace {
   }
   std::uint32_t addRecord(const BasicClipRecord<Real>& record) {
     if (trace.records.length() == 0)
-      trace.records = OdArray<BasicClipRecord<Real>>(kSpareVertices, kGrowByHalf);
+      trace.records = OdArray<BasicClipRecord<Real>>(kClipSpareVertices, kClipGrowByHalf);
     trace.records.append(record);
     return trace.records.length() - 1;
   }
@@ -98,12 +95,6 @@ struct GrowableTrace {
 };
 
 }  // namespace
-
-template <std::floating_point Real>
-BasicClipPolygonArray<Real>::BasicClipPolygonArray(std::uint32_t size, bool setCount)
-    : vertices(std::uint64_t{size} + kSpareVertices, kGrowByHalf), count(setCount ? size : 0) {
-  vertices.resize(size);
-}
 
 template <std::floating_point Real>
 std::uint32_t clipPolygonArrayXMin(BasicClipPolygonArray<Real>& source,
@@ -217,7 +208,6 @@ bool isFinite(const BasicClipPolygonArray<Real>& polygon) {
 }
 
 #define ULM_CLIP_INSTANTIATE(Polygon, Trace)                                                       \
-  template Polygon::BasicClipPolygonArray(std::uint32_t, bool);                                    \
   template std::uint32_t clipPolygonArrayXMin(Polygon&, Polygon&);                                 \
   template std::uint32_t clipPolygonArrayXMax(Polygon&, Polygon&);                                 \
   template std::uint32_t clipPolygonArrayYMin(Polygon&, Polygon&);                                 \

@@ -24,6 +24,9 @@ namespace ulm::clip {
 inline constexpr ClipVertex defaultClipVertexArray{};
 inline constexpr ClipVertexF defaultClipVertexArrayF{};
 
+inline constexpr std::uint32_t kClipSpareVertices = 16;
+inline constexpr std::int32_t kClipGrowByHalf = -50;
+
 // Assignment shares the vertices. `count` is the polygon's own length, at most that of the array,
 // which clipping does not shrink.
 template <std::floating_point Real>
@@ -36,7 +39,11 @@ struct BasicClipPolygonArray {
   BasicClipPolygonArray() noexcept = default;
   // An array of length `size`, room for 16 more and growth by half, its vertices not initialised;
   // `count` is `size` or 0.
-  BasicClipPolygonArray(std::uint32_t size, bool setCount);
+  BasicClipPolygonArray(std::uint32_t size, bool setCount)
+      : vertices(std::uint64_t{size} + kClipSpareVertices, kClipGrowByHalf),
+        count(setCount ? size : 0) {
+    vertices.resize(size);
+  }
 
   // Vertex i; the default vertex from `count` on. The access is the array's writable one, so a
   // shared buffer is copied first.

@@ -74,7 +74,8 @@ TEST(OdArray, CopiesOnWriteAlone) {
   EXPECT_THROW(std::as_const(shorter).at(4), OdError);
   EXPECT_THROW(OdArray<int>().at(0), OdError_InvalidIndex);
 
-  shorter = shorter;
+  const OdArray<int>& itself = shorter;
+  shorter = itself;
   EXPECT_EQ(shorter.length(), 4U);
   const OdArray<int> taken = std::move(shorter);
   shorter = taken;
