@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/clip/fast_math_user.h"
 #include "tests/support/clip_model.h"
 
 namespace ulm::clip {
@@ -45,7 +46,8 @@ TYPED_TEST(Points, SegmentsHaveTheBitsOfTheModel) {
       {clipSegmentZMax<Point>, ClipZMax},
       {clipSegment2D<Point>, 0x33},
       {clipSegment3D<Point>, 0x77},
-      {[](Point& a, Point& b) { return clipSegmentToVolume(a, b, ~0x32U); }, 0x45}};
+      {[](Point& a, Point& b) { return clipSegmentToVolume(a, b, ~0x32U); }, 0x45},
+      {test::clipSegmentUnderFastMath<Point>, 0x77}};
   PointSource<Real> source(1);
   int lost = 0;
   for (int round = 0; round < 20000; ++round) {
