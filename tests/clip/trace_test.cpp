@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
 #include <vector>
 
 #include "clip/growable/polygon_array.h"
@@ -13,42 +14,30 @@
 namespace ulm::clip {
 namespace {
 
-std::uint32_t recordCountOf(const auto& trace) {
-  if constexpr (requires { trace.recordCount; }) {
-    return trace.recordCount;
-  } else {
-    return trace.records.length();
-  }
-}
-std::uint32_t originCountOf(const auto& trace) {
-  if constexpr (requires { trace.originCount; }) {
-    return trace.originCount;
-  } else {
-    return trace.origins.length();
-  }
-}
-const auto* rowOf(const auto& row) {
-  if constexpr (requires { row.data(); }) {
-    return row.data();
-  } else {
-    return &row[0];
-  }
-}
-
 template <class Real>
-void check(const auto& trace, std::vector<Real> y, auto* result) {
-  ASSERT_EQ(originCountOf(trace), result != nullptr ? result->count : 0U);
+void check(std::span<const BasicClipRecord<Real>> records, std::span<const ClipOrigin> origins,
+           std::vector<Real> y, auto* result) {
+  ASSERT_EQ(origins.size(), result != nullptr ? result->count : 0U);
   const std::size_t sources = y.size();
   const auto at = [&](ClipOrigin origin) {
     return y.at(origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sources);
   };
-  for (std::uint32_t i = 0; i < recordCountOf(trace); ++i) {
-    const BasicClipRecord<Real>& record = rowOf(trace.records)[i];
-    y.push_back(interpolate(at(record.earlier), at(record.later), record.t));
+  for (const auto& [earlier, later, t] : records) {
+    y.push_back(interpolate(at(earlier), at(later), t));
   }
-  for (std::uint32_t i = 0; i < originCountOf(trace); ++i) {
-    ASSERT_TRUE(test::sameBits(at(rowOf(trace.origins)[i]), result->vertexAt(i).y));
+  for (std::uint32_t i = 0; i < origins.size(); ++i) {
+    ASSERT_TRUE(test::sameBits(at(origins[i]), result->vertexAt(i).y));
   }
+}
+template <class Real>
+void check(const BasicClipTrace<Real>& trace, const std::vector<Real>& y, auto* result) {
+  ASSERT_LE(trace.recordCount, kClipTraceCapacity);
+  check<Real>({trace.records, trace.recordCount}, {trace.origins, trace.originCount}, y, result);
+}
+template <class Real>
+void check(const BasicClipTraceArray<Real>& trace, const std::vector<Real>& y, auto* result) {
+  check<Real>({trace.records.data(), trace.records.length()},
+              {trace.origins.data(), trace.origins.length()}, y, result);
 }
 
 template <class Real>
@@ -81,7 +70,6 @@ TYPED_TEST(Trace, CarriesACoordinateToItsOwnBits) {
                : clipPolygonArrayToVolume(firstArray, secondArray, growable, ~0U, array));
     const bool left = flat ? clipPolygonInPlace2D(fixed, trace) : clipPolygonInPlace(fixed, trace);
     check(trace, y, left ? &fixed : nullptr);
-    ASSERT_LE(trace.recordCount, kClipTraceCapacity);
     const bool leftArray = flat ? clipPolygonArrayInPlace2D(growable, array)
                                 : clipPolygonArrayInPlace(growable, array);
     check(array, y, leftArray ? &growable : nullptr);

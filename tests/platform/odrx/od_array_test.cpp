@@ -17,11 +17,7 @@ TEST(OdArray, GrowsByItsSetting) {
     std::uint64_t capacity;
   } kCases[] = {{-50, 100, 101, 150},
                 {-50, 100, 151, 151},
-                {-50, 1, 2, 2},
-                {-100, 7, 8, 14},
                 {0, 10, 11, 11},
-                {1, 10, 11, 11},
-                {8, 8, 16, 16},
                 {8, 8, 17, 24},
                 {-50, 0xFFFFFFF0, 0xFFFFFFFF, 0xFFFFFFF0ULL + 0x7FFFFFF8},
                 {1000, 1, 0xFFFFFFFF, 4294968000},
