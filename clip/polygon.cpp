@@ -213,6 +213,7 @@ bool isFinite(const BasicClipPolygon<Real>& polygon) noexcept {
                      [](const BasicClipVertex<Real>& vertex) { return isFinite(vertex); });
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are types
 #define ULM_CLIP_INSTANTIATE(Polygon, Trace)                                                  \
   template std::uint32_t clipPolygonXMin(const Polygon&, Polygon&) noexcept;                  \
   template std::uint32_t clipPolygonXMax(const Polygon&, Polygon&) noexcept;                  \
@@ -238,6 +239,7 @@ bool isFinite(const BasicClipPolygon<Real>& polygon) noexcept {
   template bool isFinite(const Polygon&) noexcept;
 ULM_CLIP_INSTANTIATE(ClipPolygon, ClipTrace)
 ULM_CLIP_INSTANTIATE(ClipPolygonF, ClipTraceF)
+// NOLINTEND(bugprone-macro-parentheses)
 #undef ULM_CLIP_INSTANTIATE
 
 }  // namespace ulm::clip

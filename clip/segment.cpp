@@ -63,6 +63,7 @@ bool clipSegmentToVolume(Point& a, Point& b, std::uint32_t mask) noexcept {
       [&](auto plane) { return (mask & plane.bit) == 0 || clipAgainst<decltype(plane)>(a, b); });
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are types
 #define ULM_CLIP_INSTANTIATE(Point)                       \
   template bool clipSegmentXMin(Point&, Point&) noexcept; \
   template bool clipSegmentXMax(Point&, Point&) noexcept; \
@@ -77,6 +78,7 @@ ULM_CLIP_INSTANTIATE(ClipPoint)
 ULM_CLIP_INSTANTIATE(ClipPointF)
 ULM_CLIP_INSTANTIATE(ClipVertex)
 ULM_CLIP_INSTANTIATE(ClipVertexF)
+// NOLINTEND(bugprone-macro-parentheses)
 #undef ULM_CLIP_INSTANTIATE
 
 }  // namespace ulm::clip

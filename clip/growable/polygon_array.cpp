@@ -207,6 +207,7 @@ bool isFinite(const BasicClipPolygonArray<Real>& polygon) {
                      [](const BasicClipVertex<Real>& vertex) { return isFinite(vertex); });
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are types
 #define ULM_CLIP_INSTANTIATE(Polygon, Trace)                                                       \
   template std::uint32_t clipPolygonArrayXMin(Polygon&, Polygon&);                                 \
   template std::uint32_t clipPolygonArrayXMax(Polygon&, Polygon&);                                 \
@@ -229,6 +230,7 @@ bool isFinite(const BasicClipPolygonArray<Real>& polygon) {
   template bool isFinite(const Polygon&);
 ULM_CLIP_INSTANTIATE(ClipPolygonArray, ClipTraceArray)
 ULM_CLIP_INSTANTIATE(ClipPolygonArrayF, ClipTraceArrayF)
+// NOLINTEND(bugprone-macro-parentheses)
 #undef ULM_CLIP_INSTANTIATE
 
 }  // namespace ulm::clip
