@@ -57,12 +57,9 @@ class OdArray {
     }
   }
   OdArray(OdArray&& other) noexcept : buffer_(std::exchange(other.buffer_, &odArrayEmptyBuffer)) {}
-  OdArray& operator=(const OdArray& other) noexcept {
-    OdArray(other).swap(*this);
-    return *this;
-  }
-  OdArray& operator=(OdArray&& other) noexcept {
-    OdArray(std::move(other)).swap(*this);
+  // Shares what was copied, or takes over what was moved, into the argument.
+  OdArray& operator=(OdArray other) noexcept {
+    swap(other);
     return *this;
   }
   ~OdArray() { release(buffer_); }
