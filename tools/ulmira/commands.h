@@ -15,4 +15,7 @@ void addHostCommand(CLI::App& app, int& status);
 // `ulmira num`: arithmetic on numbers of any size.
 void addNumCommand(CLI::App& app, int& status);
 
+// `ulmira clip`: polygons and segments against the view volume.
+void addClipCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools

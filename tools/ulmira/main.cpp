@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     ulm::tools::addHostCommand(app, status);
     ulm::tools::addNumCommand(app, status);
+    ulm::tools::addClipCommand(app, status);
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
