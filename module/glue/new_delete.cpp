@@ -19,8 +19,9 @@ constexpr std::size_t kPlainAlignment = 16;
 void* allocateAligned(std::size_t bytes, std::align_val_t wanted) {
   const auto alignment = static_cast<std::size_t>(wanted);
   if (alignment <= kPlainAlignment) return allocate(bytes);
-  if (bytes > SIZE_MAX - alignment - sizeof(void*)) throw std::bad_alloc();
-  void* whole = allocate(bytes + alignment + sizeof(void*));
+  const std::size_t extra = alignment + sizeof(void*);
+  // A size that would wrap is more than there can be: it fails by the same rule.
+  void* whole = allocate(bytes > SIZE_MAX - extra ? SIZE_MAX : bytes + extra);
   if (whole == nullptr) return nullptr;
   void* block = static_cast<void**>(whole) + 1;
   std::size_t room = bytes + alignment;

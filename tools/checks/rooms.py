@@ -12,7 +12,7 @@ import re
 import sys
 from pathlib import Path
 
-INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
+INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b", re.MULTILINE)
 # Rooms without conditional code.
 SAME_EVERYWHERE = ("module/", "core/")
@@ -91,7 +91,9 @@ def main():
     faults, graph = [], {}
     for source in sources(root, [*tops, *(top for top in AROUND if (root / top).is_dir())]):
         text = (root / source).read_text(encoding="utf-8")
-        headers = INCLUDE.findall(text)
+        # An include in angle brackets counts as well where it names a file of the tree.
+        headers = [quoted or angled for quoted, angled in INCLUDE.findall(text)
+                   if quoted or (root / angled).is_file()]
         if source.startswith(SAME_EVERYWHERE) and CONDITIONAL.search(text):
             faults.append(f"{source}: conditional code, which belongs into platform/")
         graph[source] = headers

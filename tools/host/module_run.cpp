@@ -28,13 +28,31 @@ std::string toUtf8(const wchar_t* text) {
   return made;
 }
 
+// Bytes that are no UTF-8 stand as the layer takes them in file names, at U+DC00 and their number.
 std::wstring toWide(const std::string& text) {
-  const int size = MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, nullptr, 0);
-  if (size <= 0) return {};
+  const int size = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.c_str(), -1, nullptr, 0);
+  if (size <= 0) {
+    std::wstring escaped;
+    for (const char byte : text) {
+      const auto code = static_cast<unsigned char>(byte);
+      escaped += static_cast<wchar_t>(code < 0x80 ? code : 0xDC00 + code);
+    }
+    return escaped;
+  }
   std::wstring made(static_cast<std::size_t>(size), L'\0');
   MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), size);
   made.pop_back();  // the terminator
   return made;
+}
+
+// The whole name of a module, however long.
+std::wstring moduleName(HMODULE module) {
+  std::wstring name(260, L'\0');
+  for (;;) {
+    const DWORD length = GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
+    if (length < name.size()) return name.substr(0, length);
+    name.resize(2 * name.size());
+  }
 }
 
 std::string pathVariable() {
@@ -45,10 +63,16 @@ std::string pathVariable() {
   return toUtf8(value.c_str());
 }
 
+// A name without an ending is taken as it is where a dot stands behind it.
+std::wstring loadName(const std::string& file) {
+  const std::size_t start = file.find_last_of("/\\") + 1;
+  return toWide(file.find('.', start) == std::string::npos ? file + "." : file);
+}
+
 // A library that was taken into the process; goes out with the holder.
 class LoadedLibrary {
  public:
-  explicit LoadedLibrary(const std::string& file) : module_(LoadLibraryW(toWide(file).c_str())) {
+  explicit LoadedLibrary(const std::string& file) : module_(LoadLibraryW(loadName(file).c_str())) {
     if (module_ == nullptr) throw RunError("cannot load " + file + ": " + ulmWin32LoadError());
   }
   LoadedLibrary(LoadedLibrary&& other) noexcept : module_(std::exchange(other.module_, nullptr)) {}
@@ -136,8 +160,10 @@ void startAndStop(OdRxModule* object, RunReport& report) {
   object->uninitApp();
 }
 
-void liveOnce(const std::string& file, RunReport& report) {
+// Gives the whole name of the library, which is unloaded again.
+std::wstring liveOnce(const std::string& file, RunReport& report) {
   const LoadedLibrary module(file);
+  const std::wstring fullName = moduleName(module.get());
   const auto need = [&](auto* entry, const char* name) {
     if (entry == nullptr) throw RunError(file + " lacks the entry " + name);
     return entry;
@@ -152,6 +178,7 @@ void liveOnce(const std::string& file, RunReport& report) {
   OdRxModule* object = create(&slot);
   if (object == nullptr) throw RunError(file + " made no module object");
   startAndStop(object, report);
+  return fullName;
 }
 
 }  // namespace
@@ -160,7 +187,7 @@ RunReport runModule(const RunOptions& options) {
   const HostLibraries host(options.without);
   const std::vector<Balance> before = takeBalance(host.application);
   RunReport report;
-  liveOnce(options.moduleFile, report);
+  const std::wstring fullName = liveOnce(options.moduleFile, report);
 
   report.record = takenRecord(host.application);
   if (const wchar_t* name = qlcoreWldName(0)) report.wld = toUtf8(name);
@@ -173,9 +200,7 @@ RunReport runModule(const RunOptions& options) {
   for (std::size_t i = 0; i < before.size(); ++i) {
     if (after[i].held != before[i].held) report.unbalanced.emplace_back(after[i].name);
   }
-  if (GetModuleHandleW(toWide(report.modulePath).c_str()) != nullptr) {
-    report.unbalanced.emplace_back("ULM_Main");
-  }
+  if (GetModuleHandleW(fullName.c_str()) != nullptr) report.unbalanced.emplace_back("ULM_Main");
   return report;
 }
 
