@@ -12,6 +12,7 @@
 #include "module/glue/switch_flags.h"
 #include "platform/odrx/alloc_control.h"
 #include "platform/win32/export.h"
+#include "platform/win32/resource_block.h"
 #include "platform/win32/stand_in.h"
 
 // The sized forms, which some compilers declare only on request.
@@ -21,18 +22,16 @@ void operator delete[](void* block, std::size_t bytes, std::align_val_t alignmen
 
 namespace {
 
+// A product version at its edges, and another version of the file.
+ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion({9, 9, 9, 9}, {0, 65535, 0, 7});
+
 // Stands where the facilities' constants stand in the load order.
 class Constant {
  public:
-  Constant() {
-    ulmWin32LogCall(flagsAreSet() ? "constant made after flags" : "constant made first");
-  }
+  Constant() { ulmWin32LogCall("constant made"); }
   ~Constant() { ulmWin32LogCall("constant destroyed"); }
   Constant(const Constant&) = delete;
   Constant& operator=(const Constant&) = delete;
-
- private:
-  static bool flagsAreSet() { return static_cast<bool>(ulm::glue::defecateFlag); }
 };
 [[gnu::init_priority(ulm::glue::kInitConstants)]] const Constant constant;
 

@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "module/entry.h"
@@ -97,10 +98,10 @@ std::string create() {
     slot = slot == nullptr ? library : slot;
     OdRxModule* const before = object;
     object = entry<decltype(odrxCreateModuleObject)>("odrxCreateModuleObject")(&slot);
-    const std::string slotText = slot == nullptr ? ", slot cleared" : ", slot kept";
+    const std::string slotText = slot == nullptr ? " object, slot cleared" : " object, slot kept";
     if (object == nullptr) return "null" + slotText;
-    return (object == before ? "same" : "fresh") + slotText + ", references " +
-           std::to_string(object->numRefs());
+    return (object == before ? "same" : "fresh") + slotText + ", " +
+           std::to_string(object->numRefs()) + " references";
   });
 }
 
@@ -158,13 +159,22 @@ void unload() {
   say(GetModuleHandleW(path.c_str()) == nullptr ? "gone" : "still there");
 }
 
+// The log, with the library's folder as {folder}.
+void printLog() {
+  static const std::string folder = narrow(folderText().c_str());  // while it is loaded
+  std::string log = ulmWin32CallLog();
+  const std::size_t at = log.find(folder);
+  if (at != std::string::npos) log.replace(at, folder.size(), "{folder}");
+  std::cout << log;
+}
+
 std::wstring keptPath;  // what fillPath made
 
 // PATH as a row can state it, whatever folder the library lies in.
 void printPath() {
   std::wstring path = variable(L"PATH");
   if (!keptPath.empty() && path == keptPath) return say("PATH {kept}");
-  if (path.size() > 1000) return say("PATH ", path.size(), " characters");
+  const std::size_t characters = path.size();
   const std::wstring folder = folderText();
   const auto name = [&](const std::wstring& text, const wchar_t* with) {
     const std::size_t at = path.find(text);
@@ -172,6 +182,7 @@ void printPath() {
   };
   name(folder, L"{folder}");
   name(folder.substr(0, folder.size() - 1), L"{bare}");
+  if (path.size() > 1000) return say("PATH ", characters, " characters");
   say("PATH ", narrow(path.c_str()));
 }
 
@@ -224,7 +235,8 @@ int main(int argc, char** argv) {
         }},
        {"keep-record", [](Value) { application->keepRecord(true); }},
        {"drop-record", [](Value) { application->keepRecord(false); }},
-       {"throw-at-publish", [](Value) { application->throwAtPublish(true); }},
+       {"refuse",
+        [](Value call) { application->throwAt(static_cast<HostAppCall>(call[0] - '0')); }},
        {"no-manager", [](Value) { hostcmdSetPresent(false); }},
        {"load-result", [](Value result) { hostcmdSetResult(std::stoi(result)); }},
        {"throw-at",
@@ -239,7 +251,7 @@ int main(int argc, char** argv) {
        {"fail-next", [](Value) { odrxAllocFail(0, 1); }},
        {"succeed", [](Value) { odrxAllocFail(0, 0); }},
        {"log", [](Value) { ulmWin32StartCallLog(); }},
-       {"print-log", [](Value) { std::cout << ulmWin32CallLog(); }},
+       {"print-log", [](Value) { printLog(); }},
        {"load", load},
        {"unload", [](Value) { unload(); }},
        {"version",
@@ -249,7 +261,7 @@ int main(int argc, char** argv) {
                                                                   &numbers[2], &numbers[3]);
           say("version ", numbers[0], ' ', numbers[1], ' ', numbers[2], ' ', numbers[3]);
         }},
-       {"create", [](Value) { say("create ", create()); }},
+       {"create", [](Value) { say(create()); }},
        {"init", [](Value) { say("init ", init()); }},
        {"uninit", [](Value) { object->uninitApp(); }},
        {"final",
@@ -274,14 +286,23 @@ int main(int argc, char** argv) {
        {"path", [](Value) { printPath(); }},
        {"raw-path", [](Value) { say("PATH ", narrow(variable(L"PATH").c_str())); }},
        {"real-path",
-        [](Value before) {
-          say(before == std::getenv("PATH") ? "real PATH kept" : "real PATH lost");
+        [](Value) {
+          const bool added = std::string_view(std::getenv("PATH")).find(';') != std::string::npos;
+          say(added ? "real PATH changed" : "real PATH kept");
         }},
        {"wld", [](Value) { say("wld ", qlcoreWldName(0) ? narrow(qlcoreWldName(0)) : "none"); }},
        {"record", [](Value) { printRecord(); }},
        {"strings",
         [](Value) { say(application->productString(0), " / ", application->productString(1)); }},
        {"publish-count", [](Value) { say("published ", application->publishCount()); }},
+       {"version-record",
+        [](Value) {
+          for (std::size_t i = 0; application->recordKey(i) != nullptr; ++i) {
+            if (std::string_view(application->recordKey(i)) == "ProductVersion") {
+              say("version ", application->recordValue(i));
+            }
+          }
+        }},
        {"loads", [](Value) { printLoads(); }},
        {"load-count", [](Value) { say("loads ", hostcmdLoadCount()); }},
        {"mark",
