@@ -17,9 +17,11 @@
 #include "platform/win32/win32.h"
 #include "tests/module/main_variant.h"
 #include "tests/support/script.h"
+#include "tools/host/host_calls.h"
 
 namespace {
 
+using namespace ulm::tools;  // what hosts call
 using ulm::test::say;
 
 HMODULE library = nullptr;
@@ -27,57 +29,15 @@ OdRxModule* object = nullptr;
 HINSTANCE slot = nullptr;
 const HostAppControl* application = nullptr;
 int handlerCalls = 0;
-std::vector<std::int64_t> marked;
-
-std::wstring wide(const std::string& text) {
-  std::wstring made(text.size() + 1, L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), static_cast<int>(made.size()));
-  return made.c_str();
-}
-
-std::string narrow(const wchar_t* text) {
-  std::string made(std::wcslen(text) * 4 + 1, '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), static_cast<int>(made.size()), nullptr,
-                      nullptr);
-  return made.c_str();
-}
-
-std::wstring variable(const wchar_t* name) {
-  std::wstring value(40000, L'\0');
-  GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
-  return value.c_str();
-}
-
-template <class Function>
-Function* entry(const char* name) {
-  return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
-}
-
-std::wstring modulePathText() {
-  wchar_t name[4096] = {};
-  GetModuleFileNameW(library, name, 4095);
-  return name;
-}
+std::vector<Balance> marked;
 
 // The folder of the library as it stands on PATH.
 std::wstring folderText() {
-  const std::wstring path = modulePathText();
+  const std::wstring path = moduleName(library);
   return path.substr(0, path.rfind(L'\\') + 1);
 }
 
-std::vector<std::int64_t> balance() {
-  std::vector<std::int64_t> counts{qlcoreHeldParams(),
-                                   static_cast<std::int64_t>(odrxAllocCounts().liveBlocks)};
-  for (int i = 0; i < 3 && application != nullptr; ++i) {
-    counts.push_back(application->heldReferences(static_cast<HostAppObject>(i)));
-  }
-  return counts;
-}
-
-const char* balanceWord() {
-  qlcoreForgetWlds();
-  return balance() == marked ? "balanced" : "unbalanced";
-}
+bool balanced() { return takeBalance(application) == marked; }
 
 // What a call gave, or what it raised.
 template <class Call>
@@ -97,7 +57,7 @@ std::string create() {
   return outcome([]() -> std::string {
     slot = slot == nullptr ? library : slot;
     OdRxModule* const before = object;
-    object = entry<decltype(odrxCreateModuleObject)>("odrxCreateModuleObject")(&slot);
+    object = exportOf<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject")(&slot);
     const std::string slotText = slot == nullptr ? " object, slot cleared" : " object, slot kept";
     if (object == nullptr) return "null" + slotText;
     return (object == before ? "same" : "fresh") + slotText + ", " +
@@ -122,7 +82,7 @@ std::string sweep(std::string (*call)(), void (*undo)()) {
     odrxAllocFail(0, 0);
     undo();
     const bool reached = odrxAllocCounts().calls > callsBefore + n;
-    if (balance() != marked && (qlcoreForgetWlds(), balance() != marked)) last += " unbalanced";
+    if (!balanced()) last += " unbalanced";
     if (!reached) break;
     if (std::find(outcomes.begin(), outcomes.end(), last) == outcomes.end())
       outcomes.push_back(last);
@@ -143,17 +103,17 @@ void printRecord() {
 void printLoads() {
   for (std::size_t i = 0; i < hostcmdLoadCount(); ++i) {
     const HostcmdLoad load = hostcmdLoad(i);
-    say(narrow(load.file), ' ', narrow(load.engine), ' ', load.number);
+    say(toUtf8(load.file), ' ', toUtf8(load.engine), ' ', load.number);
   }
 }
 
 void load(const std::string& file) {
-  library = LoadLibraryW(wide(file).c_str());
+  library = LoadLibraryW(toWide(file).c_str());
   if (library == nullptr) say("not loaded: ", ulmWin32LoadError());
 }
 
 void unload() {
-  const std::wstring path = modulePathText();
+  const std::wstring path = moduleName(library);
   FreeLibrary(library);
   ulmWin32StopCallLog();
   say(GetModuleHandleW(path.c_str()) == nullptr ? "gone" : "still there");
@@ -161,7 +121,7 @@ void unload() {
 
 // The log, with the library's folder as {folder}.
 void printLog() {
-  static const std::string folder = narrow(folderText().c_str());  // while it is loaded
+  static const std::string folder = toUtf8(folderText().c_str());  // while it is loaded
   std::string log = ulmWin32CallLog();
   const std::size_t at = log.find(folder);
   if (at != std::string::npos) log.replace(at, folder.size(), "{folder}");
@@ -172,7 +132,7 @@ std::wstring keptPath;  // what fillPath made
 
 // PATH as a row can state it, whatever folder the library lies in.
 void printPath() {
-  std::wstring path = variable(L"PATH");
+  std::wstring path = environmentVariable(L"PATH");
   if (!keptPath.empty() && path == keptPath) return say("PATH {kept}");
   const std::size_t characters = path.size();
   const std::wstring folder = folderText();
@@ -183,13 +143,13 @@ void printPath() {
   name(folder, L"{folder}");
   name(folder.substr(0, folder.size() - 1), L"{bare}");
   if (path.size() > 1000) return say("PATH ", characters, " characters");
-  say("PATH ", narrow(path.c_str()));
+  say("PATH ", toUtf8(path.c_str()));
 }
 
 // Sets PATH from a text in which {folder} stands for the library's and {bare} for that without its
 // backslash.
 void setPath(const std::string& text) {
-  std::wstring value = wide(text);
+  std::wstring value = toWide(text);
   const std::wstring folder = folderText();
   const auto put = [&](const std::wstring& mark, const std::wstring& with) {
     const std::size_t at = value.find(mark);
@@ -208,7 +168,7 @@ void fillPath(const std::string& length) {
 }
 
 void tryNew() {
-  const auto attempt = entry<VariantTryNew>("variantTryNew");
+  const auto attempt = exportOf<VariantTryNew>(library, "variantTryNew");
   for (const bool failing : {false, true}) {
     const char* fault = attempt(failing);
     say(fault == nullptr ? "all forms right" : fault);
@@ -222,12 +182,9 @@ int main(int argc, char** argv) {
   return ulm::test::runSteps(
       {{"take",
         [](Value file) {
-          const HMODULE taken = LoadLibraryW(wide(file).c_str());
-          const FARPROC control = GetProcAddress(taken, kHostAppControlEntry);
-          if (control != nullptr) {
-            application =
-                reinterpret_cast<HostAppControlEntry*>(reinterpret_cast<void (*)()>(control))();
-          }
+          const HMODULE taken = LoadLibraryW(toWide(file).c_str());
+          const auto control = exportOf<HostAppControlEntry>(taken, kHostAppControlEntry);
+          if (control != nullptr) application = control();
         }},
        {"hide",
         [](Value which) {
@@ -257,8 +214,8 @@ int main(int argc, char** argv) {
        {"version",
         [](Value) {
           std::uint32_t numbers[4] = {9, 9, 9, 9};
-          entry<decltype(odrxGetAPIVersion)>("odrxGetAPIVersion")(&numbers[0], &numbers[1],
-                                                                  &numbers[2], &numbers[3]);
+          exportOf<decltype(odrxGetAPIVersion)>(library, "odrxGetAPIVersion")(
+              &numbers[0], &numbers[1], &numbers[2], &numbers[3]);
           say("version ", numbers[0], ' ', numbers[1], ' ', numbers[2], ' ', numbers[3]);
         }},
        {"create", [](Value) { say(create()); }},
@@ -277,20 +234,20 @@ int main(int argc, char** argv) {
        {"path-length", [](Value) { say("path length ", object->modulePath().getLength()); }},
        {"path-matches",
         [](Value) {
-          const bool whole = modulePathText() == object->modulePath().c_str();
-          const bool start = modulePathText().rfind(object->modulePath().c_str(), 0) == 0;
+          const bool whole = moduleName(library) == object->modulePath().c_str();
+          const bool start = moduleName(library).rfind(object->modulePath().c_str(), 0) == 0;
           say(whole ? "whole path" : start ? "cut path" : "wrong path");
         }},
        {"set-path", setPath},
        {"fill-path", fillPath},
        {"path", [](Value) { printPath(); }},
-       {"raw-path", [](Value) { say("PATH ", narrow(variable(L"PATH").c_str())); }},
+       {"raw-path", [](Value) { say("PATH ", toUtf8(environmentVariable(L"PATH").c_str())); }},
        {"real-path",
         [](Value) {
           const bool added = std::string_view(std::getenv("PATH")).find(';') != std::string::npos;
           say(added ? "real PATH changed" : "real PATH kept");
         }},
-       {"wld", [](Value) { say("wld ", qlcoreWldName(0) ? narrow(qlcoreWldName(0)) : "none"); }},
+       {"wld", [](Value) { say("wld ", qlcoreWldName(0) ? toUtf8(qlcoreWldName(0)) : "none"); }},
        {"record", [](Value) { printRecord(); }},
        {"strings",
         [](Value) { say(application->productString(0), " / ", application->productString(1)); }},
@@ -305,12 +262,8 @@ int main(int argc, char** argv) {
         }},
        {"loads", [](Value) { printLoads(); }},
        {"load-count", [](Value) { say("loads ", hostcmdLoadCount()); }},
-       {"mark",
-        [](Value) {
-          qlcoreForgetWlds();
-          marked = balance();
-        }},
-       {"balance", [](Value) { say(balanceWord()); }},
+       {"mark", [](Value) { marked = takeBalance(application); }},
+       {"balance", [](Value) { say(balanced() ? "balanced" : "unbalanced"); }},
        {"sweep-init", [](Value) { say("sweep ", sweep(init, [] {})); }},
        {"sweep-create",
         [](Value) {
@@ -319,7 +272,7 @@ int main(int argc, char** argv) {
                 object = nullptr;
               }));
         }},
-       {"flags", [](Value) { say("flags ", entry<VariantFlags>("variantFlags")()); }},
+       {"flags", [](Value) { say("flags ", exportOf<VariantFlags>(library, "variantFlags")()); }},
        {"try-new", [](Value) { tryNew(); }},
        {"translation",
         [](Value) {

@@ -7,61 +7,17 @@
 #include "module/entry.h"
 #include "platform/hostapp/control.h"
 #include "platform/hostcmd/control.h"
-#include "platform/odrx/alloc_control.h"
 #include "platform/odrx/rx_object.h"
 #include "platform/qlcore/control.h"
 #include "platform/win32/stand_in.h"
 #include "platform/win32/win32.h"
+#include "tools/host/host_calls.h"
 
 namespace ulm::tools {
 namespace {
 
 using GetApiVersion = decltype(odrxGetAPIVersion);
 using CreateModuleObject = decltype(odrxCreateModuleObject);
-
-std::string toUtf8(const wchar_t* text) {
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  if (size <= 0) return {};
-  std::string made(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), size, nullptr, nullptr);
-  made.pop_back();  // the terminator
-  return made;
-}
-
-// Bytes that are no UTF-8 stand as the layer takes them in file names, at U+DC00 and their number.
-std::wstring toWide(const std::string& text) {
-  const int size = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.c_str(), -1, nullptr, 0);
-  if (size <= 0) {
-    std::wstring escaped;
-    for (const char byte : text) {
-      const auto code = static_cast<unsigned char>(byte);
-      escaped += static_cast<wchar_t>(code < 0x80 ? code : 0xDC00 + code);
-    }
-    return escaped;
-  }
-  std::wstring made(static_cast<std::size_t>(size), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), size);
-  made.pop_back();  // the terminator
-  return made;
-}
-
-// The whole name of a module, however long.
-std::wstring moduleName(HMODULE module) {
-  std::wstring name(260, L'\0');
-  for (;;) {
-    const DWORD length = GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
-    if (length < name.size()) return name.substr(0, length);
-    name.resize(2 * name.size());
-  }
-}
-
-std::string pathVariable() {
-  const DWORD size = GetEnvironmentVariableW(L"PATH", nullptr, 0);
-  if (size == 0) return {};
-  std::wstring value(size, L'\0');
-  GetEnvironmentVariableW(L"PATH", value.data(), size);
-  return toUtf8(value.c_str());
-}
 
 // A name without an ending is taken as it is where a dot stands behind it.
 std::wstring loadName(const std::string& file) {
@@ -85,7 +41,7 @@ class LoadedLibrary {
 
   template <class Function>
   Function* entry(const char* name) const {
-    return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(module_, name)));
+    return exportOf<Function>(module_, name);
   }
 
  private:
@@ -113,25 +69,6 @@ struct HostLibraries {
   }
 };
 
-struct Balance {
-  const char* name;
-  std::int64_t held;
-};
-
-// What is held of the host's objects and memory, in a fixed order of names.
-std::vector<Balance> takeBalance(const HostAppControl* application) {
-  std::vector<Balance> balance;
-  if (application != nullptr) {
-    balance.push_back({"IApp", application->heldReferences(HostAppObject::App)});
-    balance.push_back({"IAppExterior", application->heldReferences(HostAppObject::Exterior)});
-    balance.push_back(
-        {"IHostProductInfo", application->heldReferences(HostAppObject::ProductInfo)});
-  }
-  balance.push_back({"IParam", qlcoreHeldParams()});
-  balance.push_back({"memory", static_cast<std::int64_t>(odrxAllocCounts().liveBlocks)});
-  return balance;
-}
-
 std::optional<RunReport::Record> takenRecord(const HostAppControl* application) {
   if (application == nullptr || application->recordCount() < 0) return std::nullopt;
   RunReport::Record record;
@@ -148,7 +85,7 @@ void startAndStop(OdRxModule* object, RunReport& report) {
     ~FinalRelease() { object->finalRelease(); }
   } const finalRelease{object};
   report.modulePath = toUtf8(object->modulePath().c_str());
-  report.pathBefore = pathVariable();
+  report.pathBefore = toUtf8(environmentVariable(L"PATH").c_str());
   try {
     report.started = object->initApp();
   } catch (const std::exception& error) {
@@ -156,7 +93,7 @@ void startAndStop(OdRxModule* object, RunReport& report) {
   } catch (...) {
     throw RunError("initApp raised an exception");
   }
-  report.pathAfter = pathVariable();
+  report.pathAfter = toUtf8(environmentVariable(L"PATH").c_str());
   object->uninitApp();
 }
 
@@ -195,10 +132,9 @@ RunReport runModule(const RunOptions& options) {
     const HostcmdLoad load = hostcmdLoad(i);
     report.loads.push_back({toUtf8(load.file), toUtf8(load.engine), load.number});
   }
-  qlcoreForgetWlds();
   const std::vector<Balance> after = takeBalance(host.application);
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (after[i].held != before[i].held) report.unbalanced.emplace_back(after[i].name);
+    if (after[i] != before[i]) report.unbalanced.emplace_back(after[i].name);
   }
   if (GetModuleHandleW(fullName.c_str()) != nullptr) report.unbalanced.emplace_back("ULM_Main");
   return report;
