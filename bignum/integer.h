@@ -19,6 +19,7 @@
 #include <iosfwd>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "bignum/text.h"
@@ -152,9 +153,8 @@ void SubtractMagnitude(QLInteger& destination, const QLInteger& operand);
 //   remainder  is assigned the dividend and worked on in place; if the dividend is 32 bits or more
 //              longer than the divisor its storage grows as for a left shift by 32 bits. It may be
 //              the dividend itself
-//   quotient   gets fresh storage for ((difference of the bit lengths) + 32) >> 5 words; 0, 1 and
-//   -1
-//              are assigned
+//   quotient   gets fresh storage for ((difference of the bit lengths) + 32) >> 5 words;
+//              0, 1 and -1 are assigned
 // No two of the operands may be one object but dividend and remainder. Quadratic time.
 void Divide(const QLInteger& dividend, const QLInteger& divisor, QLInteger& quotient,
             QLInteger& remainder);
@@ -194,7 +194,8 @@ inline void swap(QLInteger& a, QLInteger& b) noexcept { a.Swap(b); }
 template <class Text = std::string>
 Text toText(const QLInteger& value, std::uint32_t radix = 10) {
   // In radix 2 a digit a bit; a sign, a mark, the terminator and the byte that ToText leaves
-  // unused.
+  // unused. A text beyond signed 32 bits is more than ToText can count.
+  if (value.BitLength() > INT32_MAX - 5) throw std::bad_alloc();
   const std::uint32_t size = value.BitLength() + 5;
   const auto buffer = std::make_unique<char[]>(size);
   ToText(value, buffer.get(), size, radix);

@@ -1,5 +1,7 @@
 #include "bignum/integer.h"
 
+#include <algorithm>
+
 namespace ulm::bignum {
 namespace {
 
@@ -16,9 +18,20 @@ void addToMagnitude(QLInteger& value, std::int64_t delta) {
   value.Normalise();
 }
 
-// Whether adding delta to the magnitude gives zero or less.
+// Whether adding delta to the magnitude gives zero or less, zero words on top or not.
 bool reachesZero(const QLInteger& value, std::int64_t delta) noexcept {
-  return delta < 0 && value.CompareMagnitude(static_cast<std::uint32_t>(-delta)) <= 0;
+  const Word* const words = value.words;
+  const bool oneWord =
+      std::all_of(words + 1, words + value.count, [](Word word) { return word == 0; });
+  return delta < 0 && oneWord && words[0] <= static_cast<std::uint64_t>(-delta);
+}
+
+// Does a small addition by the signed operation, which wants normal form.
+template <class Operation>
+QLInteger& bySignedOperation(QLInteger& value, Operation operation) {
+  value.Normalise();
+  if (!value.IsNonZero()) value.negative = 0;
+  return operation();
 }
 
 }  // namespace
@@ -85,14 +98,18 @@ QLInteger& QLInteger::operator-=(const QLInteger& operand) {
 
 QLInteger& QLInteger::operator+=(std::int32_t operand) {
   const std::int64_t delta = IsNegative() ? -std::int64_t{operand} : std::int64_t{operand};
-  if (reachesZero(*this, delta)) return *this += QLInteger(operand);
+  if (reachesZero(*this, delta)) {
+    return bySignedOperation(*this, [&]() -> QLInteger& { return *this += QLInteger(operand); });
+  }
   addToMagnitude(*this, delta);
   return *this;
 }
 
 QLInteger& QLInteger::operator-=(std::int32_t operand) {
   const std::int64_t delta = IsNegative() ? std::int64_t{operand} : -std::int64_t{operand};
-  if (reachesZero(*this, delta)) return *this -= QLInteger(operand);
+  if (reachesZero(*this, delta)) {
+    return bySignedOperation(*this, [&]() -> QLInteger& { return *this -= QLInteger(operand); });
+  }
   addToMagnitude(*this, delta);
   return *this;
 }

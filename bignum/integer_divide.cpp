@@ -25,6 +25,9 @@ void divideInto(const QLInteger& dividend, const QLInteger& divisor, QLInteger* 
                                      : CompareWords(dividend.words, divisor.words, aCount);
   if (divisorIsZero || order < 0) {
     remainder.Assign(dividend);
+    // A dividend out of normal form must not come out as a remainder that loops take for non-zero.
+    remainder.Normalise();
+    if (!remainder.IsNonZero()) remainder.negative = 0;
     if (quotient != nullptr) quotient->Assign(0);
     return;
   }

@@ -40,6 +40,7 @@ void ShiftRightBits(Word* words, std::uint32_t n, std::uint32_t s) noexcept {
 void ShiftRightOne(Word* words, std::uint32_t n) noexcept { kernel::shiftRight(words, n, 1); }
 
 void ShiftLeftWords(Word* words, std::uint32_t n, std::uint32_t k) noexcept {
+  if (k == 0) return;
   const std::size_t places = k;
   std::copy_backward(words, words + n, words + n + places);
   std::fill_n(words, places, Word{0});
@@ -47,6 +48,7 @@ void ShiftLeftWords(Word* words, std::uint32_t n, std::uint32_t k) noexcept {
 
 void ShiftRightWords(Word* words, std::uint32_t n, std::uint32_t k) noexcept {
   const std::uint32_t places = std::min(n, k);
+  if (places == 0) return;
   std::copy(words + places, words + n, words);
   std::fill(words + (n - places), words + n, Word{0});
 }

@@ -36,12 +36,11 @@ void multiply(Word* product, const Word* a, std::uint32_t aCount, const Word* b,
 std::size_t divideScratch(std::uint32_t aCount, std::uint32_t bCount) noexcept;
 
 // The quotient and remainder of a by b, where a > b > 0 and neither has a zero top word.
-//   quotient   receives ((aBits - bBits) + 32) >> 5 words, zeroed by the caller; null where only
-//   the
-//              remainder is asked for
-//   remainder  holds a, aCount words; receives the remainder with zero words above it. There is
-//   room
-//              for 2 words more where a has 32 bits or more above b: the words hold what they like
+//   quotient   receives ((aBits - bBits) + 32) >> 5 words, zeroed by the caller; null where
+//              only the remainder is asked for
+//   remainder  holds a, aCount words; receives the remainder with zero words above it. There
+//              is room for 2 words more where a has 32 bits or more above b: the words hold
+//              what they like
 //   divisor    b, bCount words, unchanged; apart from the other arrays
 //   scratch    divideScratch words
 void divide(Word* quotient, Word* remainder, std::uint32_t aCount, const Word* divisor,

@@ -61,7 +61,7 @@ TEST(NumCommand, RefusesWithReasons) {
                {"sqrt -4", "the root of a negative number", 1},
                {"gcd 0 4", "is zero", 1},
                {"pow 2 -1", "the exponent is negative", 1},
-               {"pow 2 99999999999", "the power is too large", 1},
+               {"pow 2 99999999999", "the power may be longer", 1},
                {"add 1", "takes 2", 2},
                {"halve 1", "there is no halve", 2},
                {"add 1 2 --radix 17", "--radix", 2},

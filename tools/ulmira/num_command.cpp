@@ -50,12 +50,17 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
+// What a power may have in bits. Its text takes a division a digit, so that time grows with the
+// square of the length: this much is some seconds.
+constexpr std::uint32_t kLargestPower = 1u << 16;
+
 QLInteger powerOf(const Operands& n) {
   const QLInteger& exponent = exponentOf(n[1]);
-  // A factor brings about BitLength bits, and 2^32 bits are the end of all sizes.
-  if (exponent * QLInteger::fromUint64(n[0].BitLength()) > PowerOfTwo(32) &&
+  // A factor brings BitLength bits at the most, and all of them but one at the least.
+  if (exponent * QLInteger::fromUint64(n[0].BitLength()) > QLInteger::fromUint64(kLargestPower) &&
       n[0].CompareMagnitude(1u) > 0) {
-    throw std::runtime_error("the power is too large");
+    throw std::runtime_error("the power may be longer than " + std::to_string(kLargestPower) +
+                             " bits");
   }
   return Pow(n[0], exponent);
 }
@@ -113,18 +118,34 @@ const std::map<std::string, Operation>& operations() {
   return table;
 }
 
+// What a user typed, safe to print: bytes that are no ASCII text as their number.
+std::string shown(const std::string& text) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string made;
+  for (const char byte : text) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (code >= 0x20 && code < 0x7F) {
+      made += byte;
+    } else {
+      made += {'\\', 'x', kDigits[code >> 4], kDigits[code & 15]};
+    }
+  }
+  return made;
+}
+
 // FromText passes over what is no digit; a user's slip is not to go by unseen.
 QLInteger parseNumber(const std::string& text) {
   if (text.find('\0') != std::string::npos) throw std::runtime_error("a zero byte in a number");
   const NumberText scanned = scanNumberText(text.c_str());
   for (const char* next = scanned.first; next != scanned.last; ++next) {
     if (DigitValue(*next, scanned.radix) < 0) {
-      throw std::runtime_error("'" + std::string(1, *next) + "' at position " +
-                               std::to_string(next - text.c_str() + 1) + " of \"" + text +
+      throw std::runtime_error("'" + shown(std::string(1, *next)) + "' at position " +
+                               std::to_string(next - text.c_str() + 1) + " of \"" + shown(text) +
                                "\" is no digit of radix " + std::to_string(scanned.radix));
     }
   }
-  if (scanned.first == scanned.last) throw std::runtime_error("\"" + text + "\" has no digits");
+  if (scanned.first == scanned.last)
+    throw std::runtime_error("\"" + shown(text) + "\" has no digits");
   return QLInteger::fromText(text.c_str());
 }
 
@@ -138,6 +159,7 @@ Operands readNumbers(const Texts& texts) {
     }
     for (std::string line; std::getline(std::cin, line);) {
       if (!line.empty() && line.back() == '\r') line.pop_back();
+      if (line.empty()) continue;
       numbers.push_back(parseNumber(line));
     }
   }
@@ -161,6 +183,7 @@ void printResults(const std::string& name, std::uint32_t radix, const Texts& tex
     std::cout << '\n';
     first = last;
   }
+  if (!std::cout.flush()) throw std::runtime_error("the result cannot be written");
 }
 
 // What stands behind the operation. The parser would take a negative number for an option, so it
