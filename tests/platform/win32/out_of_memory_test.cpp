@@ -48,8 +48,8 @@ TEST(OutOfMemory, GivesTheFailureResult) {
   char narrow[64];
   MEMORY_BASIC_INFORMATION information;
   const TestFolder folder;
-  writeFile(folder / "out_of_memory.ini", "[section of the file]\nkey of the section = 5");
-  const std::wstring profile = (folder / "out_of_memory.ini").wstring();
+  writeFile(folder.path / "out_of_memory.ini", "[section of the file]\nkey of the section = 5");
+  const std::wstring profile = (folder.path / "out_of_memory.ini").wstring();
   const Call calls[] = {
       {"_wputenv", [] { return _wputenv(L"ULM_NAME_THAT_IS_LONG=a value that is long too"); }, -1},
       {"GetModuleHandleW", [] { return number(GetModuleHandleW(L"ulmwin32.dll")); }, 0},
