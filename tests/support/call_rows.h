@@ -65,16 +65,20 @@ struct Answer {
   Answer(Number number) : written(std::to_string(number)) {}
 };
 
-// The result of a call that fills a buffer, and the buffer with a unit behind it.
-template <class Character, class Call>
-Answer filled(const Argument& size, const Call& call) {
-  std::basic_string<Character> buffer(int{size} > 0 ? std::size_t{size} + 1 : 1, '#');
-  const Answer result = call(buffer.data(), size);
-  return result.written + ' ' + shown(buffer);
-}
-
 using Arguments = std::vector<Argument>;  // the call's own name is the first
 using Calls = std::map<std::string, std::function<Answer(const Arguments&)>>;
+
+// A call that fills a buffer, whose size is the last argument: its result, and the buffer with a
+// unit behind it.
+template <class Character, class Call>
+auto fills(const Call& call) {
+  return [call](const Arguments& a) -> Answer {
+    const int size = a.back();
+    std::basic_string<Character> buffer(size > 0 ? std::size_t{a.back()} + 1 : 1, '#');
+    const Answer result = call(a, buffer.data(), size);
+    return result.written + ' ' + shown(buffer);
+  };
+}
 
 // Runs a file's rows in their order, each of `names` standing for its value. An unknown call
 // throws.

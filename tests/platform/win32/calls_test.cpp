@@ -1,5 +1,9 @@
-// The calls whose cases are plain data: the rows of tests/data/platform.
+// The calls whose cases are plain data, the rows of tests/data/platform; and the environment block
+// beside the process's own and under several threads.
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <thread>
 
 #include "platform/win32/stand_in.h"
 #include "tests/platform/win32/sample_files.h"
@@ -17,9 +21,7 @@ const TestFolder& scratch() {
   return folder;
 }
 
-Answer nameOf(HMODULE module) {
-  return module != nullptr ? Answer(shown(fileNameOf(module))) : Answer("none");
-}
+Answer nameOf(HMODULE module) { return module != nullptr ? shown(fileNameOf(module)) : "none"; }
 
 Answer load(const Arguments& a) {
   const HMODULE module = LoadLibraryW(a[1]);
@@ -30,7 +32,7 @@ Answer load(const Arguments& a) {
 // What the export gives, all of them being functions without arguments.
 Answer callExport(const Arguments& a) {
   const FARPROC found = GetProcAddress(GetModuleHandleW(a[1]), a[2]);
-  return found != nullptr ? Answer(found()) : Answer("none");
+  return found != nullptr ? std::to_string(found()) : "none";
 }
 
 Answer profile(const Arguments& a) {
@@ -39,42 +41,21 @@ Answer profile(const Arguments& a) {
   return static_cast<int>(GetPrivateProfileIntW(a[1], L"Key", -5, file.c_str()));
 }
 
-// What a call gives that is asked for the size first.
-template <class Character, class Call>
-std::basic_string<Character> sized(const Call& call) {
-  const int size = call(nullptr, 0);
-  std::basic_string<Character> made(static_cast<std::size_t>(size), '#');
-  EXPECT_EQ(call(made.data(), size), size);
-  EXPECT_TRUE(size < 2 || call(made.data(), size - 1) == 0);
-  return made;
-}
-
-// Bytes as wide text; they must come back, or be refused where that is asked for.
-Answer decode(const Arguments& a) {
-  const std::string& bytes = a[2].bytes;
-  const auto decoded = [&](DWORD flags) {
-    return sized<wchar_t>([&](wchar_t* target, int room) {
-      return MultiByteToWideChar(a[1], flags, bytes.data(), static_cast<int>(bytes.size()), target,
-                                 room);
-    });
-  };
-  const std::wstring wide = decoded(0);
-  if (decoded(MB_ERR_INVALID_CHARS) != wide) return shown(wide) + " refused";
-  const std::string back = sized<char>([&](char* target, int room) {
-    return WideCharToMultiByte(a[1], 0, wide.data(), static_cast<int>(wide.size()), target, room,
-                               nullptr, nullptr);
-  });
-  EXPECT_EQ(back, bytes);
-  return shown(wide);
-}
-
-Answer encode(const Arguments& a) {
+Answer defaultUsed(const Arguments& a) {
   BOOL used = -1;
-  BOOL* const outUsed = a[1].written != "65001" ? &used : nullptr;
-  const Answer bytes = filled<char>(a[4], [&](char* target, int room) {
-    return WideCharToMultiByte(a[1], 0, a[2], a[3], target, room, a[5], outUsed);
-  });
-  return bytes.written + (used == TRUE ? " used" : used == FALSE ? " unused" : "");
+  WideCharToMultiByte(a[1], 0, a[2], -1, nullptr, 0, nullptr, &used);
+  return used;
+}
+
+// What a version block of that length tells, with a bit of the byte at a place changed.
+Answer version(const Arguments& a) {
+  std::vector<char> block(DWORD{a[2]});
+  if (GetFileVersionInfoW(a[1], 0, a[2], block.data()) == FALSE) return "refused";
+  if (a.size() > 4) block[std::size_t{a[4]}] ^= 1;
+  void* value = nullptr;
+  UINT length = 0;
+  if (VerQueryValueW(block.data(), a[3], &value, &length) == FALSE) return "none";
+  return shown(std::string(static_cast<const char*>(value), length));
 }
 
 Answer callLog(const Arguments& a) {
@@ -86,29 +67,22 @@ Answer callLog(const Arguments& a) {
 
 const Calls kCalls = {
     {"_wputenv", [](auto& a) { return _wputenv(a[1]); }},
-    {"GetEnvironmentVariableW",
-     [](auto& a) {
-       return filled<wchar_t>(a[2], [&](wchar_t* buffer, DWORD size) {
-         return GetEnvironmentVariableW(a[1], buffer, size);
-       });
-     }},
+    {"GetEnvironmentVariableW", fills<wchar_t>([](auto& a, wchar_t* buffer, int size) {
+       return GetEnvironmentVariableW(a[1], buffer, static_cast<DWORD>(size));
+     })},
     {"profile", profile},
     {"GetPrivateProfileIntW",
      [](auto& a) { return static_cast<int>(GetPrivateProfileIntW(a[1], a[2], -5, a[3])); }},
-    {"decode", decode},
-    {"encode", encode},
-    {"MultiByteToWideChar",
-     [](auto& a) {
-       return filled<wchar_t>(a[5], [&](wchar_t* target, int room) {
-         return MultiByteToWideChar(a[1], a[2], a[3], a[4], target, room);
-       });
-     }},
-    {"lstrcpynW",
-     [](auto& a) {
-       return filled<wchar_t>(a[2], [&](wchar_t* target, int size) {
-         return lstrcpynW(target, a[1], size) == target;
-       });
-     }},
+    {"MultiByteToWideChar", fills<wchar_t>([](auto& a, wchar_t* target, int room) {
+       return MultiByteToWideChar(a[1], a[2], a[3], a[4], target, room);
+     })},
+    {"WideCharToMultiByte", fills<char>([](auto& a, char* target, int room) {
+       return WideCharToMultiByte(a[1], 0, a[2], a[3], target, room, a[4], nullptr);
+     })},
+    {"default used", defaultUsed},
+    {"lstrcpynW", fills<wchar_t>([](auto& a, wchar_t* target, int size) {
+       return lstrcpynW(target, a[1], size) == target;
+     })},
     {"GetACP", [](auto&) { return GetACP(); }},
     {"LoadLibraryW", load},
     {"error tells",
@@ -121,19 +95,14 @@ const Calls kCalls = {
     {"export", callExport},
     {"DisableThreadLibraryCalls",
      [](auto& a) { return DisableThreadLibraryCalls(GetModuleHandleW(a[1])); }},
-    {"LoadStringA",
-     [](auto& a) {
-       return filled<char>(a[3], [&](char* buffer, int size) {
-         return LoadStringA(GetModuleHandleW(a[1]), a[2], buffer, size);
-       });
-     }},
-    {"LoadStringW",
-     [](auto& a) {
-       return filled<wchar_t>(a[3], [&](wchar_t* buffer, int size) {
-         return LoadStringW(GetModuleHandleW(a[1]), a[2], buffer, size);
-       });
-     }},
+    {"LoadStringA", fills<char>([](auto& a, char* buffer, int size) {
+       return LoadStringA(GetModuleHandleW(a[1]), a[2], buffer, size);
+     })},
+    {"LoadStringW", fills<wchar_t>([](auto& a, wchar_t* buffer, int size) {
+       return LoadStringW(GetModuleHandleW(a[1]), a[2], buffer, size);
+     })},
     {"GetFileVersionInfoSizeW", [](auto& a) { return GetFileVersionInfoSizeW(a[1], nullptr); }},
+    {"version", version},
     {"open", [](auto& a) { return reinterpret_cast<std::intptr_t>(ulmWin32OpenWindow(a[1])); }},
     {"close",
      [](auto& a) { return ulmWin32CloseWindow(reinterpret_cast<HWND>(std::intptr_t{a[1]})); }},
@@ -144,15 +113,43 @@ const Calls kCalls = {
 class CallRows : public testing::TestWithParam<const char*> {};
 
 TEST_P(CallRows, AnswerAsWritten) {
-  const std::wstring bin = windowsName(sampleFile().parent_path());
-  const std::wstring folder = windowsName(scratch().path).substr(2);
   runCallRows(ULM_TEST_DATA "/platform/" + std::string(GetParam()) + ".txt", kCalls,
-              {{"$bin", shown(bin)}, {"$tmp", shown(folder)}});
+              {{"$bin", shown(windowsName(sampleFile().parent_path()))},
+               {"$tmp", shown(windowsName(scratch().path).substr(2))}});
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, CallRows,
-                         testing::Values("environment", "modules", "profile", "strings", "text",
+                         testing::Values("environment", "modules", "profile", "resources", "text",
                                          "windows"),
                          [](const auto& file) { return std::string(file.param); });
+
+std::wstring valueOf(const wchar_t* name) {
+  wchar_t value[32768];
+  return {value, GetEnvironmentVariableW(name, value, 32768)};
+}
+
+TEST(Environment, StartsAsACopyAndNeverWritesBack) {
+  const std::string real = std::getenv("PATH");
+  const std::wstring wide(real.begin(), real.end());
+  EXPECT_EQ(valueOf(L"PATH"), wide);
+  EXPECT_EQ(_wputenv((L"Path=" + wide + L";Z:\\x\\").c_str()), 0);
+  EXPECT_EQ(valueOf(L"pAtH"), wide + L";Z:\\x\\");
+  EXPECT_EQ(std::getenv("PATH"), real);
+  ASSERT_EQ(setenv("ULM_TEST_REAL", "1", 1), 0);
+  EXPECT_EQ(valueOf(L"ULM_TEST_REAL"), L"");
+}
+
+TEST(Environment, TakesManyThreads) {
+  std::vector<std::thread> threads;
+  for (int number = 0; number < 4; ++number) {
+    threads.emplace_back([name = L"ULM_TEST_THREAD" + std::to_wstring(number)] {
+      for (int i = 1; i < 200; ++i) {
+        _wputenv((name + L'=' + std::to_wstring(i)).c_str());
+        EXPECT_EQ(valueOf(name.c_str()), std::to_wstring(i));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
 
 }  // namespace

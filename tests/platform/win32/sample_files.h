@@ -31,15 +31,16 @@ inline void writeFile(const std::filesystem::path& file, const std::string& cont
   std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }
 
-// A folder of this process's own, which goes with the object: other runs may be under way.
+// A folder of its own, which goes with the object: other runs may be under way.
 struct TestFolder {
-  std::filesystem::path path =
-      std::filesystem::temp_directory_path() / ("ulm_win32_" + std::to_string(getpid()));
+  static inline int made = 0;
+  const std::filesystem::path path =
+      std::filesystem::temp_directory_path() /
+      ("ulm_win32_" + std::to_string(getpid()) + '_' + std::to_string(++made));
 
   TestFolder() { std::filesystem::create_directories(path); }
   ~TestFolder() { std::filesystem::remove_all(path); }
   TestFolder(const TestFolder&) = delete;
-  TestFolder& operator=(const TestFolder&) = delete;
 };
 
 }  // namespace ulm::win32::test
