@@ -100,17 +100,6 @@ TEST(ListEnumerator, WalksToItsEdgesAndKeepsItsListAlive) {
   EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
 }
 
-TEST(List, ClosingRefuses) {
-  struct Closable : List {
-    using List::Close;
-  } list;
-  list.AddTail("one");
-  list.Close();
-  EXPECT_EQ(list.AddTail("two"), nullptr);
-  EXPECT_EQ(list.GetEnum(), nullptr);
-  EXPECT_TRUE(list.GetCount() == 0 && list.GetHead() == nullptr);
-}
-
 TEST(List, MemoryThatRunsOutChangesNothing) {
   auto* list = ulm::glue::makeObject<List>();
   const std::uint64_t live = odrxAllocCounts().liveBlocks;
@@ -130,10 +119,17 @@ TEST(List, MemoryThatRunsOutChangesNothing) {
   EXPECT_EQ(list->Release(), 0u);  // no reference was left behind
 }
 
-TEST(List, LayoutAndHeap) {
+TEST(List, RefusesOnceItCloses) {
+  struct Closable : List {
+    using List::Close;
+  } list;
+  EXPECT_EQ(list.GetHeap(), Mem_DefaultHeap(0));
+  list.AddTail("one");
+  list.Close();
+  EXPECT_TRUE(list.AddTail("two") == nullptr && list.GetEnum() == nullptr);
+  EXPECT_TRUE(list.GetCount() == 0 && list.GetHead() == nullptr);
   EXPECT_EQ(sizeof(COList), 8 + 2 * sizeof(void*));
   EXPECT_EQ(sizeof(CTPList<const char*>), sizeof(void*) + sizeof(CTList<_CTListPlex<const char*>>));
-  EXPECT_EQ(CTPList<const char*>().GetHeap(), Mem_DefaultHeap(0));
 }
 
 }  // namespace

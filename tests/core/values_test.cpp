@@ -28,14 +28,9 @@ struct Source {
   Source() { std::iota(bytes + 1, bytes + 32, '\x82'); }
 } const kSource;
 // The same as a whole number of each tag.
-const std::int64_t kWhole[] = {0,
-                               1,
-                               1,
-                               0x8201,
-                               0x84838201,
-                               0x84838201 - (1LL << 32),
-                               -0x7778797A7B7C7DFF,
-                               -0x7778797A7B7C7DFF};
+constexpr std::int64_t kLong = -0x7778797A7B7C7DFF;
+constexpr int kInt = -0x7B7C7DFF;
+constexpr std::int64_t kWhole[] = {0, 1, 1, 0x8201, 0x84838201, kInt, kLong, kLong};
 
 // A value under each tag, at the key of its number.
 Param allTags() {
@@ -92,11 +87,10 @@ TEST(ParamValue, EachTargetTakesItsOwnRow) {
   }
 }
 
-template <class Target>
-Target valueOf(const Param& param, const char* key) {
-  Target target{};
-  EXPECT_EQ(Param_GetValue(param.get(), key, target), 1);
-  return target;
+CQLVariant stored(IParam* set, const char* key) {
+  CQLVariant value;
+  EXPECT_EQ(Param_GetValue(set, key, value), 1);
+  return value;
 }
 
 TEST(ParamValue, FiveKindsAreStored) {
@@ -110,16 +104,17 @@ TEST(ParamValue, FiveKindsAreStored) {
   Param_SetValue(set, "int", 4);  // in the place of the first
   EXPECT_EQ(set->GetCount(), 5u);
   EXPECT_STREQ(set->GetKey(2), "int");
-  EXPECT_EQ(valueOf<int>(param, "int"), 4);
-  EXPECT_STREQ(valueOf<CXString>(param, "narrow").text, "a");
-  EXPECT_STREQ(valueOf<CXString>(param, "string").text, "c");
-  EXPECT_STREQ(valueOf<CQLVariant>(param, "wide").value.wideString, L"b");
-  EXPECT_STREQ(valueOf<CQLVariant>(param, "stringW").value.wideString, L"d");
+  EXPECT_TRUE(stored(set, "int").tag == kQLInt && stored(set, "int").value.whole == 4);
+  EXPECT_STREQ(static_cast<const char*>(stored(set, "narrow")), "a");
+  EXPECT_STREQ(static_cast<const char*>(stored(set, "string")), "c");
+  EXPECT_STREQ(stored(set, "wide").value.wideString, L"b");
+  EXPECT_STREQ(stored(set, "stringW").value.wideString, L"d");
   EXPECT_EQ(set->HasKey("INT"), 0) << "keys are exact";
+  CXString text("before");
+  EXPECT_EQ(Param_GetValue(nullptr, "narrow", text), 0);
   Param_SetValue(set, "narrow", static_cast<const char*>(nullptr));
-  EXPECT_EQ(valueOf<CXString>(param, "narrow").GetLength(), 0);
-  int number = 4;
-  EXPECT_EQ(Param_GetValue<int>(nullptr, "int", number), 0);
+  EXPECT_EQ(Param_GetValue(set, "narrow", text), 1);
+  EXPECT_EQ(text.GetLength(), 0);
   EXPECT_EQ(set->RemoveKey("wide"), 1);
   EXPECT_STREQ(set->GetKey(1), "int");
 }
@@ -136,17 +131,16 @@ TEST(ParamValue, MemoryThatRunsOutLeavesTheSetAndNothingBehind) {
     odrxAllocFail(0, 0);
     EXPECT_STREQ(text.text, "before");
   }
-  EXPECT_STREQ(valueOf<CXString>(param, "10").text, kSource.bytes);
+  EXPECT_STREQ(static_cast<const char*>(stored(param.get(), "10")), kSource.bytes);
   EXPECT_EQ(odrxAllocCounts().liveBlocks, live);
   EXPECT_EQ(qlcoreHeldParams(), 1);
 }
 
 TEST(WideText, TakesTheCodePageOfTheCoreLibrary) {
-  const std::pair<UINT, const wchar_t*> cases[] = {// 0 is the ANSI page, 4711 falls back to it
-                                                   {1252, L"\u00C3\u00A9"},
-                                                   {65001, L"\u00E9"},
-                                                   {0, L"\u00C3\u00A9"},
-                                                   {4711, L"\u00C3\u00A9"}};
+  const wchar_t* const ansi = L"\u00C3\u00A9";
+  // 0 is the ANSI page, and an unknown one falls back to it.
+  const std::pair<UINT, const wchar_t*> cases[] = {
+      {1252, ansi}, {65001, L"\u00E9"}, {0, ansi}, {4711, ansi}};
   for (const auto& [codePage, expected] : cases) {
     qlcoreSetAnsiCodePage(codePage);
     EXPECT_STREQ(ulm::core::WideText("\xC3\xA9").get(), expected) << codePage;
@@ -174,12 +168,9 @@ TEST(WideText, OwnsItsTextInTheRuntimesMemory) {
   EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
 }
 
-TEST(StringNumber, LoadsFromTheLibrarysOwnResources) {
-  EXPECT_STREQ(CXStringW(UINT{40}).text, L"f\u00FCnf!");
+TEST(Strings, NumbersFoldersAndOwnText) {
+  EXPECT_STREQ(CXStringW(UINT{40}).text, L"f\u00FCnf!");  // of this program's own resources
   EXPECT_STREQ(CXStringW(UINT{41}).text, L"");
-}
-
-TEST(Strings, FoldersAndOwnText) {
   const char* const cases[][2] = {
       {"Z:\\a\\b.so", "Z:\\a"}, {"Z:\\b.so", "Z:"}, {"b.so", ""}, {"a/b\\", "a/b"}, {"", ""}};
   for (const auto& [name, folder] : cases) EXPECT_STREQ(CXString(name).FilePath().text, folder);
