@@ -116,8 +116,7 @@ TEST(Resources, AnyFileIsSafeToName) {
       }
     }
   }
-  EXPECT_EQ(FreeLibrary(copy), TRUE);
-  EXPECT_EQ(FreeLibrary(original), TRUE);
+  EXPECT_TRUE(FreeLibrary(copy) == TRUE && FreeLibrary(original) == TRUE);
 }
 
 }  // namespace
