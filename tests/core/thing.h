@@ -9,23 +9,14 @@
 class IThing : public IQLUnknown {
  public:
   virtual int Number() = 0;
-  virtual int Twice() = 0;
 
  protected:
   ~IThing() = default;
 };
 
-// Nobody implements this one.
-class IMissing : public IQLUnknown {
- protected:
-  ~IMissing() = default;
-};
-
 struct ThingLibrary {
   IQLUnknown* (*make)(int number);      // an object with one reference
   int (*numberOf)(IQLUnknown* object);  // by a checked query for IThing; raises CXIFaceException
-  void (*askForMissing)(IQLUnknown* object);  // the same for IMissing
-  const std::type_info* record;               // the library's own record of IThing
-  int (*liveThings)();
+  const std::type_info* record;         // the library's own record of IThing
 };
 using ThingLibraryEntry = const ThingLibrary*();

@@ -6,14 +6,10 @@
 
 namespace {
 
-int live = 0;
-
 class Thing final : public CQLUnknownImpl<IThing> {
  public:
-  explicit Thing(int number) noexcept : number_(number) { ++live; }
-  ~Thing() override { --live; }
+  explicit Thing(int number) noexcept : number_(number) {}
   int Number() override { return number_; }
-  int Twice() override { return 2 * number_; }
 
  private:
   int number_;
@@ -25,10 +21,7 @@ const ThingLibrary kLibrary = {
       const IfaceHolder<IThing> thing(Iface_QueryChecked<IThing>(object, true));
       return thing->Number();
     },
-    [](IQLUnknown* object) {
-      const IfaceHolder<IMissing> missing(Iface_QueryChecked<IMissing>(object, true));
-    },
-    &typeid(IThing), [] { return live; }};
+    &typeid(IThing)};
 
 }  // namespace
 

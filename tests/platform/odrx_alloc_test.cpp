@@ -1,9 +1,7 @@
 // The stand-in allocator: foreign blocks are caught, counts are right, failures come on request.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
-#include <memory>
 
 #include "platform/odrx/alloc.h"
 #include "platform/odrx/alloc_control.h"

@@ -2,20 +2,16 @@
 // layer's too.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <new>
-#include <string>
 
 #include "platform/win32/stand_in.h"
 #include "tests/platform/win32/sample_files.h"
 
 namespace {
-
 constexpr int kNever = -1;
 thread_local int allocationsLeft = kNever;
-
 }  // namespace
 
 void* operator new(std::size_t size) {
@@ -30,17 +26,6 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
-template <class Value>
-std::int64_t number(Value* pointer) {
-  return pointer != nullptr ? 1 : 0;
-}
-
-struct Call {
-  const char* name;
-  std::function<std::int64_t()> run;
-  std::int64_t failure;
-};
-
 using namespace ulm::win32::test;
 
 TEST(OutOfMemory, GivesTheFailureResult) {
@@ -48,46 +33,34 @@ TEST(OutOfMemory, GivesTheFailureResult) {
   char narrow[64];
   MEMORY_BASIC_INFORMATION information;
   const TestFolder folder;
-  writeFile(folder / "out_of_memory.ini", "[section of the file]\nkey of the section = 5");
-  const std::wstring profile = (folder / "out_of_memory.ini").wstring();
-  const Call calls[] = {
-      {"_wputenv", [] { return _wputenv(L"ULM_NAME_THAT_IS_LONG=a value that is long too"); }, -1},
-      {"GetModuleHandleW", [] { return number(GetModuleHandleW(L"ulmwin32.dll")); }, 0},
-      {"LoadLibraryW", [] { return number(LoadLibraryW(L"Win32_Sample.dll")); }, 0},
-      {"GetModuleHandleA", [] { return number(GetModuleHandleA("win32_sample.dll")); }, 0},
-      {"GetModuleFileNameW", [&] { return GetModuleFileNameW(nullptr, wide, 512); }, 0},
-      {"VirtualQuery",
-       [&] {
-         return VirtualQuery(GetModuleHandleW(L"ulmwin32"), &information, sizeof information);
-       },
-       0},
-      {"GetProcAddress",
-       [] { return number(GetProcAddress(GetModuleHandleW(L"Win32_Sample"), "sampleAnswer")); }, 0},
-      {"LoadStringA", [&] { return LoadStringA(GetModuleHandleW(L"Win32_Sample"), 7, narrow, 64); },
-       0},
-      {"GetFileVersionInfoW",
-       [&] { return GetFileVersionInfoW(L"Win32_Sample", 0, sizeof wide, wide); }, 0},
-      {"FreeLibrary", [] { return FreeLibrary(GetModuleHandleW(L"Win32_Sample")); }, 0},
-      {"GetPrivateProfileIntW",
-       [&] {
-         return GetPrivateProfileIntW(L"section of the file", L"key of the section", 3,
-                                      profile.c_str());
-       },
-       3},
-      {"ulmWin32OpenWindow", [] { return number(ulmWin32OpenWindow(L"a window's long class")); },
-       0}};
-  for (const Call& tested : calls) {
-    std::int64_t result = tested.failure;
+  writeFile(folder.path / "x.ini", "[section]\nkey = 5");
+  const std::wstring profile = (folder.path / "x.ini").wstring();
+  const auto sample = [] { return GetModuleHandleW(L"Win32_Sample"); };
+  // Whether a call gave anything but its failure result; in this order.
+  const std::function<bool()> calls[] = {
+      [] { return _wputenv(L"ULM_NAME_THAT_IS_LONG=a value that is long too") != -1; },
+      [] { return GetModuleHandleW(L"ulmwin32.dll") != nullptr; },
+      [] { return LoadLibraryW(L"Win32_Sample.dll") != nullptr; },
+      [] { return GetModuleHandleA("win32_sample.dll") != nullptr; },
+      [&] { return GetModuleFileNameW(nullptr, wide, 512) != 0; },
+      [&] { return VirtualQuery(sample(), &information, sizeof information) != 0; },
+      [&] { return GetProcAddress(sample(), "sampleAnswer") != nullptr; },
+      [&] { return LoadStringA(sample(), 7, narrow, 64) != 0; },
+      [&] { return GetFileVersionInfoW(L"Win32_Sample", 0, sizeof wide, wide) != FALSE; },
+      [&] { return FreeLibrary(sample()) != FALSE; },
+      [&] { return GetPrivateProfileIntW(L"section", L"key", 3, profile.c_str()) != 3; },
+      [] { return ulmWin32OpenWindow(L"a window's long class") != nullptr; }};
+  for (const auto& call : calls) {
+    bool succeeded = false;
     int failures = 0;
-    for (; result == tested.failure && failures < 1000; ++failures) {
+    for (; !succeeded && failures < 1000; ++failures) {
       allocationsLeft = failures;
-      result = tested.run();
+      succeeded = call();
       allocationsLeft = kNever;
     }
-    EXPECT_GT(failures, 1) << tested.name << " asks for no memory";
-    EXPECT_LT(failures, 1000) << tested.name;
+    EXPECT_TRUE(succeeded && failures > 1) << "call " << &call - calls << ": " << failures;
   }
-  EXPECT_EQ(GetModuleHandleW(L"Win32_Sample"), nullptr) << "a failed load kept a use";
+  EXPECT_EQ(sample(), nullptr) << "a failed load kept a use";
   EXPECT_EQ(GetEnvironmentVariableW(L"ULM_NAME_THAT_IS_LONG", wide, 512), 24u);
 }
 

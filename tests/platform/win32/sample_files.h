@@ -3,10 +3,12 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
+
+#include "platform/win32/win32.h"
 
 namespace ulm::win32::test {
 
@@ -14,29 +16,31 @@ inline std::filesystem::path sampleFile() {
   return std::filesystem::read_symlink("/proc/self/exe").replace_filename("Win32_Sample.so");
 }
 
-inline std::string readFile(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+inline std::wstring windowsName(const std::filesystem::path& file) {
+  std::wstring name = L"Z:" + file.wstring();
+  std::replace(name.begin(), name.end(), L'/', L'\\');
+  return name;
+}
+
+inline std::wstring fileNameOf(HMODULE module) {
+  wchar_t name[2048];
+  return {name, GetModuleFileNameW(module, name, 2048)};
 }
 
 inline void writeFile(const std::filesystem::path& file, const std::string& content) {
   std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }
 
-// A folder of this process's own, which goes with the object: other runs may be under way.
-class TestFolder {
- public:
-  TestFolder()
-      : path_(std::filesystem::temp_directory_path() / ("ulm_win32_" + std::to_string(getpid()))) {
-    std::filesystem::create_directories(path_);
-  }
-  ~TestFolder() { std::filesystem::remove_all(path_); }
-  TestFolder(const TestFolder&) = delete;
-  TestFolder& operator=(const TestFolder&) = delete;
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+// A folder of its own, which goes with the object: other runs may be under way.
+struct TestFolder {
+  static inline int made = 0;
+  const std::filesystem::path path =
+      std::filesystem::temp_directory_path() /
+      ("ulm_win32_" + std::to_string(getpid()) + '_' + std::to_string(++made));
 
- private:
-  std::filesystem::path path_;
+  TestFolder() { std::filesystem::create_directories(path); }
+  ~TestFolder() { std::filesystem::remove_all(path); }
+  TestFolder(const TestFolder&) = delete;
 };
 
 }  // namespace ulm::win32::test
