@@ -2,7 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
+#include <iomanip>
+#include <sstream>
 #include <string>
 
 #include "bignum/integer.h"
@@ -33,25 +34,20 @@ inline QLInteger patterned(std::uint32_t count, int kind, std::uint64_t seed, bo
 // "count capacity sign hex", a long magnitude as the FNV-1a step over its words. What breaks a rule
 // of the storage is told in its place.
 inline std::string stateOf(const QLInteger& value) {
-  std::string state = std::to_string(value.count) + ' ' + std::to_string(value.capacity) + ' ';
-  state += value.negative != 0 ? '-' : '+';
-  if (value.count == 0) return value.words == nullptr ? state : state + "words";
-  if (value.count > value.capacity) return state + "count above capacity";
-  char text[32];
-  if (value.count > 8) {
-    std::uint64_t mixed = 0;
-    for (std::uint32_t i = 0; i < value.count; ++i) {
-      mixed = (mixed ^ value.words[i]) * 0x100000001B3u;
-    }
-    std::snprintf(text, sizeof text, "#%016llX", static_cast<unsigned long long>(mixed));
-    return state + text;
+  std::ostringstream state;
+  state << value.count << ' ' << value.capacity << ' ' << (value.negative != 0 ? '-' : '+');
+  if (value.count == 0 && value.words != nullptr) state << "words";
+  if (value.count > value.capacity) return "count above capacity";
+  state << std::hex << std::uppercase << std::setfill('0');
+  std::uint64_t mixed = 0;
+  for (std::uint32_t i = 0; i < value.count; ++i) {
+    mixed = (mixed ^ value.words[i]) * 0x100000001B3u;
   }
-  for (std::uint32_t i = value.count; i-- > 0;) {
-    const char* format = i + 1 == value.count ? "%X" : "%08X";
-    std::snprintf(text, sizeof text, format, value.words[i]);
-    state += text;
+  if (value.count > 8) state << '#' << std::setw(16) << mixed;
+  for (std::uint32_t i = value.count; i-- > 0 && value.count <= 8;) {
+    state << std::setw(i + 1 == value.count ? 1 : 8) << value.words[i];
   }
-  return state;
+  return state.str();
 }
 
 // The rules that hold for every number in normal form.

@@ -410,7 +410,7 @@ def texts():
         a, d = rnd.sample(range(REGISTERS), 2)
         load(a, rnd.choice([1, 1, 2, 5, 31, 32, 33]))
         radix = 2 + i % 15
-        step("ToText", (a, radix), (), Text=to_text(regs[a].v, radix))
+        step("ToText", (a, radix), (), Result=to_text(regs[a].v, radix))
         if radix == 10:
             text = to_text(abs(regs[a].v), 10)
             from_text(regs[d], text)
