@@ -24,9 +24,7 @@ std::atomic<std::uint64_t> calls{0};
 std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
 std::atomic<std::uint64_t> failEnd{0};    // number of the first call that is served again
 
-std::uint64_t sealFor(BlockHeader* header) noexcept {
-  return kSeal ^ reinterpret_cast<std::uintptr_t>(header);
-}
+std::uint64_t sealFor(std::uintptr_t headerAddress) noexcept { return kSeal ^ headerAddress; }
 
 bool refusedOnRequest() noexcept {
   const std::uint64_t number = calls.fetch_add(1);
@@ -37,7 +35,7 @@ void* makeBlock(std::size_t bytes) noexcept {
   if (bytes > SIZE_MAX - sizeof(BlockHeader)) return nullptr;
   auto* header = static_cast<BlockHeader*>(std::malloc(sizeof(BlockHeader) + bytes));
   if (header == nullptr) return nullptr;
-  header->seal = sealFor(header);
+  header->seal = sealFor(reinterpret_cast<std::uintptr_t>(header));
   header->bytes = bytes;
   liveBlocks.fetch_add(1);
   liveBytes.fetch_add(bytes);
@@ -46,7 +44,7 @@ void* makeBlock(std::size_t bytes) noexcept {
 
 BlockHeader* headerOf(void* block) noexcept {
   BlockHeader* header = static_cast<BlockHeader*>(block) - 1;
-  if (header->seal != sealFor(header)) {
+  if (header->seal != sealFor(reinterpret_cast<std::uintptr_t>(header))) {
     std::fprintf(stderr, "odrxFree: the block %p is not from odrxAlloc or was freed before\n",
                  block);
     std::abort();

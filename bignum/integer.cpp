@@ -1,0 +1,145 @@
+// Storage, construction, sign and bits.
+#include "bignum/integer.h"
+
+#include <algorithm>
+#include <bit>
+#include <new>
+#include <utility>
+
+#include "bignum/detail/storage.h"
+
+namespace ulm::bignum {
+namespace {
+
+constexpr std::uint32_t kStorageStep = 32;
+
+// Words allocated for a request of n: the next multiple of 32, which must be a 32-bit quantity.
+std::uint32_t capacityFor(std::uint32_t n) {
+  if (n > RoundDownTo(UINT32_MAX, kStorageStep)) throw std::bad_alloc();
+  return RoundUpTo(n, kStorageStep);
+}
+
+}  // namespace
+
+QLInteger::QLInteger() : QLInteger(0) {}
+
+QLInteger::QLInteger(EmptyHolder) noexcept : count(0), capacity(0), words(nullptr), negative(0) {}
+
+QLInteger::QLInteger(std::int32_t number) : QLInteger(kEmptyHolder) { Assign(number); }
+
+QLInteger::QLInteger(const QLInteger& source) : QLInteger(kEmptyHolder) { Assign(source); }
+
+QLInteger::QLInteger(QLInteger&& source) noexcept : QLInteger(kEmptyHolder) { Swap(source); }
+
+QLInteger::QLInteger(std::uint32_t wordCount, Word fill) : QLInteger(kEmptyHolder) {
+  EnsureCount(wordCount);
+  std::fill_n(words, count, fill);
+}
+
+QLInteger::~QLInteger() { FreeWords(words); }
+
+QLInteger& QLInteger::operator=(const QLInteger& source) {
+  Assign(source);
+  return *this;
+}
+
+QLInteger QLInteger::fromInt64(std::int64_t number) {
+  const auto bits = static_cast<std::uint64_t>(number);
+  QLInteger made = fromUint64(number < 0 ? 0 - bits : bits);
+  if (number < 0) made.MakeNegative();
+  return made;
+}
+
+QLInteger QLInteger::fromUint64(std::uint64_t number) {
+  QLInteger made(2, 0);
+  made.words[0] = static_cast<Word>(number);
+  made.words[1] = static_cast<Word>(number >> kWordBits);
+  made.Normalise();
+  return made;
+}
+
+QLInteger QLInteger::fromText(const char* text) {
+  QLInteger made(kEmptyHolder);
+  FromText(made, text);
+  return made;
+}
+
+void QLInteger::Assign(const QLInteger& source) {
+  if (this == &source) return;
+  if (capacity < source.count) Reallocate(source.count, false);
+  count = source.count;
+  negative = source.negative;
+  std::copy_n(source.words, count, words);
+}
+
+void QLInteger::Assign(std::int32_t number) {
+  if (capacity == 0) Reallocate(1, false);
+  count = 1;
+  words[0] = detail::magnitudeOf(number);
+  negative = static_cast<std::uint8_t>(number < 0);
+}
+
+void QLInteger::Swap(QLInteger& other) noexcept {
+  std::swap(count, other.count);
+  std::swap(capacity, other.capacity);
+  std::swap(words, other.words);
+  std::swap(negative, other.negative);
+}
+
+void QLInteger::Reallocate(std::uint32_t wordCount, bool keep) {
+  const std::uint32_t newCapacity = capacityFor(std::max(wordCount, count));
+  if (keep) {
+    words = ResizeWords(words, newCapacity, count);
+  } else {
+    Word* fresh = AllocateWords(newCapacity);
+    FreeWords(words);
+    words = fresh;
+  }
+  capacity = newCapacity;
+}
+
+void QLInteger::EnsureCount(std::uint32_t n) {
+  if (count >= n) return;
+  if (capacity < n) Reallocate(n, true);
+  std::fill(words + count, words + n, Word{0});  // old digits may stand there
+  count = n;
+}
+
+void QLInteger::AppendZeroWord() { EnsureCount(count + 1); }
+
+void QLInteger::Normalise() noexcept {
+  while (count > 1 && words[count - 1] == 0) --count;
+}
+
+void QLInteger::Negate() noexcept {
+  if (IsNonZero()) negative ^= 1;
+}
+
+void QLInteger::MakeNegative() noexcept {
+  if (IsNonZero()) negative = 1;
+}
+
+std::uint32_t QLInteger::BitLength() const noexcept {
+  if (!IsNonZero()) return 0;
+  return kWordBits * (count - 1) + static_cast<std::uint32_t>(std::bit_width(words[count - 1]));
+}
+
+bool QLInteger::TestBit(std::uint32_t index) const noexcept {
+  const std::uint32_t word = index / kWordBits;
+  return word < count && ((words[word] >> (index % kWordBits)) & 1) != 0;
+}
+
+void QLInteger::SetBit(std::uint32_t index, bool on) noexcept {
+  const std::uint32_t word = index / kWordBits;
+  if (word >= count) return;
+  const Word mask = Word{1} << (index % kWordBits);
+  words[word] = on ? words[word] | mask : words[word] & ~mask;
+}
+
+QLInteger PowerOfTwo(std::uint32_t bit) {
+  QLInteger power(bit / kWordBits + 1, 0);  // (bit + 32) >> 5, without the sum that could wrap
+  power.SetBit(bit, true);
+  return power;
+}
+
+}  // namespace ulm::bignum

@@ -1,0 +1,274 @@
+// QLInteger: a signed integer of any size, a sign and a magnitude over 32-bit words.
+//
+// Operations that belong to one value are its members; those that name a destination or several
+// results are functions, and take by reference what they write. Operands that an operation does not
+// name as its destination or result stay unchanged.
+//
+// The storage is part of the promise: each operation tells the count and capacity it leaves.
+// Failure: the one exception is std::bad_alloc, when memory is short or a size passes 32 bits. The
+// operands are then unchanged, and a destination holds a valid value: its old one or one on the
+// way. Threads: any number may read a value; one that changes it must have it to itself. Sizes are
+// 32-bit quantities: a value has less than 2^32 bits, and the caller sees to it.
+#pragma once
+
+#include <compare>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "bignum/text.h"
+#include "bignum/words.h"
+
+namespace ulm::bignum {
+
+// Asks for a value that holds no number yet.
+struct EmptyHolder {};
+inline constexpr EmptyHolder kEmptyHolder{};
+
+// Normal form: count is at least 1, and the top word is not zero unless count is 1. Zero is count 1
+// with word 0 zero and negative 0. Every operation leaves normal form and asks it of its operands,
+// but for those that say otherwise. Words from count up to capacity mean nothing.
+//
+// The empty holder (count 0, capacity 0, words null, negative 0) is no number: it can be copied,
+// swapped and destroyed, and be the destination of Assign, the result of Divide, Remainder, ModPow
+// and FromText, and nothing else. A value that was moved from is one.
+class QLInteger {
+ public:
+  // The value, to be read by anyone; written only by those who keep the rules above.
+  std::uint32_t count;     // words in use
+  std::uint32_t capacity;  // words allocated: 0 or a multiple of 32
+  Word* words;             // owned, from odrxAlloc; the magnitude, least significant word first
+  std::uint8_t negative;   // 1 below zero, else 0
+
+  QLInteger();  // 0, capacity 32
+  explicit QLInteger(EmptyHolder) noexcept;
+  QLInteger(std::int32_t number);  // capacity 32; not explicit, so that small numbers are operands
+  // Storage is sized to the source's count, not to its capacity.
+  QLInteger(const QLInteger& source);
+  QLInteger(QLInteger&& source) noexcept;
+  // wordCount words, each equal to fill, not normalised; the empty holder for 0 words.
+  QLInteger(std::uint32_t wordCount, Word fill);
+  ~QLInteger();
+
+  // As Assign. There is no assignment by move: assignment keeps storage, it never shrinks it.
+  QLInteger& operator=(const QLInteger& source);
+
+  // Numbers from elsewhere: capacity 32 for these two, the storage of FromText for the third.
+  static QLInteger fromInt64(std::int64_t number);
+  static QLInteger fromUint64(std::uint64_t number);
+  static QLInteger fromText(const char* text);
+
+  // Copies count, sign and words. Storage is replaced, without its content, only if it is too
+  // small.
+  void Assign(const QLInteger& source);
+  // Reuses the storage; 32 words if there is none.
+  void Assign(std::int32_t number);
+  void Swap(QLInteger& other) noexcept;  // all four fields
+
+  // Storage by hand. None of these but Normalise takes words off, and they may leave zero top
+  // words.
+  //
+  // A fresh zeroed array for wordCount words, rounded up to a multiple of 32; with keep it gets the
+  // words in use. Only to grow: below count words it is as for count. count does not change.
+  void Reallocate(std::uint32_t wordCount, bool keep);
+  // Appends zero words until count is n; storage grows only if it must, keeping its content.
+  void EnsureCount(std::uint32_t n);
+  void AppendZeroWord();
+  // Takes off zero top words while count is above 1. The sign stays as it is.
+  void Normalise() noexcept;
+
+  bool IsNegative() const noexcept { return negative != 0; }
+  bool IsNonNegative() const noexcept { return negative == 0; }
+  bool IsNonZero() const noexcept { return count != 1 || words[0] != 0; }
+  bool IsPositive() const noexcept { return IsNonNegative() && IsNonZero(); }
+  bool IsEven() const noexcept { return count == 0 || (words[0] & 1) == 0; }
+  void Negate() noexcept;        // zero stays as it is
+  void MakeNegative() noexcept;  // zero stays as it is
+  Word SignWord() const noexcept { return IsNegative() ? 0xFFFFFFFFu : 0; }
+
+  // 0 for zero, else the position of the highest set bit, counted from 1.
+  std::uint32_t BitLength() const noexcept;
+  // The address of a word; no bound is looked at.
+  Word* WordPointer(std::int32_t index) noexcept { return words + index; }
+  const Word* WordPointer(std::int32_t index) const noexcept { return words + index; }
+  // Bits of the magnitude. One at or above 32 * count is clear, and setting it changes nothing; the
+  // value neither grows nor is it normalised, so clearing the top bit can leave normal form.
+  bool TestBit(std::uint32_t index) const noexcept;
+  void SetBit(std::uint32_t index, bool on) noexcept;
+
+  // -1, 0 or 1. Signs first, then magnitudes: the larger count, then words from the top down.
+  int Compare(const QLInteger& other) const noexcept;
+  int Compare(std::int32_t other) const noexcept;
+  int CompareMagnitude(const QLInteger& other) const noexcept;
+  int CompareMagnitude(std::uint32_t other) const noexcept;
+
+  // Signed sums: AddMagnitude or SubtractMagnitude, by the signs, with their storage. The operand
+  // may be the value itself.
+  QLInteger& operator+=(const QLInteger& operand);
+  QLInteger& operator-=(const QLInteger& operand);
+  // These append a zero word, work on the magnitude in place and normalise. Where the result
+  // reaches or crosses zero they are the operations above.
+  QLInteger& operator+=(std::int32_t operand);
+  QLInteger& operator-=(std::int32_t operand);
+  QLInteger& operator++() { return *this += 1; }
+  QLInteger& operator--() { return *this -= 1; }
+  QLInteger operator++(int);
+  QLInteger operator--(int);
+
+  // Products. A zero, and a product by +1, is assigned to the value as Assign does. Any other is
+  // built in fresh storage for count + operand.count words (count + 1 for the small operand), which
+  // replaces the old. The operand may be the value itself. Quadratic time with the plain kernel.
+  QLInteger& operator*=(const QLInteger& operand);
+  QLInteger& operator*=(std::int32_t operand);
+  // The remainder, in storage made fresh by Remainder below.
+  QLInteger& operator%=(const QLInteger& modulus);
+
+  // On the magnitude; the sign stays. Zero and a shift by 0 change nothing. count grows, before it
+  // is normalised, to ((bits + 31 + 32 * count) >> 5) + 1, and storage with it.
+  QLInteger& operator<<=(std::uint32_t bits);
+  // Truncates towards zero, in place.
+  QLInteger& operator>>=(std::uint32_t bits);
+};
+
+// 2 to the power `bit`, in (bit + 32) >> 5 words.
+QLInteger PowerOfTwo(std::uint32_t bit);
+
+// The destination's magnitude plus the operand's, not negative. First the destination gets one zero
+// word, or operand.count + 1 words where it has fewer words than the operand. With one object for
+// both it is shifted left by one bit instead, and keeps its sign.
+void AddMagnitude(QLInteger& destination, const QLInteger& operand);
+// The destination's magnitude less the operand's, with the sign that this has. In place, unless the
+// operand's magnitude is the larger: then in fresh storage sized to operand.count.
+void SubtractMagnitude(QLInteger& destination, const QLInteger& operand);
+
+// Truncating division: dividend = quotient * divisor + remainder, |remainder| < |divisor|, and the
+// remainder has the sign of the dividend. A divisor of zero gives quotient 0 and the dividend as
+// remainder, so that the first of these still holds.
+//   remainder  is assigned the dividend and worked on in place; if the dividend is 32 bits or more
+//              longer than the divisor its storage grows as for a left shift by 32 bits. It may be
+//              the dividend itself
+//   quotient   gets fresh storage for ((difference of the bit lengths) + 32) >> 5 words; 0, 1 and
+//   -1
+//              are assigned
+// No two of the operands may be one object but dividend and remainder. Quadratic time.
+void Divide(const QLInteger& dividend, const QLInteger& divisor, QLInteger& quotient,
+            QLInteger& remainder);
+void Divide(const QLInteger& dividend, std::int32_t divisor, QLInteger& quotient,
+            QLInteger& remainder);
+void Remainder(const QLInteger& dividend, const QLInteger& divisor, QLInteger& remainder);
+
+// Fresh values: a copy of the first operand, then the operation that changes it; a product is built
+// as for *=, with 32 words for a product of zero, and sized to count for a copy.
+QLInteger operator+(const QLInteger& a, const QLInteger& b);
+QLInteger operator-(const QLInteger& a, const QLInteger& b);
+QLInteger operator-(const QLInteger& a, std::int32_t b);
+QLInteger operator*(const QLInteger& a, const QLInteger& b);
+QLInteger operator*(const QLInteger& a, std::int32_t b);
+QLInteger operator/(const QLInteger& a, const QLInteger& b);
+QLInteger operator>>(const QLInteger& a, std::uint32_t bits);
+
+// Equal: the same count, sign and words.
+bool operator==(const QLInteger& a, const QLInteger& b) noexcept;
+bool operator==(const QLInteger& a, std::int32_t b) noexcept;
+inline bool operator<(const QLInteger& a, const QLInteger& b) noexcept { return a.Compare(b) < 0; }
+inline bool operator<(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) < 0; }
+inline bool operator<=(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) <= 0; }
+
+// ---- Modern use: each a line or two over the operations above.
+
+inline std::strong_ordering operator<=>(const QLInteger& a, const QLInteger& b) noexcept {
+  return a.Compare(b) <=> 0;
+}
+inline std::strong_ordering operator<=>(const QLInteger& a, std::int32_t b) noexcept {
+  return a.Compare(b) <=> 0;
+}
+
+inline void swap(QLInteger& a, QLInteger& b) noexcept { a.Swap(b); }
+
+// The text of ToText, in radix 2 to 16; empty for another.
+template <class Text = std::string>
+Text toText(const QLInteger& value, std::uint32_t radix = 10) {
+  // In radix 2 a digit a bit; a sign, a mark, the terminator and the byte that ToText leaves
+  // unused.
+  const std::uint32_t size = value.BitLength() + 5;
+  const auto buffer = std::make_unique<char[]>(size);
+  ToText(value, buffer.get(), size, radix);
+  return Text(buffer.get());
+}
+
+// Writes the text of ToText: in radix 16 or 8 where the stream is set to it, else in radix 10.
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                             const QLInteger& value) {
+  using Stream = std::basic_ostream<char, Traits>;
+  const auto base = out.flags() & Stream::basefield;
+  return out << toText(value, base == Stream::hex ? 16 : base == Stream::oct ? 8 : 10);
+}
+
+// The magnitude's bytes, without zero bytes on top and none for zero. Borrows the value.
+class ByteRange {
+ public:
+  class Iterator {
+   public:
+    using value_type = std::uint8_t;
+    using difference_type = std::ptrdiff_t;
+    using reference = std::uint8_t;
+    using pointer = void;
+    using iterator_category = std::input_iterator_tag;
+
+    Iterator(const Word* words, std::ptrdiff_t index, std::ptrdiff_t step) noexcept
+        : words_(words), index_(index), step_(step) {}
+    std::uint8_t operator*() const noexcept {
+      return static_cast<std::uint8_t>(words_[index_ / 4] >> (index_ % 4 * 8));
+    }
+    Iterator& operator++() noexcept {
+      index_ += step_;
+      return *this;
+    }
+    void operator++(int) noexcept { ++*this; }
+    bool operator==(const Iterator& other) const noexcept { return index_ == other.index_; }
+
+   private:
+    const Word* words_;
+    std::ptrdiff_t index_;
+    std::ptrdiff_t step_;
+  };
+
+  ByteRange(const QLInteger& value, bool highFirst) noexcept
+      : words_(value.words),
+        size_((std::ptrdiff_t{value.BitLength()} + 7) / 8),
+        highFirst_(highFirst) {}
+  Iterator begin() const noexcept {
+    return highFirst_ ? Iterator(words_, size_ - 1, -1) : Iterator(words_, 0, 1);
+  }
+  Iterator end() const noexcept {
+    return highFirst_ ? Iterator(words_, -1, -1) : Iterator(words_, size_, 1);
+  }
+  std::size_t size() const noexcept { return static_cast<std::size_t>(size_); }
+
+ private:
+  const Word* words_;
+  std::ptrdiff_t size_;
+  bool highFirst_;
+};
+
+inline ByteRange bytesLowFirst(const QLInteger& value) noexcept { return {value, false}; }
+inline ByteRange bytesHighFirst(const QLInteger& value) noexcept { return {value, true}; }
+
+}  // namespace ulm::bignum
+
+template <>
+struct std::hash<ulm::bignum::QLInteger> {
+  std::size_t operator()(const ulm::bignum::QLInteger& value) const noexcept {
+    std::uint64_t mixed = value.negative;  // the 64-bit FNV-1a step, a word at a time
+    for (std::uint32_t i = 0; i < value.count; ++i) {
+      mixed = (mixed ^ value.words[i]) * 0x100000001B3u;
+    }
+    return static_cast<std::size_t>(mixed ^ (mixed >> 32));
+  }
+};

@@ -1,0 +1,1 @@
+set(kernel_sources words.cpp multiply.cpp divide.cpp)
