@@ -11,36 +11,31 @@ namespace {
 constexpr std::uint32_t kBlockSize = 64;
 constexpr std::uint32_t kLengthPlace = 56;  // where the message's length stands in its last block
 
-// The word as 4 bytes, low byte first.
+// The word as 4 bytes, high byte first.
 void storeWord(std::uint8_t* bytes, std::uint32_t word) noexcept {
-  for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(word >> (8 * i));
+  for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(word >> (24 - 8 * i));
 }
 
-// Transforms sha.block, whose words are reversed already.
+// Reverses the words of sha.block and transforms it.
 void transformBlock(QLSHA& sha) noexcept {
   if (detail::shaPath() == detail::ShaPath::Instructions) {
-    detail::transformByInstructions(sha.state, sha.block, 1, sha.rotateSchedule != 0,
-                                    detail::WordOrder::LowFirst);
+    detail::transformByInstructions(sha.state, sha.block, 1, sha.rotateSchedule != 0);
+    ReverseWordBytes(sha.block, kBlockSize);  // a spent object too is the same on both paths
   } else {
+    ReverseWordBytes(sha.block, kBlockSize);
     detail::transformPortable(sha.state, sha.block, sha.rotateSchedule != 0);
   }
-}
-
-void reverseAndTransformBlock(QLSHA& sha) noexcept {
-  ReverseWordBytes(sha.block, kBlockSize);
-  transformBlock(sha);
 }
 
 // Transforms `blockCount` blocks of input. The instructions read them where they are.
 void transformInput(QLSHA& sha, const std::uint8_t* bytes, std::uint32_t blockCount) noexcept {
   if (detail::shaPath() == detail::ShaPath::Instructions) {
-    detail::transformByInstructions(sha.state, bytes, blockCount, sha.rotateSchedule != 0,
-                                    detail::WordOrder::HighFirst);
+    detail::transformByInstructions(sha.state, bytes, blockCount, sha.rotateSchedule != 0);
     return;
   }
   for (; blockCount != 0; --blockCount, bytes += kBlockSize) {
     std::memcpy(sha.block, bytes, kBlockSize);
-    reverseAndTransformBlock(sha);
+    transformBlock(sha);
   }
 }
 
@@ -71,7 +66,7 @@ void QLSHA::Update(const std::uint8_t* bytes, std::uint32_t length) {
     std::memcpy(block + blockFill, bytes, taken);
     blockFill += taken;
     if (blockFill < kBlockSize) return;
-    reverseAndTransformBlock(*this);
+    transformBlock(*this);
     bytes += taken;
     length -= taken;
   }
@@ -87,17 +82,16 @@ void QLSHA::Final(std::uint8_t* digest) {
   block[end] = 0x80;
   if (end >= kLengthPlace) {
     std::fill(block + end + 1, block + kBlockSize, std::uint8_t{0});
-    reverseAndTransformBlock(*this);
+    transformBlock(*this);
     std::fill(block, block + kLengthPlace, std::uint8_t{0});
   } else {
     std::fill(block + end + 1, block + kLengthPlace, std::uint8_t{0});
   }
-  ReverseWordBytes(block, kLengthPlace);
   storeWord(block + kLengthPlace, bitCountHigh);
   storeWord(block + kLengthPlace + 4, bitCountLow);
   transformBlock(*this);
-  ReverseWordBytes(state, sizeof state);
   for (int i = 0; i < 5; ++i) storeWord(digest + 4 * i, state[i]);
+  ReverseWordBytes(state, sizeof state);
 }
 
 QLMessageDigest* CreateSHA1() noexcept { return new QLSHA(true); }

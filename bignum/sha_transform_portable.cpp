@@ -1,7 +1,6 @@
 // The compression function of FIPS 180 and 180-1 in the language's own arithmetic, and the choice
 // between it and the processor's instructions.
 #include <atomic>
-#include <utility>
 
 #include "bignum/detail/sha_transform.h"
 #include "bignum/sha.h"
@@ -12,36 +11,47 @@ namespace {
 template <bool Rotate>
 void expandSchedule(std::uint32_t (&w)[80]) noexcept {
   for (int t = 16; t < 80; ++t) {
-    const std::uint32_t mixed = w[t - 3] ^ w[t - 8] ^ w[t - 14] ^ w[t - 16];
-    w[t] = Rotate ? RotateLeft(mixed, 1) : mixed;
+    const std::uint32_t sum = w[t - 3] ^ w[t - 8] ^ w[t - 14] ^ w[t - 16];
+    w[t] = Rotate ? RotateLeft(sum, 1) : sum;
   }
 }
 
-// One step. Instead of the values the places move: what is a in a step is b in the next.
-template <std::size_t T>
-void step(std::uint32_t (&v)[5], std::uint32_t word) noexcept {
-  const std::uint32_t a = v[(80 - T) % 5];
-  std::uint32_t& b = v[(81 - T) % 5];
-  const std::uint32_t c = v[(82 - T) % 5];
-  const std::uint32_t d = v[(83 - T) % 5];
-  std::uint32_t& e = v[(84 - T) % 5];
-  if constexpr (T < 20) {
-    e += (d ^ (b & (c ^ d))) + 0x5A827999;
-  } else if constexpr (T < 40) {
-    e += (b ^ c ^ d) + 0x6ED9EBA1;
-  } else if constexpr (T < 60) {
-    e += ((b & c) | (d & (b | c))) + 0x8F1BBCDC;
-  } else {
-    e += (b ^ c ^ d) + 0xCA62C1D6;
-  }
-  e += RotateLeft(a, 5) + word;
+// The steps of round `Round`, 0 to 3, differ in a function and a constant.
+template <int Round>
+constexpr std::uint32_t mixed(std::uint32_t b, std::uint32_t c, std::uint32_t d) noexcept {
+  if constexpr (Round == 0) return (d ^ (b & (c ^ d))) + 0x5A827999;
+  if constexpr (Round == 1) return (b ^ c ^ d) + 0x6ED9EBA1;
+  if constexpr (Round == 2) return ((b & c) | (d & (b | c))) + 0x8F1BBCDC;
+  if constexpr (Round == 3) return (b ^ c ^ d) + 0xCA62C1D6;
+}
+
+// One step, after which e is what the standards call a, a is b, and so on.
+template <int Round>
+[[gnu::always_inline]] inline void step(std::uint32_t a, std::uint32_t& b, std::uint32_t c,
+                                        std::uint32_t d, std::uint32_t& e,
+                                        std::uint32_t word) noexcept {
+  e += word + mixed<Round>(b, c, d) + RotateLeft(a, 5);
   b = RotateLeft(b, 30);
 }
 
-template <std::size_t... T>
-void allSteps(std::uint32_t (&v)[5], const std::uint32_t (&w)[80],
-              std::index_sequence<T...>) noexcept {
-  (step<T>(v, w[T]), ...);
+// Five steps, which bring each value back to its place.
+template <int Round>
+[[gnu::always_inline]] inline void fiveSteps(std::uint32_t (&v)[5],
+                                             const std::uint32_t* w) noexcept {
+  step<Round>(v[0], v[1], v[2], v[3], v[4], w[0]);
+  step<Round>(v[4], v[0], v[1], v[2], v[3], w[1]);
+  step<Round>(v[3], v[4], v[0], v[1], v[2], w[2]);
+  step<Round>(v[2], v[3], v[4], v[0], v[1], w[3]);
+  step<Round>(v[1], v[2], v[3], v[4], v[0], w[4]);
+}
+
+template <int Round>
+[[gnu::always_inline]] inline void twentySteps(std::uint32_t (&v)[5],
+                                               const std::uint32_t (&w)[80]) noexcept {
+  fiveSteps<Round>(v, w + 20 * Round);
+  fiveSteps<Round>(v, w + 20 * Round + 5);
+  fiveSteps<Round>(v, w + 20 * Round + 10);
+  fiveSteps<Round>(v, w + 20 * Round + 15);
 }
 
 constinit std::atomic<ShaPath> chosenPath{ShaPath::Unknown};
@@ -60,7 +70,10 @@ void transformPortable(std::uint32_t (&state)[5], const std::uint8_t* block, boo
     expandSchedule<false>(w);
   }
   std::uint32_t v[5] = {state[0], state[1], state[2], state[3], state[4]};
-  allSteps(v, w, std::make_index_sequence<80>());
+  twentySteps<0>(v, w);
+  twentySteps<1>(v, w);
+  twentySteps<2>(v, w);
+  twentySteps<3>(v, w);
   for (int i = 0; i < 5; ++i) state[i] += v[i];
 }
 
@@ -78,8 +91,8 @@ void setShaPath(ShaPath path) noexcept { chosenPath.store(path, std::memory_orde
 
 #ifndef ULM_SHA_INSTRUCTIONS
 bool haveShaInstructions() noexcept { return false; }
-void transformByInstructions(std::uint32_t (&)[5], const std::uint8_t*, std::size_t, bool,
-                             WordOrder) noexcept {}
+void transformByInstructions(std::uint32_t (&)[5], const std::uint8_t*, std::size_t,
+                             bool) noexcept {}
 #endif
 
 }  // namespace ulm::bignum::detail

@@ -52,8 +52,10 @@ struct Rounds {
 };
 
 template <bool Rotate>
-void transform(std::uint32_t (&state)[5], const std::uint8_t* blocks, std::size_t blockCount,
-               __m128i order) noexcept {
+void transform(std::uint32_t (&state)[5], const std::uint8_t* blocks,
+               std::size_t blockCount) noexcept {
+  // Lane 3 takes the first word, and its first byte is the highest: all 16 bytes reversed.
+  const __m128i order = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
   const auto load = [](const void* place) {
     return _mm_loadu_si128(static_cast<const __m128i*>(place));
   };
@@ -77,15 +79,11 @@ void transform(std::uint32_t (&state)[5], const std::uint8_t* blocks, std::size_
 }  // namespace
 
 void transformByInstructions(std::uint32_t (&state)[5], const std::uint8_t* blocks,
-                             std::size_t blockCount, bool rotate, WordOrder order) noexcept {
-  // Lane 3 takes the first word: with the high byte first, that is all 16 bytes reversed.
-  const __m128i mask = order == WordOrder::HighFirst
-                           ? _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15)
-                           : _mm_set_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
+                             std::size_t blockCount, bool rotate) noexcept {
   if (rotate) {
-    transform<true>(state, blocks, blockCount, mask);
+    transform<true>(state, blocks, blockCount);
   } else {
-    transform<false>(state, blocks, blockCount, mask);
+    transform<false>(state, blocks, blockCount);
   }
 }
 

@@ -10,13 +10,10 @@ namespace ulm::bignum::detail {
 // nothing but the state and the block.
 void transformPortable(std::uint32_t (&state)[5], const std::uint8_t* block, bool rotate) noexcept;
 
-// How the 4 bytes of a word lie in a block.
-enum class WordOrder { LowFirst, HighFirst };
-
-// The same on `blockCount` blocks one behind the other, by the processor's SHA instructions. Only
-// where haveShaInstructions().
+// The same on `blockCount` blocks one behind the other, as a message has them: each word high byte
+// first. By the processor's SHA instructions; only where haveShaInstructions().
 void transformByInstructions(std::uint32_t (&state)[5], const std::uint8_t* blocks,
-                             std::size_t blockCount, bool rotate, WordOrder order) noexcept;
+                             std::size_t blockCount, bool rotate) noexcept;
 
 // Whether they are built in and the processor has them. Asks the processor each time, which can be
 // slow.
