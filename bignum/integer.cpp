@@ -38,6 +38,7 @@ QLInteger::QLInteger(std::uint32_t wordCount, Word fill) : QLInteger(kEmptyHolde
 
 QLInteger::~QLInteger() { FreeWords(words); }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign looks for it
 QLInteger& QLInteger::operator=(const QLInteger& source) {
   Assign(source);
   return *this;

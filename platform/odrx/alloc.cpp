@@ -24,7 +24,9 @@ std::atomic<std::uint64_t> calls{0};
 std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
 std::atomic<std::uint64_t> failEnd{0};    // number of the first call that is served again
 
-std::uint64_t sealFor(std::uintptr_t headerAddress) noexcept { return kSeal ^ headerAddress; }
+std::uint64_t sealFor(BlockHeader* header) noexcept {
+  return kSeal ^ reinterpret_cast<std::uintptr_t>(header);
+}
 
 bool refusedOnRequest() noexcept {
   const std::uint64_t number = calls.fetch_add(1);
@@ -35,7 +37,7 @@ void* makeBlock(std::size_t bytes) noexcept {
   if (bytes > SIZE_MAX - sizeof(BlockHeader)) return nullptr;
   auto* header = static_cast<BlockHeader*>(std::malloc(sizeof(BlockHeader) + bytes));
   if (header == nullptr) return nullptr;
-  header->seal = sealFor(reinterpret_cast<std::uintptr_t>(header));
+  header->seal = sealFor(header);
   header->bytes = bytes;
   liveBlocks.fetch_add(1);
   liveBytes.fetch_add(bytes);
@@ -44,7 +46,7 @@ void* makeBlock(std::size_t bytes) noexcept {
 
 BlockHeader* headerOf(void* block) noexcept {
   BlockHeader* header = static_cast<BlockHeader*>(block) - 1;
-  if (header->seal != sealFor(reinterpret_cast<std::uintptr_t>(header))) {
+  if (header->seal != sealFor(header)) {
     std::fprintf(stderr, "odrxFree: the block %p is not from odrxAlloc or was freed before\n",
                  block);
     std::abort();

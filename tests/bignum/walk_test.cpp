@@ -3,7 +3,6 @@
 // well.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -18,113 +17,78 @@ namespace {
 
 using ulm::test::VectorBlock;
 
-class Walk {
- public:
-  Walk() {
-    inPlace("Assign", [](QLInteger& d, const QLInteger& a) { d.Assign(a); });
-    inPlace("Add", [](QLInteger& d, const QLInteger& a) { d += a; });
-    inPlace("Sub", [](QLInteger& d, const QLInteger& a) { d -= a; });
-    inPlace("Mul", [](QLInteger& d, const QLInteger& a) { d *= a; });
-    inPlace("Mod", [](QLInteger& d, const QLInteger& a) { d %= a; });
-    inPlace("AddMagnitude", [](QLInteger& d, const QLInteger& a) { AddMagnitude(d, a); });
-    inPlace("SubtractMagnitude", [](QLInteger& d, const QLInteger& a) { SubtractMagnitude(d, a); });
-    withSmall("AssignSmall", [](QLInteger& d, std::int32_t s) { d.Assign(s); });
-    withSmall("AddSmall", [](QLInteger& d, std::int32_t s) { s == 1 ? ++d : d += s; });
-    withSmall("SubSmall", [](QLInteger& d, std::int32_t s) { s == 1 ? --d : d -= s; });
-    withSmall("MulSmall", [](QLInteger& d, std::int32_t s) { d *= s; });
-    withSmall("Shl", [](QLInteger& d, std::int32_t s) { d <<= static_cast<std::uint32_t>(s); });
-    withSmall("Shr", [](QLInteger& d, std::int32_t s) { d >>= static_cast<std::uint32_t>(s); });
-    withSmall("Grow", [](QLInteger& d, std::int32_t s) {
-      d.Reallocate(static_cast<std::uint32_t>(s), true);
-    });
-    fresh("Plus", [](const QLInteger& a, const QLInteger& b) { return a + b; });
-    fresh("Minus", [](const QLInteger& a, const QLInteger& b) { return a - b; });
-    fresh("Times", [](const QLInteger& a, const QLInteger& b) { return a * b; });
-    fresh("Over", [](const QLInteger& a, const QLInteger& b) { return a / b; });
-    fresh("Pow", [](const QLInteger& a, const QLInteger& b) { return Pow(a, b); });
-    freshSmall("MinusSmall", [](const QLInteger& a, std::int32_t s) { return a - s; });
-    freshSmall("TimesSmall", [](const QLInteger& a, std::int32_t s) { return a * s; });
-    freshSmall("ShiftedRight", [](const QLInteger& a, std::int32_t s) {
-      return a >> static_cast<std::uint32_t>(s);
-    });
-    steps_["Empty"] = [this](VectorBlock&) { hold(arg(0), QLInteger(kEmptyHolder)); };
-    steps_["Set"] = [this](VectorBlock&) {
-      hold(arg(0), patterned(static_cast<std::uint32_t>(args_[1]), static_cast<int>(args_[2]),
-                             static_cast<std::uint64_t>(args_[3]), args_[4] != 0));
-    };
-    steps_["Swap"] = [this](VectorBlock&) { arg(0).Swap(arg(1)); };
-    steps_["Divide"] = [this](VectorBlock&) { Divide(arg(0), arg(1), arg(2), arg(3)); };
-    steps_["Remainder"] = [this](VectorBlock&) { Remainder(arg(0), arg(1), arg(2)); };
-    steps_["PowerOfTwo"] = [this](VectorBlock&) {
-      hold(arg(0), PowerOfTwo(static_cast<std::uint32_t>(args_[1])));
-    };
-    steps_["ModPow"] = [this](VectorBlock&) { ModPow(arg(0), arg(1), arg(2), arg(3)); };
-    steps_["ExtendedGcd"] = [this](VectorBlock&) {
-      EXPECT_TRUE(ExtendedGcd(arg(0), arg(1), arg(2), arg(3), arg(4)));
-    };
-    steps_["Gcd"] = [this](VectorBlock& block) {
-      EXPECT_EQ(Gcd(arg(0), arg(1), arg(2)), block.text("Result") == "1");
-    };
-    steps_["IntegerSqrt"] = [this](VectorBlock&) { hold(arg(0), IntegerSqrt(arg(1))); };
-    steps_["FromText"] = [this](VectorBlock& block) {
-      FromText(arg(0), block.text("Text").c_str());
-    };
-    steps_["ToText"] = [this](VectorBlock& block) {
-      const auto radix = static_cast<std::uint32_t>(args_[1]);
-      const std::string text = block.text("Text");
-      EXPECT_EQ(toText(arg(0), radix), text);
-      if (radix == 2 || radix == 8 || radix == 10 || radix == 16) {
-        EXPECT_EQ(QLInteger::fromText(text.c_str()), arg(0));
-      }
-    };
-  }
+// The values, and the arguments of a step as registers, small numbers and sizes.
+struct Walk {
+  QLInteger registers[8];
+  std::vector<std::string> expected = std::vector<std::string>(8, "1 32 +0");
+  std::vector<long long> args;
 
-  void run(VectorBlock& block) {
-    args_ = block.numbers("Args");
-    steps_.at(block.text("Op"))(block);
-    for (std::size_t i = 0; i < kRegisters; ++i) {
-      expected_[i] = block.find("R" + std::to_string(i)).value_or(expected_[i]);
-      ASSERT_EQ(stateOf(registers_[i]), expected_[i]) << "in register " << i;
-    }
-    block.expectAllUsed();
-  }
-
- private:
-  static constexpr std::size_t kRegisters = 8;
-
-  QLInteger& arg(std::size_t i) { return registers_[static_cast<std::size_t>(args_[i])]; }
-  static void hold(QLInteger& reg, QLInteger made) { reg.Swap(made); }
-  std::int32_t smallArg(std::size_t i) const { return static_cast<std::int32_t>(args_[i]); }
-
-  template <class Operation>
-  void inPlace(const char* name, Operation operation) {
-    steps_[name] = [this, operation](VectorBlock&) { operation(arg(0), arg(1)); };
-  }
-  template <class Operation>
-  void withSmall(const char* name, Operation operation) {
-    steps_[name] = [this, operation](VectorBlock&) { operation(arg(0), smallArg(1)); };
-  }
-  template <class Operation>
-  void fresh(const char* name, Operation operation) {
-    steps_[name] = [this, operation](VectorBlock&) { hold(arg(0), operation(arg(1), arg(2))); };
-  }
-  template <class Operation>
-  void freshSmall(const char* name, Operation operation) {
-    steps_[name] = [this, operation](VectorBlock&) {
-      hold(arg(0), operation(arg(1), smallArg(2)));
-    };
-  }
-
-  std::map<std::string, std::function<void(VectorBlock&)>> steps_;
-  std::vector<long long> args_;
-  QLInteger registers_[kRegisters];
-  std::vector<std::string> expected_ = std::vector<std::string>(kRegisters, "1 32 +0");
+  QLInteger& reg(std::size_t i) { return registers[static_cast<std::size_t>(args[i])]; }
+  std::int32_t small(std::size_t i) const { return static_cast<std::int32_t>(args[i]); }
+  std::uint32_t size(std::size_t i) const { return static_cast<std::uint32_t>(args[i]); }
+  void hold(QLInteger made) { reg(0).Swap(made); }
 };
+
+using Step = void (*)(Walk& w, VectorBlock& block);
+#define ULM_STEP(name, ...)                          \
+  {                                                  \
+    name, [](Walk& w, VectorBlock&) { __VA_ARGS__; } \
+  }
+const std::map<std::string, Step> kSteps = {
+    ULM_STEP("Empty", w.hold(QLInteger(kEmptyHolder))),
+    ULM_STEP("Set", w.hold(patterned(w.size(1), w.small(2), w.size(3), w.args[4] != 0))),
+    ULM_STEP("Assign", w.reg(0).Assign(w.reg(1))),
+    ULM_STEP("AssignSmall", w.reg(0).Assign(w.small(1))),
+    ULM_STEP("Swap", w.reg(0).Swap(w.reg(1))),
+    ULM_STEP("Grow", w.reg(0).Reallocate(w.size(1), true)),
+    ULM_STEP("Add", w.reg(0) += w.reg(1)),
+    ULM_STEP("Sub", w.reg(0) -= w.reg(1)),
+    ULM_STEP("Mul", w.reg(0) *= w.reg(1)),
+    ULM_STEP("Mod", w.reg(0) %= w.reg(1)),
+    ULM_STEP("Shl", w.reg(0) <<= w.size(1)),
+    ULM_STEP("Shr", w.reg(0) >>= w.size(1)),
+    ULM_STEP("AddMagnitude", AddMagnitude(w.reg(0), w.reg(1))),
+    ULM_STEP("SubtractMagnitude", SubtractMagnitude(w.reg(0), w.reg(1))),
+    ULM_STEP("AddSmall", w.small(1) == 1 ? ++w.reg(0) : w.reg(0) += w.small(1)),
+    ULM_STEP("SubSmall", w.small(1) == 1 ? --w.reg(0) : w.reg(0) -= w.small(1)),
+    ULM_STEP("MulSmall", w.reg(0) *= w.small(1)),
+    ULM_STEP("Plus", w.hold(w.reg(1) + w.reg(2))),
+    ULM_STEP("Minus", w.hold(w.reg(1) - w.reg(2))),
+    ULM_STEP("Times", w.hold(w.reg(1) * w.reg(2))),
+    ULM_STEP("Over", w.hold(w.reg(1) / w.reg(2))),
+    ULM_STEP("MinusSmall", w.hold(w.reg(1) - w.small(2))),
+    ULM_STEP("TimesSmall", w.hold(w.reg(1) * w.small(2))),
+    ULM_STEP("ShiftedRight", w.hold(w.reg(1) >> w.size(2))),
+    ULM_STEP("PowerOfTwo", w.hold(PowerOfTwo(w.size(1)))),
+    ULM_STEP("Divide", Divide(w.reg(0), w.reg(1), w.reg(2), w.reg(3))),
+    ULM_STEP("Remainder", Remainder(w.reg(0), w.reg(1), w.reg(2))),
+    ULM_STEP("Pow", w.hold(Pow(w.reg(1), w.reg(2)))),
+    ULM_STEP("ModPow", ModPow(w.reg(0), w.reg(1), w.reg(2), w.reg(3))),
+    ULM_STEP("ExtendedGcd", ExtendedGcd(w.reg(0), w.reg(1), w.reg(2), w.reg(3), w.reg(4))),
+    ULM_STEP("IntegerSqrt", w.hold(IntegerSqrt(w.reg(1)))),
+    {"Gcd",
+     [](Walk& w,
+        VectorBlock&
+            block) { EXPECT_EQ(Gcd(w.reg(0), w.reg(1), w.reg(2)), block.text("Result") == "1"); }},
+    {"FromText",
+     [](Walk& w, VectorBlock& block) { FromText(w.reg(0), block.text("Text").c_str()); }},
+    {"ToText", [](Walk& w, VectorBlock& block) {
+       const std::string text = block.text("Text");
+       EXPECT_EQ(toText(w.reg(0), w.size(1)), text);
+       EXPECT_TRUE(text.back() == '|' || QLInteger::fromText(text.c_str()) == w.reg(0));
+     }}};
+#undef ULM_STEP
 
 TEST(Walk, LeavesTheForetoldStates) {
   Walk walk;
   for (VectorBlock& block : ulm::test::readVectorBlocks(ULM_TEST_DATA "/bignum/walk.txt")) {
-    walk.run(block);
+    walk.args = block.numbers("Args");
+    kSteps.at(block.text("Op"))(walk, block);
+    for (std::size_t i = 0; i < 8; ++i) {
+      walk.expected[i] = block.find("R" + std::to_string(i)).value_or(walk.expected[i]);
+      EXPECT_EQ(stateOf(walk.registers[i]), walk.expected[i]) << "in register " << i;
+    }
+    block.expectAllUsed();
     ASSERT_FALSE(HasFailure()) << block.where();
   }
 }

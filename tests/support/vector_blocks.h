@@ -7,7 +7,6 @@
 #include <fstream>
 #include <map>
 #include <optional>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -19,17 +18,16 @@ namespace ulm::test {
 class VectorBlock {
  public:
   explicit VectorBlock(std::string where) : where_(std::move(where)) {}
-  void add(const std::string& key, std::string value) { values_[key] = std::move(value); }
-  bool empty() const { return values_.empty(); }
   const std::string& where() const { return where_; }  // file and line of the first key
+  void add(const std::string& key, std::string value) { unused_[key] = std::move(value); }
 
+  // Each key can be taken once.
   std::optional<std::string> find(const std::string& key) {
-    used_.insert(key);
-    const auto found = values_.find(key);
-    return found == values_.end() ? std::nullopt : std::optional(found->second);
+    const auto taken = unused_.extract(key);
+    return taken.empty() ? std::nullopt : std::optional(taken.mapped());
   }
   std::string text(const std::string& key) {
-    auto value = find(key);
+    const auto value = find(key);
     if (!value) throw std::runtime_error(where_ + ": no " + key);
     return *value;
   }
@@ -40,15 +38,12 @@ class VectorBlock {
     return read;
   }
   void expectAllUsed() const {
-    for (const auto& [key, value] : values_) {
-      EXPECT_TRUE(used_.count(key)) << where_ << ": nothing looks at " << key;
-    }
+    for (const auto& entry : unused_) ADD_FAILURE() << where_ << ": unused " << entry.first;
   }
 
  private:
   std::string where_;
-  std::map<std::string, std::string> values_;
-  std::set<std::string> used_;
+  std::map<std::string, std::string> unused_;
 };
 
 inline std::vector<VectorBlock> readVectorBlocks(const std::string& path) {
@@ -58,9 +53,9 @@ inline std::vector<VectorBlock> readVectorBlocks(const std::string& path) {
   bool open = false;
   std::string line;
   for (int number = 1; std::getline(file, line); ++number) {
-    const std::string where = path + ":" + std::to_string(number);
     if (line.empty()) open = false;
     if (line.empty() || line[0] == '#') continue;
+    const std::string where = path + ":" + std::to_string(number);
     const auto equals = line.find(" =");
     if (equals == std::string::npos) throw std::runtime_error(where + ": no ' ='");
     if (!open) blocks.emplace_back(where);

@@ -1,6 +1,6 @@
 // `ulmira num`: arithmetic on numbers of any size.
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <cstring>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -115,6 +115,7 @@ const std::map<std::string, Operation>& operations() {
 
 // FromText passes over what is no digit; a user's slip is not to go by unseen.
 QLInteger parseNumber(const std::string& text) {
+  if (text.find('\0') != std::string::npos) throw std::runtime_error("a zero byte in a number");
   const NumberText scanned = scanNumberText(text.c_str());
   for (const char* next = scanned.first; next != scanned.last; ++next) {
     if (DigitValue(*next, scanned.radix) < 0) {
@@ -168,19 +169,17 @@ Texts withoutOptions(const Texts& arguments, CLI::Option& radix) {
   Texts numbers;
   bool optionsOver = false;
   for (auto next = arguments.begin(); next != arguments.end(); ++next) {
-    if (optionsOver) {
-      numbers.push_back(*next);
-    } else if (*next == "--") {
+    if (!optionsOver && *next == "--") {
       optionsOver = true;
-    } else if (*next == "-h" || *next == "--help") {
+    } else if (!optionsOver && (*next == "-h" || *next == "--help")) {
       throw CLI::CallForHelp();
-    } else if (next->rfind("--radix", 0) == 0) {
-      const bool joined = next->rfind("--radix=", 0) == 0;
+    } else if (!optionsOver && (*next == "--radix" || next->rfind("--radix=", 0) == 0)) {
+      const bool joined = next->size() > std::strlen("--radix");
       if (!joined && std::next(next) == arguments.end()) {
         throw CLI::ArgumentMismatch::AtLeast("--radix", 1, 0);
       }
       radix.clear();
-      radix.add_result(joined ? next->substr(8) : *++next);
+      radix.add_result(joined ? next->substr(std::strlen("--radix=")) : *++next);
       radix.run_callback();
     } else {
       numbers.push_back(*next);
