@@ -15,4 +15,10 @@ void addHostCommand(CLI::App& app, int& status);
 // `ulmira num`: arithmetic on numbers of any size.
 void addNumCommand(CLI::App& app, int& status);
 
+// `ulmira digest`: checksums of files, written and checked.
+void addDigestCommand(CLI::App& app, int& status);
+
+// `ulmira rsa`: the RSA operation on one block.
+void addRsaCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools

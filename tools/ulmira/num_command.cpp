@@ -12,6 +12,7 @@
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
 #include "tools/ulmira/commands.h"
+#include "tools/ulmira/number_argument.h"
 
 namespace ulm::tools {
 namespace {
@@ -111,21 +112,6 @@ const std::map<std::string, Operation>& operations() {
       {"nextprime", numeric(1, primeFrom)},
       {"convert", numeric(1, [](const Operands& n) { return n[0]; })}};
   return table;
-}
-
-// FromText passes over what is no digit; a user's slip is not to go by unseen.
-QLInteger parseNumber(const std::string& text) {
-  if (text.find('\0') != std::string::npos) throw std::runtime_error("a zero byte in a number");
-  const NumberText scanned = scanNumberText(text.c_str());
-  for (const char* next = scanned.first; next != scanned.last; ++next) {
-    if (DigitValue(*next, scanned.radix) < 0) {
-      throw std::runtime_error("'" + std::string(1, *next) + "' at position " +
-                               std::to_string(next - text.c_str() + 1) + " of \"" + text +
-                               "\" is no digit of radix " + std::to_string(scanned.radix));
-    }
-  }
-  if (scanned.first == scanned.last) throw std::runtime_error("\"" + text + "\" has no digits");
-  return QLInteger::fromText(text.c_str());
 }
 
 // The numbers of the command line; a '-' stands for those of standard input, a line each.

@@ -1,0 +1,24 @@
+#include "tools/ulmira/number_argument.h"
+
+#include <stdexcept>
+
+#include "bignum/text.h"
+
+namespace ulm::tools {
+
+// FromText passes over what is no digit; a user's slip is not to go by unseen.
+bignum::QLInteger parseNumber(const std::string& text) {
+  if (text.find('\0') != std::string::npos) throw std::runtime_error("a zero byte in a number");
+  const bignum::NumberText scanned = bignum::scanNumberText(text.c_str());
+  for (const char* next = scanned.first; next != scanned.last; ++next) {
+    if (bignum::DigitValue(*next, scanned.radix) < 0) {
+      throw std::runtime_error("'" + std::string(1, *next) + "' at position " +
+                               std::to_string(next - text.c_str() + 1) + " of \"" + text +
+                               "\" is no digit of radix " + std::to_string(scanned.radix));
+    }
+  }
+  if (scanned.first == scanned.last) throw std::runtime_error("\"" + text + "\" has no digits");
+  return bignum::QLInteger::fromText(text.c_str());
+}
+
+}  // namespace ulm::tools
