@@ -78,8 +78,11 @@ class Progress {
   std::chrono::steady_clock::time_point last_;
 };
 
+// A file's name as people are told it.
+std::string told(const std::string& name) { return name == "-" ? "standard input" : name; }
+
 [[noreturn]] void throwLastError(const std::string& name) {
-  throw std::runtime_error(name + ": " + std::strerror(errno));
+  throw std::runtime_error(told(name) + ": " + std::strerror(errno));
 }
 
 // The digest of a file, or of standard input for "-", as hexadecimal digits.
@@ -211,7 +214,7 @@ bool checkList(const std::string& hash, const std::string& listName) {
   }
   if (list.bad()) throwLastError(listName);
   if (proper == 0)
-    throw std::runtime_error(listName + ": no properly formatted checksum lines found");
+    throw std::runtime_error(told(listName) + ": no properly formatted checksum lines found");
   warnOfCount(improper, "line is improperly formatted", "lines are improperly formatted");
   warnOfCount(unread, "listed file could not be read", "listed files could not be read");
   warnOfCount(different, "computed checksum did NOT match", "computed checksums did NOT match");

@@ -82,9 +82,9 @@ Bytes readBlock(const Arguments& given, std::size_t size) {
   const std::string name = given.file == "-" ? "standard input" : given.file;
   const Bytes block = readBytes(given.file == "-" ? std::cin : file, name, given.hexIn, size + 1);
   if (block.size() != size) {
-    throw std::runtime_error(
-        name + ": a block of this modulus has " + std::to_string(size) + " bytes, and " +
-        (block.size() > size ? "there are more" : "there are " + std::to_string(block.size())));
+    const std::string found = block.size() > size ? "more" : std::to_string(block.size());
+    throw std::runtime_error(name + ": a block of this modulus has " + std::to_string(size) +
+                             " bytes, and this one has " + found);
   }
   return block;
 }
