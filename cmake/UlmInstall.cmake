@@ -4,7 +4,7 @@
 include(CMakePackageConfigHelpers)
 
 get_property(exported GLOBAL PROPERTY ULM_EXPORTED)
-install(TARGETS ${exported} TD_Alloc_qld EXPORT UlmiraTargets
+install(TARGETS ${exported} TD_Root_qld TD_Alloc_qld ulmwin32 EXPORT UlmiraTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ulmira)
 install(EXPORT UlmiraTargets NAMESPACE Ulmira:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Ulmira)

@@ -19,7 +19,9 @@ WideText& WideText::operator=(const char* narrow) {
   if (size <= 0) return *this;
   const std::size_t bytes = static_cast<std::size_t>(size) * sizeof(wchar_t);
   text_.reset(static_cast<wchar_t*>(glue::allocate(bytes)));
-  if (text_ != nullptr) MultiByteToWideChar(codePage, 0, narrow, -1, text_.get(), size);
+  if (text_ != nullptr && MultiByteToWideChar(codePage, 0, narrow, -1, text_.get(), size) == 0) {
+    text_.reset();
+  }
   return *this;
 }
 

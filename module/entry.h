@@ -5,19 +5,14 @@
 #include <cstdint>
 
 #include "module/main_module.h"
-
-#ifdef _WIN32
-#define ULM_MAIN_API extern "C" __declspec(dllexport)
-#else
-#define ULM_MAIN_API extern "C" [[gnu::visibility("default")]]
-#endif
+#include "platform/win32/export.h"
 
 // Writes the API version of the runtime that the library was built against: 21, 8, 0, 0.
-ULM_MAIN_API void odrxGetAPIVersion(std::uint32_t* major, std::uint32_t* minor,
-                                    std::uint32_t* majorBuild, std::uint32_t* minorBuild);
+extern "C" ULM_EXPORT void odrxGetAPIVersion(std::uint32_t* major, std::uint32_t* minor,
+                                             std::uint32_t* majorBuild, std::uint32_t* minorBuild);
 
 // The module object, made at the first call and again after a finalRelease, with a count of 0. A
 // new object takes the instance handle out of the slot and leaves null there; an object that is
 // there leaves the slot alone. Where memory runs out: std::bad_alloc with the slot as it was, or,
 // when the process has a new-handler, null with the slot cleared after the handler was called once.
-ULM_MAIN_API OdRxModule* odrxCreateModuleObject(HINSTANCE* slot);
+extern "C" ULM_EXPORT OdRxModule* odrxCreateModuleObject(HINSTANCE* slot);

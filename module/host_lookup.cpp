@@ -30,6 +30,13 @@ Function* lookUp(std::atomic<Function*>& cache, HMODULE library, const char* nam
   return cache.load(std::memory_order_relaxed);
 }
 
+// An export of an instance that a host gave; a null instance has none. The platform would take null
+// for the program.
+template <class Function>
+Function* instanceEntry(HINSTANCE instance, const char* name) {
+  return instance != nullptr ? procedure<Function>(instance, name) : nullptr;
+}
+
 InstanceEntry* programInstanceEntry() {
   return procedure<InstanceEntry>(GetModuleHandleW(nullptr), "GetMainDllInstance");
 }
@@ -54,8 +61,8 @@ IApp* Host_GetApp() {
   if (getApp != nullptr) return getApp();
   if (InstanceEntry* mainInstance = programInstanceEntry()) {
     // A program with this export decides the matter: the core library is not asked then.
-    cachedGetApp.store(procedure<GetAppEntry>(mainInstance(), "GetApp"), std::memory_order_relaxed);
-    getApp = cachedGetApp.load(std::memory_order_relaxed);
+    getApp = instanceEntry<GetAppEntry>(mainInstance(), "GetApp");
+    cachedGetApp.store(getApp, std::memory_order_relaxed);
     return getApp != nullptr ? getApp() : nullptr;
   }
   return createAppByCore();
@@ -71,7 +78,7 @@ HINSTANCE Host_GetMainInstance() {
 }
 
 IHostObject* Host_GetHostObject() {
-  const auto function = procedure<FunctionEntry>(Host_GetMainInstance(), "get_host_funcptr");
+  const auto function = instanceEntry<FunctionEntry>(Host_GetMainInstance(), "get_host_funcptr");
   if (function == nullptr) return nullptr;
   const auto hostObject = reinterpret_cast<HostObjectEntry*>(function(kHostObjectSelector));
   return hostObject != nullptr ? hostObject() : nullptr;

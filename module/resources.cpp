@@ -6,10 +6,9 @@
 
 namespace {
 
-ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion(ULM_VERSION_MAJOR,
-                                                                 ULM_VERSION_MINOR,
-                                                                 ULM_VERSION_BUILD,
-                                                                 ULM_VERSION_REVISION);
+constexpr ulm::win32::VersionBlock::Numbers kNumbers{ULM_VERSION_MAJOR, ULM_VERSION_MINOR,
+                                                     ULM_VERSION_BUILD, ULM_VERSION_REVISION};
+ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion(kNumbers, kNumbers);
 
 struct Strings {
   ulm::win32::StringEntry<sizeof ulm::module::kLongName - 1> longName;

@@ -12,13 +12,15 @@ namespace {
 constexpr DWORD kNameSize = 2048;  // in characters
 constexpr DWORD kPathSize = 8320;
 
-// The folder of this library with a backslash behind it; empty where there is no instance.
+// The folder of this library with a backslash behind it; empty where the platform knows no instance
+// or no whole name of it. What a cut name starts with may be somebody else's folder.
 CXStringW moduleFolder() {
   CXStringW folder;
   const HINSTANCE instance = Module_GetInstance();
   if (instance == nullptr) return folder;
   wchar_t name[kNameSize + 1] = {};  // a cut name may come without a terminator
-  GetModuleFileNameW(instance, name, kNameSize);
+  const DWORD length = GetModuleFileNameW(instance, name, kNameSize);
+  if (length == 0 || length >= kNameSize) return folder;
   folder = CXStringW(CXString(name).FilePath().text);
   folder.ConcatCopy(L"\\", 1);
   return folder;

@@ -10,13 +10,21 @@ namespace {
 using AfxDllMain = int(HINSTANCE instance, int attached);
 constinit AfxDllMain* afxDllMain = nullptr;
 
+// A library comes up whatever becomes of its translation.
+void startTranslation(HINSTANCE instance) noexcept {
+  try {
+    ResTranslation_Init(instance);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the result would not be looked at either
+  }
+}
+
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) {
     ulm::glue::setInstance(instance);
     DisableThreadLibraryCalls(instance);
-    ResTranslation_Init(instance);
+    startTranslation(instance);
     afxDllMain = ulm::glue::procedure<AfxDllMain>(instance, "_QLAfxDllMain");
     if (afxDllMain != nullptr) afxDllMain(instance, 1);
   } else if (reason == DLL_PROCESS_DETACH) {

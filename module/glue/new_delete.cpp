@@ -3,6 +3,7 @@
 // the library holds no standard type whose storage is made inside the language's library.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 
 #include "module/glue/allocation.h"
@@ -18,12 +19,13 @@ constexpr std::size_t kPlainAlignment = 16;
 void* allocateAligned(std::size_t bytes, std::align_val_t wanted) {
   const auto alignment = static_cast<std::size_t>(wanted);
   if (alignment <= kPlainAlignment) return allocate(bytes);
-  if (bytes > SIZE_MAX - alignment - sizeof(void*)) throw std::bad_alloc();
-  void* whole = allocate(bytes + alignment + sizeof(void*));
+  const std::size_t extra = alignment + sizeof(void*);
+  // A size that would wrap is more than there can be: it fails by the same rule.
+  void* whole = allocate(bytes > SIZE_MAX - extra ? SIZE_MAX : bytes + extra);
   if (whole == nullptr) return nullptr;
-  const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(whole) + sizeof(void*);
-  const std::uintptr_t start = (first + alignment - 1) & ~(alignment - 1);
-  void* block = reinterpret_cast<void*>(start);
+  void* block = static_cast<void**>(whole) + 1;
+  std::size_t room = bytes + alignment;
+  block = std::align(alignment, bytes, block, room);  // there is room by the size of the whole
   static_cast<void**>(block)[-1] = whole;
   return block;
 }

@@ -16,17 +16,17 @@ Function* translationEntry(const char* name) noexcept {
 
 }  // namespace
 
-int ResTranslation_Init(HINSTANCE instance) noexcept {
+int ResTranslation_Init(HINSTANCE instance) {
   const auto entry = translationEntry<InstanceEntry>("_InitResTranslation");
   return entry != nullptr ? entry(instance) : 0;
 }
 
-int ResTranslation_DeInit(HINSTANCE instance) noexcept {
+int ResTranslation_DeInit(HINSTANCE instance) {
   const auto entry = translationEntry<InstanceEntry>("_DeInitResTranslation");
   return entry != nullptr ? entry(instance) : 0;
 }
 
-int ResTranslation_LoadString(HINSTANCE instance, UINT number, char* buffer, int size) noexcept {
+int ResTranslation_LoadString(HINSTANCE instance, UINT number, char* buffer, int size) {
   const auto entry = translationEntry<LoadStringEntry>("_LoadStringNotTrans");
   if (entry != nullptr) return entry(instance, number, buffer, size);
   return LoadStringA(instance, number, buffer, size);

@@ -5,13 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#ifdef _WIN32
-#define ULM_HOSTAPP_API extern "C" __declspec(dllexport)
-#else
-#define ULM_HOSTAPP_API extern "C" [[gnu::visibility("default")]]
-#endif
-
 enum class HostAppObject { App, Exterior, ProductInfo };
+
+// The calls that the application can be made to refuse with a CXException of the code 7.
+enum class HostAppCall { None, GetApp, QueryApp, QueryExterior, Publish };
 
 struct HostAppControl {
   // The record taken last: its keys in order, the values as UTF-8, the two product strings. -1
@@ -30,8 +27,7 @@ struct HostAppControl {
   void (*setPresent)(HostAppObject object, bool present);
   // Whether the application holds on to the record it took last; false gives up the one it holds.
   void (*keepRecord)(bool keep);
-  // Makes publishRecord raise a std::bad_alloc.
-  void (*throwAtPublish)(bool raise);
+  void (*throwAt)(HostAppCall call);
 };
 
 // The library's export that gives the table above.

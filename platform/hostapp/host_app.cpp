@@ -1,8 +1,6 @@
 // A small application: the objects that QlHostApp shows its add-ons.
 #include <array>
 #include <cstdint>
-#include <iterator>
-#include <new>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -10,9 +8,11 @@
 #include "core/iface/app.h"
 #include "core/iface/host_object.h"
 #include "core/iface/iparam.h"
+#include "module/glue/exceptions.h"
 #include "module/glue/instance.h"
 #include "platform/hostapp/control.h"
 #include "platform/qlcore/variant.h"
+#include "platform/win32/export.h"
 #include "platform/win32/stand_in.h"
 
 namespace {
@@ -37,7 +37,11 @@ void dropRecord() {
   if (keptRecord != nullptr) keptRecord->Release();
   keptRecord = nullptr;
 }
-bool throwsAtPublish = false;
+HostAppCall throwCall = HostAppCall::None;
+
+void refuse(HostAppCall call) {
+  if (call == throwCall) throw CXException(7);
+}
 
 std::size_t placeOf(HostAppObject object) { return static_cast<std::size_t>(object); }
 
@@ -47,6 +51,9 @@ class AppObject : public Interface {
  public:
   std::uint32_t AddRef() override { return static_cast<std::uint32_t>(++held[placeOf(Which)] + 1); }
   std::uint32_t Release() override {
+    constexpr const char* kLines[] = {"release IApp", "release IAppExterior",
+                                      "release IHostProductInfo"};
+    ulmWin32LogCall(kLines[placeOf(Which)]);
     return static_cast<std::uint32_t>(--held[placeOf(Which)] + 1);
   }
   std::int32_t QueryInterface(const std::type_info& wanted, void** outObject) override {
@@ -101,7 +108,7 @@ class ProductInfo final : public AppObject<IHostProductInfo, HostAppObject::Prod
 
   std::int32_t publishRecord(const char* vendor, const char* product, IParam* param) override {
     ulmWin32LogCall("publishRecord");
-    if (throwsAtPublish) throw std::bad_alloc();
+    refuse(HostAppCall::Publish);
     std::vector<Entry> taken;
     for (std::uint32_t i = 0; i < param->GetCount(); ++i) {
       CQLVariant value;
@@ -124,6 +131,7 @@ ProductInfo productInfo;
 
 class Exterior final : public AppObject<IAppExterior, HostAppObject::Exterior> {
   std::int32_t queryNext(const std::type_info& wanted, void** outObject) override {
+    refuse(HostAppCall::QueryExterior);
     const bool asked = Iface_SameRecord(wanted, typeid(IHostProductInfo));
     if (!asked || !present[placeOf(HostAppObject::ProductInfo)]) {
       return AppObject::queryNext(wanted, outObject);
@@ -135,6 +143,7 @@ Exterior exterior;
 
 class App final : public AppObject<IApp, HostAppObject::App> {
   std::int32_t queryNext(const std::type_info& wanted, void** outObject) override {
+    refuse(HostAppCall::QueryApp);
     const bool asked = Iface_SameRecord(wanted, typeid(IAppExterior));
     if (!asked || !present[placeOf(HostAppObject::Exterior)]) {
       return AppObject::queryNext(wanted, outObject);
@@ -164,6 +173,7 @@ class HostObject final : public IHostObject {
   void* hostOperation17() override { return nullptr; }
   void* hostOperation18() override { return nullptr; }
   void* hostOperation19() override { return nullptr; }
+  // A window is known by a number here. NOLINTNEXTLINE(performance-no-int-to-ptr)
   void* mainWindow() override { return reinterpret_cast<void*>(kHostAppMainWindow); }
 };
 HostObject hostObject;
@@ -183,22 +193,23 @@ const HostAppControl kControl = {
       keepsRecord = keep;
       if (!keep) dropRecord();
     },
-    [](bool raise) { throwsAtPublish = raise; },
+    [](HostAppCall call) { throwCall = call; },
 };
 
 }  // namespace
 
-ULM_HOSTAPP_API IApp* GetApp() {
+extern "C" ULM_EXPORT IApp* GetApp() {
+  refuse(HostAppCall::GetApp);
   if (!present[placeOf(HostAppObject::App)]) return nullptr;
   app.AddRef();
   return &app;
 }
 
-ULM_HOSTAPP_API HINSTANCE GetMainDllInstanceEx() { return Module_GetInstance(); }
+extern "C" ULM_EXPORT HINSTANCE GetMainDllInstanceEx() { return Module_GetInstance(); }
 
 // The function behind a selector: 2 gives the host object, any other nothing.
-ULM_HOSTAPP_API void* get_host_funcptr(int selector) {
+extern "C" ULM_EXPORT void* get_host_funcptr(int selector) {
   return selector == 2 ? reinterpret_cast<void*>(&giveHostObject) : nullptr;
 }
 
-ULM_HOSTAPP_API const HostAppControl* hostAppControl() { return &kControl; }
+extern "C" ULM_EXPORT const HostAppControl* hostAppControl() { return &kControl; }

@@ -22,6 +22,9 @@ ULM_HOSTCMD_API void hostcmdSetPresent(bool present) noexcept;
 
 enum class HostcmdThrow { Nothing, CXExceptionCode7, IFaceException, ForeignInt };
 
+// In the place of an index: get_hostLangEngineMan itself.
+inline constexpr std::size_t kHostcmdThrowAtGet = static_cast<std::size_t>(-1);
+
 // Makes the call with that index, counted from the library's start, raise an exception once it has
 // been noted.
 ULM_HOSTCMD_API void hostcmdThrowAt(std::size_t index, HostcmdThrow what) noexcept;

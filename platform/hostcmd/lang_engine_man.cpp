@@ -23,6 +23,19 @@ int result = 1;
 std::size_t throwIndex = 0;
 HostcmdThrow throwWhat = HostcmdThrow::Nothing;
 
+void raise(HostcmdThrow what) {
+  switch (what) {
+    case HostcmdThrow::Nothing:
+      return;
+    case HostcmdThrow::CXExceptionCode7:
+      throw CXException(7);
+    case HostcmdThrow::IFaceException:
+      throw CXIFaceException(typeid(IApp));
+    case HostcmdThrow::ForeignInt:
+      throw 7;
+  }
+}
+
 class RecordingManager final : public hostLangEngineMan {
  public:
   int hostOperation1() override { return 0; }
@@ -37,26 +50,15 @@ class RecordingManager final : public hostLangEngineMan {
     if (index == throwIndex) raise(throwWhat);
     return result;
   }
-
- private:
-  static void raise(HostcmdThrow what) {
-    switch (what) {
-      case HostcmdThrow::Nothing:
-        return;
-      case HostcmdThrow::CXExceptionCode7:
-        throw CXException(7);
-      case HostcmdThrow::IFaceException:
-        throw CXIFaceException(typeid(IApp));
-      case HostcmdThrow::ForeignInt:
-        throw 7;
-    }
-  }
 };
 RecordingManager manager;
 
 }  // namespace
 
-hostLangEngineMan* get_hostLangEngineMan() { return present ? &manager : nullptr; }
+hostLangEngineMan* get_hostLangEngineMan() {
+  if (throwIndex == kHostcmdThrowAtGet) raise(throwWhat);
+  return present ? &manager : nullptr;
+}
 
 std::size_t hostcmdLoadCount() noexcept { return loads.size(); }
 HostcmdLoad hostcmdLoad(std::size_t index) noexcept {

@@ -8,6 +8,7 @@
 #include "platform/qlcore/control.h"
 #include "platform/qlcore/services.h"
 #include "platform/qlcore/variant.h"
+#include "platform/win32/stand_in.h"
 
 namespace {
 
@@ -27,6 +28,7 @@ class MemParam final : public IParam {
     return ++references_;
   }
   std::uint32_t Release() override {
+    ulmWin32LogCall("release IParam");
     --heldParams;
     const std::uint32_t left = --references_;
     if (left == 0) delete this;

@@ -10,7 +10,7 @@
 
 #include "platform/qlcore/detail/text.h"
 
-using namespace ulm::qlcore;  // the text helpers
+using namespace ulm::qlcore;  // what both kinds of text share
 
 namespace {
 
@@ -39,7 +39,9 @@ CXString::CXString(const CXString& other) : text(kEmpty) { *this = other.text; }
 CXString::CXString(CXString&& other) noexcept : text(std::exchange(other.text, kEmpty)) {}
 CXString::~CXString() { replaceText<char>(text, kEmpty, nullptr); }
 
-CXString& CXString::operator=(const CXString& other) { return *this = other.text; }
+CXString& CXString::operator=(const CXString& other) {
+  return this != &other ? *this = other.text : *this;
+}
 CXString& CXString::operator=(CXString&& other) noexcept {
   std::swap(text, other.text);
   return *this;

@@ -6,7 +6,7 @@
 
 #include "platform/qlcore/detail/text.h"
 
-using namespace ulm::qlcore;  // the text helpers
+using namespace ulm::qlcore;  // what both kinds of text share
 
 namespace {
 

@@ -35,10 +35,12 @@ struct VersionBlock {
   std::uint32_t fileSubtype = 0;
   std::uint32_t date[2] = {0, 0};
 
-  constexpr VersionBlock(std::uint16_t first, std::uint16_t second, std::uint16_t third,
-                         std::uint16_t fourth) noexcept
-      : fileVersion{pair(first, second), pair(third, fourth)},
-        productVersion{pair(first, second), pair(third, fourth)} {}
+  struct Numbers {
+    std::uint16_t first, second, third, fourth;
+  };
+  constexpr VersionBlock(const Numbers& file, const Numbers& product) noexcept
+      : fileVersion{pair(file.first, file.second), pair(file.third, file.fourth)},
+        productVersion{pair(product.first, product.second), pair(product.third, product.fourth)} {}
 
  private:
   static constexpr std::uint32_t pair(std::uint32_t high, std::uint32_t low) noexcept {

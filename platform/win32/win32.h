@@ -136,7 +136,9 @@ ULM_WIN32_API SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION*
 // in ulmWin32LoadError (stand_in.h). A library that GetModuleHandleW finds under the name is meant
 // before any file; else a bare name is looked for in the program's folder, a name without a dot
 // gets .dll, and where there is no file NAME.dll, NAME.so is taken. An exception that leaves an
-// initialiser of the library ends here and is a failure: the library goes again.
+// initialiser of the library ends here and is a failure: the library goes again. The system's
+// loader then stays locked to this thread: other threads can load and unload nothing any more, so a
+// host that goes on after such a failure does so in one thread.
 ULM_WIN32_API HMODULE LoadLibraryW(const wchar_t* fileName);
 
 // Gives one use of a library back; with the last it leaves the process. FALSE where `module` is

@@ -11,6 +11,8 @@
 #include "module/glue/procedure.h"
 #include "module/glue/translation.h"
 #include "module/host_lookup.h"
+#include "platform/win32/export.h"
+#include "platform/win32/stand_in.h"
 #include "platform/win32/win32.h"
 #include "tests/support/script.h"
 
@@ -92,7 +94,10 @@ int interfaceException() {
 }  // namespace
 
 #ifdef ULM_PROBE_EXPORTS_INSTANCE
-extern "C" [[gnu::visibility("default")]] HINSTANCE GetMainDllInstance() { return mainInstance; }
+extern "C" ULM_EXPORT HINSTANCE GetMainDllInstance() { return mainInstance; }
+// What a null main instance must not lead to.
+extern "C" ULM_EXPORT IApp* GetApp() { return &probeApp; }
+extern "C" ULM_EXPORT void* get_host_funcptr(int) { return reinterpret_cast<void*>(&GetApp); }
 #endif
 
 int main(int argc, char** argv) {
@@ -104,6 +109,9 @@ int main(int argc, char** argv) {
        {"main",
         [](const std::string& name) { mainInstance = GetModuleHandleW(wide(name).c_str()); }},
        {"register", registerClass},
+       {"log", [](const std::string&) { ulmWin32StartCallLog(); }},
+       {"again", [](const std::string&) { Host_GetApp(); }},
+       {"print-log", [](const std::string&) { std::cout << ulmWin32CallLog(); }},
        {"app", [](const std::string&) { say("app ", makerOf(Host_GetApp())); }},
        {"references", [](const std::string&) { say("references ", probeApp.references); }},
        {"instance",

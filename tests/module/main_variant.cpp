@@ -11,6 +11,8 @@
 #include "module/glue/load_order.h"
 #include "module/glue/switch_flags.h"
 #include "platform/odrx/alloc_control.h"
+#include "platform/win32/export.h"
+#include "platform/win32/resource_block.h"
 #include "platform/win32/stand_in.h"
 
 // The sized forms, which some compilers declare only on request.
@@ -20,18 +22,16 @@ void operator delete[](void* block, std::size_t bytes, std::align_val_t alignmen
 
 namespace {
 
+// A product version at its edges, and another version of the file.
+ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion({9, 9, 9, 9}, {0, 65535, 0, 7});
+
 // Stands where the facilities' constants stand in the load order.
 class Constant {
  public:
-  Constant() {
-    ulmWin32LogCall(flagsAreSet() ? "constant made after flags" : "constant made first");
-  }
+  Constant() { ulmWin32LogCall("constant made"); }
   ~Constant() { ulmWin32LogCall("constant destroyed"); }
   Constant(const Constant&) = delete;
   Constant& operator=(const Constant&) = delete;
-
- private:
-  static bool flagsAreSet() { return static_cast<bool>(ulm::glue::defecateFlag); }
 };
 [[gnu::init_priority(ulm::glue::kInitConstants)]] const Constant constant;
 
@@ -66,19 +66,19 @@ bool formWorks(const Form& form, bool failing) {
 
 }  // namespace
 
-ULM_VARIANT_API int _QLAfxDllMain(HINSTANCE instance, int attached) {
+extern "C" ULM_EXPORT int _QLAfxDllMain(HINSTANCE instance, int attached) {
   const bool own = instance == Module_GetInstance();
   ulmWin32LogCall(!own ? "afx with a foreign instance" : attached != 0 ? "afx 1" : "afx 0");
   return 0;
 }
 
-ULM_VARIANT_API unsigned variantFlags() {
+extern "C" ULM_EXPORT unsigned variantFlags() {
   using namespace ulm::glue;
   return (assertFlag ? 1u : 0u) | (addJumpFlag ? 2u : 0u) | (removeJumpFlag ? 4u : 0u) |
          (defecateFlag ? 8u : 0u);
 }
 
-ULM_VARIANT_API const char* variantTryNew(bool failing) {
+extern "C" ULM_EXPORT const char* variantTryNew(bool failing) {
   const std::align_val_t plain{8}, strict{64};
   const std::nothrow_t& quiet = std::nothrow;
   using Block = void*;

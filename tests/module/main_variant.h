@@ -1,12 +1,6 @@
 // What the variant of the module library exports beside its entry points.
 #pragma once
 
-#ifdef _WIN32
-#define ULM_VARIANT_API extern "C" __declspec(dllexport)
-#else
-#define ULM_VARIANT_API extern "C" [[gnu::visibility("default")]]
-#endif
-
 // The four switch flags as they were set at load: assert, add-jump, remove-jump, defecate, as bits
 // 0 to 3.
 using VariantFlags = unsigned();

@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "module/entry.h"
@@ -16,9 +17,11 @@
 #include "platform/win32/win32.h"
 #include "tests/module/main_variant.h"
 #include "tests/support/script.h"
+#include "tools/host/host_calls.h"
 
 namespace {
 
+using namespace ulm::tools;  // what hosts call
 using ulm::test::say;
 
 HMODULE library = nullptr;
@@ -26,57 +29,15 @@ OdRxModule* object = nullptr;
 HINSTANCE slot = nullptr;
 const HostAppControl* application = nullptr;
 int handlerCalls = 0;
-std::vector<std::int64_t> marked;
-
-std::wstring wide(const std::string& text) {
-  std::wstring made(text.size() + 1, L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), static_cast<int>(made.size()));
-  return made.c_str();
-}
-
-std::string narrow(const wchar_t* text) {
-  std::string made(std::wcslen(text) * 4 + 1, '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), static_cast<int>(made.size()), nullptr,
-                      nullptr);
-  return made.c_str();
-}
-
-std::wstring variable(const wchar_t* name) {
-  std::wstring value(40000, L'\0');
-  GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
-  return value.c_str();
-}
-
-template <class Function>
-Function* entry(const char* name) {
-  return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
-}
-
-std::wstring modulePathText() {
-  wchar_t name[4096] = {};
-  GetModuleFileNameW(library, name, 4095);
-  return name;
-}
+std::vector<Balance> marked;
 
 // The folder of the library as it stands on PATH.
 std::wstring folderText() {
-  const std::wstring path = modulePathText();
+  const std::wstring path = moduleName(library);
   return path.substr(0, path.rfind(L'\\') + 1);
 }
 
-std::vector<std::int64_t> balance() {
-  std::vector<std::int64_t> counts{qlcoreHeldParams(),
-                                   static_cast<std::int64_t>(odrxAllocCounts().liveBlocks)};
-  for (int i = 0; i < 3 && application != nullptr; ++i) {
-    counts.push_back(application->heldReferences(static_cast<HostAppObject>(i)));
-  }
-  return counts;
-}
-
-const char* balanceWord() {
-  qlcoreForgetWlds();
-  return balance() == marked ? "balanced" : "unbalanced";
-}
+bool balanced() { return takeBalance(application) == marked; }
 
 // What a call gave, or what it raised.
 template <class Call>
@@ -96,11 +57,11 @@ std::string create() {
   return outcome([]() -> std::string {
     slot = slot == nullptr ? library : slot;
     OdRxModule* const before = object;
-    object = entry<decltype(odrxCreateModuleObject)>("odrxCreateModuleObject")(&slot);
-    const std::string slotText = slot == nullptr ? ", slot cleared" : ", slot kept";
+    object = exportOf<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject")(&slot);
+    const std::string slotText = slot == nullptr ? " object, slot cleared" : " object, slot kept";
     if (object == nullptr) return "null" + slotText;
-    return (object == before ? "same" : "fresh") + slotText + ", references " +
-           std::to_string(object->numRefs());
+    return (object == before ? "same" : "fresh") + slotText + ", " +
+           std::to_string(object->numRefs()) + " references";
   });
 }
 
@@ -121,7 +82,7 @@ std::string sweep(std::string (*call)(), void (*undo)()) {
     odrxAllocFail(0, 0);
     undo();
     const bool reached = odrxAllocCounts().calls > callsBefore + n;
-    if (balance() != marked && (qlcoreForgetWlds(), balance() != marked)) last += " unbalanced";
+    if (!balanced()) last += " unbalanced";
     if (!reached) break;
     if (std::find(outcomes.begin(), outcomes.end(), last) == outcomes.end())
       outcomes.push_back(last);
@@ -142,29 +103,38 @@ void printRecord() {
 void printLoads() {
   for (std::size_t i = 0; i < hostcmdLoadCount(); ++i) {
     const HostcmdLoad load = hostcmdLoad(i);
-    say(narrow(load.file), ' ', narrow(load.engine), ' ', load.number);
+    say(toUtf8(load.file), ' ', toUtf8(load.engine), ' ', load.number);
   }
 }
 
 void load(const std::string& file) {
-  library = LoadLibraryW(wide(file).c_str());
+  library = LoadLibraryW(toWide(file).c_str());
   if (library == nullptr) say("not loaded: ", ulmWin32LoadError());
 }
 
 void unload() {
-  const std::wstring path = modulePathText();
+  const std::wstring path = moduleName(library);
   FreeLibrary(library);
   ulmWin32StopCallLog();
   say(GetModuleHandleW(path.c_str()) == nullptr ? "gone" : "still there");
+}
+
+// The log, with the library's folder as {folder}.
+void printLog() {
+  static const std::string folder = toUtf8(folderText().c_str());  // while it is loaded
+  std::string log = ulmWin32CallLog();
+  const std::size_t at = log.find(folder);
+  if (at != std::string::npos) log.replace(at, folder.size(), "{folder}");
+  std::cout << log;
 }
 
 std::wstring keptPath;  // what fillPath made
 
 // PATH as a row can state it, whatever folder the library lies in.
 void printPath() {
-  std::wstring path = variable(L"PATH");
+  std::wstring path = environmentVariable(L"PATH");
   if (!keptPath.empty() && path == keptPath) return say("PATH {kept}");
-  if (path.size() > 1000) return say("PATH ", path.size(), " characters");
+  const std::size_t characters = path.size();
   const std::wstring folder = folderText();
   const auto name = [&](const std::wstring& text, const wchar_t* with) {
     const std::size_t at = path.find(text);
@@ -172,13 +142,14 @@ void printPath() {
   };
   name(folder, L"{folder}");
   name(folder.substr(0, folder.size() - 1), L"{bare}");
-  say("PATH ", narrow(path.c_str()));
+  if (path.size() > 1000) return say("PATH ", characters, " characters");
+  say("PATH ", toUtf8(path.c_str()));
 }
 
 // Sets PATH from a text in which {folder} stands for the library's and {bare} for that without its
 // backslash.
 void setPath(const std::string& text) {
-  std::wstring value = wide(text);
+  std::wstring value = toWide(text);
   const std::wstring folder = folderText();
   const auto put = [&](const std::wstring& mark, const std::wstring& with) {
     const std::size_t at = value.find(mark);
@@ -197,7 +168,7 @@ void fillPath(const std::string& length) {
 }
 
 void tryNew() {
-  const auto attempt = entry<VariantTryNew>("variantTryNew");
+  const auto attempt = exportOf<VariantTryNew>(library, "variantTryNew");
   for (const bool failing : {false, true}) {
     const char* fault = attempt(failing);
     say(fault == nullptr ? "all forms right" : fault);
@@ -211,12 +182,9 @@ int main(int argc, char** argv) {
   return ulm::test::runSteps(
       {{"take",
         [](Value file) {
-          const HMODULE taken = LoadLibraryW(wide(file).c_str());
-          const FARPROC control = GetProcAddress(taken, kHostAppControlEntry);
-          if (control != nullptr) {
-            application =
-                reinterpret_cast<HostAppControlEntry*>(reinterpret_cast<void (*)()>(control))();
-          }
+          const HMODULE taken = LoadLibraryW(toWide(file).c_str());
+          const auto control = exportOf<HostAppControlEntry>(taken, kHostAppControlEntry);
+          if (control != nullptr) application = control();
         }},
        {"hide",
         [](Value which) {
@@ -224,7 +192,8 @@ int main(int argc, char** argv) {
         }},
        {"keep-record", [](Value) { application->keepRecord(true); }},
        {"drop-record", [](Value) { application->keepRecord(false); }},
-       {"throw-at-publish", [](Value) { application->throwAtPublish(true); }},
+       {"refuse",
+        [](Value call) { application->throwAt(static_cast<HostAppCall>(call[0] - '0')); }},
        {"no-manager", [](Value) { hostcmdSetPresent(false); }},
        {"load-result", [](Value result) { hostcmdSetResult(std::stoi(result)); }},
        {"throw-at",
@@ -236,19 +205,20 @@ int main(int argc, char** argv) {
        {"handler", [](Value) { std::set_new_handler([] { ++handlerCalls; }); }},
        {"handler-calls", [](Value) { say("handler calls ", handlerCalls); }},
        {"fail", [](Value) { odrxAllocFail(0, UINT64_MAX); }},
+       {"fail-next", [](Value) { odrxAllocFail(0, 1); }},
        {"succeed", [](Value) { odrxAllocFail(0, 0); }},
        {"log", [](Value) { ulmWin32StartCallLog(); }},
-       {"print-log", [](Value) { std::cout << ulmWin32CallLog(); }},
+       {"print-log", [](Value) { printLog(); }},
        {"load", load},
        {"unload", [](Value) { unload(); }},
        {"version",
         [](Value) {
           std::uint32_t numbers[4] = {9, 9, 9, 9};
-          entry<decltype(odrxGetAPIVersion)>("odrxGetAPIVersion")(&numbers[0], &numbers[1],
-                                                                  &numbers[2], &numbers[3]);
+          exportOf<decltype(odrxGetAPIVersion)>(library, "odrxGetAPIVersion")(
+              &numbers[0], &numbers[1], &numbers[2], &numbers[3]);
           say("version ", numbers[0], ' ', numbers[1], ' ', numbers[2], ' ', numbers[3]);
         }},
-       {"create", [](Value) { say("create ", create()); }},
+       {"create", [](Value) { say(create()); }},
        {"init", [](Value) { say("init ", init()); }},
        {"uninit", [](Value) { object->uninitApp(); }},
        {"final",
@@ -264,31 +234,36 @@ int main(int argc, char** argv) {
        {"path-length", [](Value) { say("path length ", object->modulePath().getLength()); }},
        {"path-matches",
         [](Value) {
-          const bool whole = modulePathText() == object->modulePath().c_str();
-          const bool start = modulePathText().rfind(object->modulePath().c_str(), 0) == 0;
+          const bool whole = moduleName(library) == object->modulePath().c_str();
+          const bool start = moduleName(library).rfind(object->modulePath().c_str(), 0) == 0;
           say(whole ? "whole path" : start ? "cut path" : "wrong path");
         }},
        {"set-path", setPath},
        {"fill-path", fillPath},
        {"path", [](Value) { printPath(); }},
-       {"raw-path", [](Value) { say("PATH ", narrow(variable(L"PATH").c_str())); }},
+       {"raw-path", [](Value) { say("PATH ", toUtf8(environmentVariable(L"PATH").c_str())); }},
        {"real-path",
-        [](Value before) {
-          say(before == std::getenv("PATH") ? "real PATH kept" : "real PATH lost");
+        [](Value) {
+          const bool added = std::string_view(std::getenv("PATH")).find(';') != std::string::npos;
+          say(added ? "real PATH changed" : "real PATH kept");
         }},
-       {"wld", [](Value) { say("wld ", qlcoreWldName(0) ? narrow(qlcoreWldName(0)) : "none"); }},
+       {"wld", [](Value) { say("wld ", qlcoreWldName(0) ? toUtf8(qlcoreWldName(0)) : "none"); }},
        {"record", [](Value) { printRecord(); }},
        {"strings",
         [](Value) { say(application->productString(0), " / ", application->productString(1)); }},
        {"publish-count", [](Value) { say("published ", application->publishCount()); }},
+       {"version-record",
+        [](Value) {
+          for (std::size_t i = 0; application->recordKey(i) != nullptr; ++i) {
+            if (std::string_view(application->recordKey(i)) == "ProductVersion") {
+              say("version ", application->recordValue(i));
+            }
+          }
+        }},
        {"loads", [](Value) { printLoads(); }},
        {"load-count", [](Value) { say("loads ", hostcmdLoadCount()); }},
-       {"mark",
-        [](Value) {
-          qlcoreForgetWlds();
-          marked = balance();
-        }},
-       {"balance", [](Value) { say(balanceWord()); }},
+       {"mark", [](Value) { marked = takeBalance(application); }},
+       {"balance", [](Value) { say(balanced() ? "balanced" : "unbalanced"); }},
        {"sweep-init", [](Value) { say("sweep ", sweep(init, [] {})); }},
        {"sweep-create",
         [](Value) {
@@ -297,7 +272,7 @@ int main(int argc, char** argv) {
                 object = nullptr;
               }));
         }},
-       {"flags", [](Value) { say("flags ", entry<VariantFlags>("variantFlags")()); }},
+       {"flags", [](Value) { say("flags ", exportOf<VariantFlags>(library, "variantFlags")()); }},
        {"try-new", [](Value) { tryNew(); }},
        {"translation",
         [](Value) {

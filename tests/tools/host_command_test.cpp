@@ -64,6 +64,11 @@ TEST(HostCommand, OtherKindsOfHost) {
   EXPECT_EQ(unmanaged["wld"], "Ulmira.wld");
 }
 
+TEST(HostCommand, TellsWhatDidNotComeBack) {
+  const std::string leaky = (programFolder() / "leaky_module.so").string();
+  EXPECT_EQ(report({"--module", leaky})["unbalanced"], Json({"IParam", "memory", "ULM_Main"}));
+}
+
 TEST(HostCommand, TellsPeopleTheSame) {
   const std::string text = ulmira({}).output;
   for (const char* part : {"21.8.0.0", "LongName", "ULM_RegistrationNet.dll", "Ulmira.wld",

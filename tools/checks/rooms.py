@@ -3,7 +3,8 @@
 
 A file belongs to the longest room that starts its path. Quoted includes start at the root. Fails on
 an include that the room's line does not allow, on a detail/ header included from outside its room and
-the rooms beneath it, on a quoted include of no file, and on a cycle of includes.
+the rooms beneath it, on a quoted include of no file, on a cycle of includes, and on a conditional of
+the preprocessor in module/ or core/, whose files are the same on every system.
 Usage: rooms.py ROOT
 """
 
@@ -11,7 +12,10 @@ import re
 import sys
 from pathlib import Path
 
-INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
+INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
+CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b", re.MULTILINE)
+# Rooms without conditional code.
+SAME_EVERYWHERE = ("module/", "core/")
 # Rooms around the system: they may include any public header, and nothing of the system includes them.
 AROUND = ("tools", "tests", "bench", "fuzz", "examples")
 
@@ -86,7 +90,12 @@ def main():
     tops = sorted({room.split("/")[0] for room in rooms})
     faults, graph = [], {}
     for source in sources(root, [*tops, *(top for top in AROUND if (root / top).is_dir())]):
-        headers = INCLUDE.findall((root / source).read_text(encoding="utf-8"))
+        text = (root / source).read_text(encoding="utf-8")
+        # An include in angle brackets counts as well where it names a file of the tree.
+        headers = [quoted or angled for quoted, angled in INCLUDE.findall(text)
+                   if quoted or (root / angled).is_file()]
+        if source.startswith(SAME_EVERYWHERE) and CONDITIONAL.search(text):
+            faults.append(f"{source}: conditional code, which belongs into platform/")
         graph[source] = headers
         faults += filter(None, (check_include(source, header, rooms, root) for header in headers))
         if source.split("/")[0] in tops and room_of(source, rooms) is None:

@@ -7,11 +7,11 @@
 #include "module/entry.h"
 #include "platform/hostapp/control.h"
 #include "platform/hostcmd/control.h"
-#include "platform/odrx/alloc_control.h"
 #include "platform/odrx/rx_object.h"
 #include "platform/qlcore/control.h"
 #include "platform/win32/stand_in.h"
 #include "platform/win32/win32.h"
+#include "tools/host/host_calls.h"
 
 namespace ulm::tools {
 namespace {
@@ -19,36 +19,16 @@ namespace {
 using GetApiVersion = decltype(odrxGetAPIVersion);
 using CreateModuleObject = decltype(odrxCreateModuleObject);
 
-std::string toUtf8(const wchar_t* text) {
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  if (size <= 0) return {};
-  std::string made(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), size, nullptr, nullptr);
-  made.pop_back();  // the terminator
-  return made;
-}
-
-std::wstring toWide(const std::string& text) {
-  const int size = MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, nullptr, 0);
-  if (size <= 0) return {};
-  std::wstring made(static_cast<std::size_t>(size), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), size);
-  made.pop_back();  // the terminator
-  return made;
-}
-
-std::string pathVariable() {
-  const DWORD size = GetEnvironmentVariableW(L"PATH", nullptr, 0);
-  if (size == 0) return {};
-  std::wstring value(size, L'\0');
-  GetEnvironmentVariableW(L"PATH", value.data(), size);
-  return toUtf8(value.c_str());
+// A name without an ending is taken as it is where a dot stands behind it.
+std::wstring loadName(const std::string& file) {
+  const std::size_t start = file.find_last_of("/\\") + 1;
+  return toWide(file.find('.', start) == std::string::npos ? file + "." : file);
 }
 
 // A library that was taken into the process; goes out with the holder.
 class LoadedLibrary {
  public:
-  explicit LoadedLibrary(const std::string& file) : module_(LoadLibraryW(toWide(file).c_str())) {
+  explicit LoadedLibrary(const std::string& file) : module_(LoadLibraryW(loadName(file).c_str())) {
     if (module_ == nullptr) throw RunError("cannot load " + file + ": " + ulmWin32LoadError());
   }
   LoadedLibrary(LoadedLibrary&& other) noexcept : module_(std::exchange(other.module_, nullptr)) {}
@@ -61,7 +41,7 @@ class LoadedLibrary {
 
   template <class Function>
   Function* entry(const char* name) const {
-    return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(module_, name)));
+    return exportOf<Function>(module_, name);
   }
 
  private:
@@ -89,25 +69,6 @@ struct HostLibraries {
   }
 };
 
-struct Balance {
-  const char* name;
-  std::int64_t held;
-};
-
-// What is held of the host's objects and memory, in a fixed order of names.
-std::vector<Balance> takeBalance(const HostAppControl* application) {
-  std::vector<Balance> balance;
-  if (application != nullptr) {
-    balance.push_back({"IApp", application->heldReferences(HostAppObject::App)});
-    balance.push_back({"IAppExterior", application->heldReferences(HostAppObject::Exterior)});
-    balance.push_back(
-        {"IHostProductInfo", application->heldReferences(HostAppObject::ProductInfo)});
-  }
-  balance.push_back({"IParam", qlcoreHeldParams()});
-  balance.push_back({"memory", static_cast<std::int64_t>(odrxAllocCounts().liveBlocks)});
-  return balance;
-}
-
 std::optional<RunReport::Record> takenRecord(const HostAppControl* application) {
   if (application == nullptr || application->recordCount() < 0) return std::nullopt;
   RunReport::Record record;
@@ -124,7 +85,7 @@ void startAndStop(OdRxModule* object, RunReport& report) {
     ~FinalRelease() { object->finalRelease(); }
   } const finalRelease{object};
   report.modulePath = toUtf8(object->modulePath().c_str());
-  report.pathBefore = pathVariable();
+  report.pathBefore = toUtf8(environmentVariable(L"PATH").c_str());
   try {
     report.started = object->initApp();
   } catch (const std::exception& error) {
@@ -132,12 +93,14 @@ void startAndStop(OdRxModule* object, RunReport& report) {
   } catch (...) {
     throw RunError("initApp raised an exception");
   }
-  report.pathAfter = pathVariable();
+  report.pathAfter = toUtf8(environmentVariable(L"PATH").c_str());
   object->uninitApp();
 }
 
-void liveOnce(const std::string& file, RunReport& report) {
+// Gives the whole name of the library, which is unloaded again.
+std::wstring liveOnce(const std::string& file, RunReport& report) {
   const LoadedLibrary module(file);
+  const std::wstring fullName = moduleName(module.get());
   const auto need = [&](auto* entry, const char* name) {
     if (entry == nullptr) throw RunError(file + " lacks the entry " + name);
     return entry;
@@ -152,6 +115,7 @@ void liveOnce(const std::string& file, RunReport& report) {
   OdRxModule* object = create(&slot);
   if (object == nullptr) throw RunError(file + " made no module object");
   startAndStop(object, report);
+  return fullName;
 }
 
 }  // namespace
@@ -160,7 +124,7 @@ RunReport runModule(const RunOptions& options) {
   const HostLibraries host(options.without);
   const std::vector<Balance> before = takeBalance(host.application);
   RunReport report;
-  liveOnce(options.moduleFile, report);
+  const std::wstring fullName = liveOnce(options.moduleFile, report);
 
   report.record = takenRecord(host.application);
   if (const wchar_t* name = qlcoreWldName(0)) report.wld = toUtf8(name);
@@ -168,14 +132,11 @@ RunReport runModule(const RunOptions& options) {
     const HostcmdLoad load = hostcmdLoad(i);
     report.loads.push_back({toUtf8(load.file), toUtf8(load.engine), load.number});
   }
-  qlcoreForgetWlds();
   const std::vector<Balance> after = takeBalance(host.application);
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (after[i].held != before[i].held) report.unbalanced.emplace_back(after[i].name);
+    if (after[i] != before[i]) report.unbalanced.emplace_back(after[i].name);
   }
-  if (GetModuleHandleW(toWide(report.modulePath).c_str()) != nullptr) {
-    report.unbalanced.emplace_back("ULM_Main");
-  }
+  if (GetModuleHandleW(fullName.c_str()) != nullptr) report.unbalanced.emplace_back("ULM_Main");
   return report;
 }
 

@@ -53,11 +53,13 @@ ProcessResult runProcess(const std::filesystem::path& program,
   std::vector<std::string> texts{program.string()};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
+  argv.reserve(texts.size() + 1);
   for (std::string& text : texts) argv.push_back(text.data());
   argv.push_back(nullptr);
   // The first of two equal names counts, so what is added comes first.
   std::vector<std::string> added = extraEnvironment;
   std::vector<char*> environment;
+  environment.reserve(added.size() + 1);
   for (std::string& text : added) environment.push_back(text.data());
   for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
     environment.push_back(*entry);

@@ -21,4 +21,7 @@ void addDigestCommand(CLI::App& app, int& status);
 // `ulmira rsa`: the RSA operation on one block.
 void addRsaCommand(CLI::App& app, int& status);
 
+// `ulmira clip`: polygons and segments against the view volume.
+void addClipCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools

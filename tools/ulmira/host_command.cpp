@@ -105,12 +105,15 @@ int runHost(const HostOptions& options) {
     throw std::runtime_error("the host process failed: " + result.ending);
   }
   if (result.exitCode != 0) return 1;  // the host process has said why
+  const Json report = Json::parse(result.output, nullptr, false);
+  if (!report.is_object()) throw std::runtime_error("the host process ended without a report");
   if (options.json) {
     std::cout << result.output;
   } else {
-    printReport(Json::parse(result.output));
+    printReport(report);
   }
-  return std::cout.flush() ? 0 : 1;
+  if (!std::cout.flush()) throw std::runtime_error("the report cannot be written");
+  return 0;
 }
 
 }  // namespace
@@ -124,8 +127,8 @@ void addHostCommand(CLI::App& app, int& status) {
       ->add_option("--without", options->without,
                    "Leave a host library out: QlHostApp, qlview, qlsupport, qlhostcmd")
       ->check(CLI::IsMember({"QlHostApp", "qlview", "qlsupport", "qlhostcmd"}))
-      ->expected(1)
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args(false);
   command->add_flag("--json", options->json, "Print one JSON object");
   command->callback([options, &status] { status = runHost(*options); });
 }

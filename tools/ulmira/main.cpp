@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
     ulm::tools::addNumCommand(app, status);
     ulm::tools::addDigestCommand(app, status);
     ulm::tools::addRsaCommand(app, status);
+    ulm::tools::addClipCommand(app, status);
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

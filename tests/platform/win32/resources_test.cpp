@@ -38,7 +38,7 @@ TEST(VersionResource, IsReadFromTheFile) {
   for (const std::wstring& name : {std::wstring(L"Win32_Sample.dll"), sampleFile().wstring()}) {
     ASSERT_TRUE(queryFixed(versionOf(name), fixed));
     EXPECT_EQ(fixed.dwSignature, 0xFEEF04BD);
-    EXPECT_EQ(fixed.dwFileVersionMS, 1u << 16 | 5u);
+    EXPECT_EQ(fixed.dwFileVersionMS, 1u << 16 | 2u);
     EXPECT_EQ(fixed.dwProductVersionLS, 5798u << 16 | 3294u);
   }
   EXPECT_TRUE(versionOf(L"Win32_Sample_Base.dll").empty());

@@ -8,7 +8,7 @@ extern "C" [[gnu::visibility("default")]] int sampleAnswer() { return sampleBase
 
 namespace {
 
-ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion(1, 5, 5798, 3294);
+ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion({1, 2, 3, 4}, {1, 5, 5798, 3294});
 
 struct Strings {
   ulm::win32::StringEntry<5> plain{7, u"Plain"};

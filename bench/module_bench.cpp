@@ -1,0 +1,38 @@
+// How long the module takes to come and go: a host's people wait for it at every start.
+#include <benchmark/benchmark.h>
+
+#include "module/entry.h"
+#include "platform/qlcore/control.h"
+#include "tools/host/host_calls.h"
+
+namespace {
+
+using ulm::tools::exportOf;
+
+OdRxModule* createIn(HMODULE library) {
+  HINSTANCE slot = library;
+  const auto create = exportOf<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject");
+  return create != nullptr ? create(&slot) : nullptr;
+}
+
+// Load, create, start, stop, final release, unload; `started` tells whether the start is part of
+// it.
+void BM_Life(benchmark::State& state) {
+  const bool started = state.range(0) != 0;
+  LoadLibraryW(L"QlHostApp.dll");
+  for (auto _ : state) {
+    const HMODULE library = LoadLibraryW(L"ULM_Main.dll");
+    OdRxModule* const object = library != nullptr ? createIn(library) : nullptr;
+    if (object == nullptr) return state.SkipWithError("no module object");
+    if (started && !object->initApp()) return state.SkipWithError("the start failed");
+    object->uninitApp();
+    object->finalRelease();
+    FreeLibrary(library);
+    qlcoreForgetWlds();
+  }
+}
+BENCHMARK(BM_Life)->Name("module/life")->ArgName("started")->Arg(0)->Arg(1);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,41 @@
+// Clips a triangle that carries a colour, and shows what is left of it.
+#include <cstdio>
+#include <vector>
+
+#include "clip/polygon.h"
+
+int main() {
+  using namespace ulm::clip;
+
+  // In homogeneous clip space, as a projection leaves it. The corner at x = 3 lies outside.
+  ClipPolygon triangle{};
+  triangle.vertexForWrite(0) = {-0.5, -0.5, 0, 1, 0};
+  triangle.vertexForWrite(1) = {3.0, 0.0, 0, 1, 0};
+  triangle.vertexForWrite(2) = {-0.5, 0.5, 0, 1, 0};
+  std::vector<double> red = {0.0, 1.0, 0.5};  // a colour for each vertex
+
+  if (!isFinite(triangle)) return 1;
+  computeOutcode(triangle);  // the clipper trusts outcodes, so they are made first
+  ClipTrace trace;
+  if (!clipPolygonInPlace(triangle, trace)) {
+    std::puts("nothing is left");
+    return 0;
+  }
+
+  // Each record is one new vertex: its colour comes from the two it lies between.
+  const auto sourceCount = static_cast<std::uint32_t>(red.size());
+  const auto place = [&](ClipOrigin origin) {
+    return origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sourceCount;
+  };
+  for (std::uint32_t i = 0; i < trace.recordCount; ++i) {
+    const ClipRecord& record = trace.records[i];
+    red.push_back(interpolate(red[place(record.earlier)], red[place(record.later)], record.t));
+  }
+
+  for (std::uint32_t i = 0; i < triangle.count; ++i) {
+    const ClipVertex& vertex = triangle.vertexAt(i);
+    std::printf("%6.3f %6.3f %6.3f %6.3f  red %.3f\n", vertex.x, vertex.y, vertex.z, vertex.w,
+                red[place(trace.origins[i])]);
+  }
+  return 0;
+}

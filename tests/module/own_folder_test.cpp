@@ -1,0 +1,109 @@
+// The library in folders of its own, with what lies beside it and with names of every kind.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/probe_rows.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class OwnFolder : public testing::Test {
+ protected:
+  // Puts the library, and a profile unless that is empty, into a folder beneath the test's own.
+  void place(const fs::path& folder, const std::string& profile) {
+    folder_ = own_ / folder;
+    create_directories(folder_);
+    copy_file(ulm::tools::programFolder() / "ULM_MainVariant.so", folder_ / "ULM_MainVariant.so",
+              fs::copy_options::overwrite_existing);
+    fs::remove(folder_ / "mt.ini");
+    if (!profile.empty()) std::ofstream(folder_ / "mt.ini") << profile;
+  }
+  // Loads it between the steps, and compares what is printed.
+  void run(std::vector<std::string> before, const std::vector<std::string>& after,
+           const std::string& expected) {
+    before.push_back("load=" + (folder_ / "ULM_MainVariant.so").string());
+    before.insert(before.end(), after.begin(), after.end());
+    ulm::test::runRow({"", "module_probe", before, expected});
+  }
+  void TearDown() override { fs::remove_all(own_); }
+
+  const fs::path own_ = fs::path(testing::TempDir()) / ("ulmira-" + std::to_string(::getpid()));
+  fs::path folder_;
+};
+
+constexpr char kCreated[] = "fresh object, slot cleared, 0 references\n";
+
+TEST_F(OwnFolder, SwitchesOfTheProfile) {
+  const struct {
+    const char* profile;
+    bool monitor;
+    unsigned flags;  // assert 1, add-jump 2, remove-jump 4, defecate 8
+  } cases[] = {
+      {"", true, 0},
+      {"[mt]\nJumpArrOnAdd=1\nJumpArrOnRemove=1\nDefecateMem=1\nmqlassert=1\n", true, 15},
+      {"[mt]\nDefecateMem=1\nmqlassert=1\n", false, 8},
+      {"[mt]\nJumpArrOnAdd=-3\nJumpArrOnRemove=0\nDefecateMem=0x0\nmqlassert=2\n", true, 3},
+      {"; note\r\n[MT]\r\n jumparronremove = \"7 on\" \r\n", true, 4},
+      {"[mt2]\nJumpArrOnAdd=1\n[other]\nmqlassert=1\n", true, 0},
+  };
+  for (const auto& [profile, monitor, flags] : cases) {
+    SCOPED_TRACE(profile);
+    place("switches", profile);
+    run(monitor ? std::vector<std::string>{"monitor"} : std::vector<std::string>{},
+        {"flags", "unload"}, "flags " + std::to_string(flags) + "\ngone\n");
+  }
+}
+
+TEST_F(OwnFolder, NamesOutsideAscii) {
+  place("T\u00FCr links \u00E9", "[mt]\nJumpArrOnAdd=1\n");
+  run({}, {"flags", "create", "set-path=/bin", "init", "path", "set-path={bare}", "init", "path"},
+      "flags 2\n" + std::string(kCreated) +
+          "init true\nPATH /bin;{folder}\ninit true\nPATH {bare};{folder}\n");
+  // Letters that the ANSI code page lacks come out lossy in PATH, and nothing else suffers.
+  place("\u4e2d\u6587", "[mt]\nJumpArrOnAdd=1\n");
+  std::string start = "Z:" + own_.string();
+  std::replace(start.begin(), start.end(), '/', '\\');
+  run({"take=QlHostApp.dll"},
+      {"flags", "create", "path-matches", "set-path=/bin", "init", "raw-path", "version-record"},
+      "flags 2\n" + std::string(kCreated) + "whole path\ninit true\nPATH /bin;" + start +
+          "\\??\\\nversion 0.65535.0.7\n");
+}
+
+// Names around the buffers of 260 and of 2,048 characters.
+TEST_F(OwnFolder, LongNames) {
+  for (const std::size_t length : {259u, 261u, 2047u, 2060u, 3000u}) {
+    // The whole name counts the drive, both separators and the file's own name.
+    std::string folder(
+        length - own_.string().size() - sizeof "Z:" - sizeof "/ULM_MainVariant.so" + 1, 'n');
+    for (std::size_t at = 200; at < folder.size() - 1; at += 200) folder[at] = '/';
+    place(folder, "[mt]\nJumpArrOnAdd=1\n");
+    const bool whole = length < 260, found = length < 2048;
+    run({"take=QlHostApp.dll"},
+        {"flags", "create", "path-length", "path-matches", "set-path=/bin", "init",
+         "version-record", "path", "unload"},
+        std::string(found ? "flags 2\n" : "flags 0\n") + kCreated + "path length " +
+            std::to_string(whole ? length : 260) + (whole ? "\nwhole path" : "\ncut path") +
+            "\ninit true\nversion " + (whole ? "0.65535.0.7" : "") + "\nPATH /bin" +
+            (found ? ";{folder}" : "") + "\ngone\n");
+  }
+}
+
+TEST(ModuleLoad, ManyTimesWithoutGrowth) {
+  ulm::test::ProbeRow row{"", "module_probe", {}, ""};
+  for (int i = 0; i < 50; ++i) {
+    row.steps.insert(row.steps.end(),
+                     {"load=ULM_Main.dll", "mark", "create", "init", "final", "balance", "unload"});
+    row.expected += std::string(kCreated) + "init true\nbalanced\ngone\n";
+  }
+  ulm::test::runRow(row);
+}
+
+}  // namespace

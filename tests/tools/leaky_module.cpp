@@ -1,0 +1,28 @@
+// A module that keeps what it took: a record, memory, and itself, for it is linked never to unload.
+#include "platform/odrx/alloc.h"
+#include "platform/odrx/win32_module.h"
+#include "platform/qlcore/services.h"
+#include "platform/win32/export.h"
+
+namespace {
+
+class LeakyModule : public OdRxModule {
+ public:
+  bool initApp() override {
+    new_MemParam();
+    return true;
+  }
+  void uninitApp() override {}
+};
+
+}  // namespace
+
+extern "C" ULM_EXPORT void odrxGetAPIVersion(std::uint32_t* a, std::uint32_t* b, std::uint32_t* c,
+                                             std::uint32_t* d) {
+  *a = *b = *c = *d = 1;
+}
+
+extern "C" ULM_EXPORT OdRxModule* odrxCreateModuleObject(HINSTANCE* slot) {
+  using Object = OdRxWin32Module<LeakyModule, LeakyModule>;
+  return ::new (odrxAlloc(sizeof(Object))) Object(*slot);
+}
