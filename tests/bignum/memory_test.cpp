@@ -10,6 +10,7 @@
 #include "bignum/constants.h"
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/rsa.h"
 #include "platform/odrx/alloc_control.h"
 #include "tests/bignum/operands.h"
 
@@ -55,6 +56,10 @@ const std::pair<const char*, Operation> kOperations[] = {
     ULM_CASE(IsProbablePrime(in[3], 1, 1)),
     ULM_CASE(NextPrime(in[3], out[1])),
     ULM_CASE(FromText(out[2], "-123456789012345678901234567890")),
+    ULM_CASE([&] {
+      std::uint8_t block[12] = {5};
+      QLRSADecryptor(in[1], in[3]).Decrypt(block, block);
+    }()),
     ULM_CASE([&] {
       char text[64];
       ToText(in[3], text, 64, 3);
