@@ -4,49 +4,52 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "bignum/rsa.h"
+#include "bignum/text.h"
 #include "platform/odrx/alloc_control.h"
 #include "tests/support/table_place.h"
+#include "tests/support/vector_blocks.h"
 
 namespace ulm::bignum::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-TEST(ZeroPadding, PadsAndUnpads) {
-  const QLZeroPadding padding;
-  EXPECT_EQ(padding.PayloadBits(0xFFFFFFFF), 0xFFFFFFFF);
-  const struct {
-    Bytes input;
-    std::uint32_t inputBits, outputBits;
-    Bytes output;
-  } pads[] = {{{0x41, 0xF2, 0x43}, 12, 32, {0x41, 0xF2, 0, 0}},
-              {{0x41, 0x42, 0x43, 0x44}, 32, 12, {0x41, 0x42}},
-              {{}, 0, 17, {0, 0, 0}},
-              {{0x41}, 8, 0, {}}};
-  for (const auto& row : pads) {
-    Bytes output(row.output.size(), 0xEE);  // an exact heap block
-    padding.Pad(row.input.data(), row.inputBits, output.data(), row.outputBits);
-    EXPECT_EQ(output, row.output);
+Bytes bytesOf(const std::string& hex) {
+  Bytes bytes((hex.size() + 1) / 2);  // more than there are digits for
+  bytes.resize(static_cast<std::size_t>(
+      HexToBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()), hex.c_str())));
+  return bytes;
+}
+
+// Out of and into heap blocks of the exact sizes.
+TEST(Rsa, Blocks) {
+  for (auto& block : ulm::test::readVectorBlocks(ULM_TEST_DATA "/bignum/blocks.txt")) {
+    const std::string operation = block.text("Op");
+    const Bytes input = bytesOf(block.text("In"));
+    Bytes expected = bytesOf(block.text("Out"));
+    const auto numbers = block.numbers("Bits");
+    const auto bits = [&](std::size_t i) { return static_cast<std::uint32_t>(numbers.at(i)); };
+    Bytes output(operation == "Decrypt" ? input.size() : expected.size(), 0xEE);
+    if (operation == "Pad") {
+      QLZeroPadding().Pad(input.data(), bits(0), output.data(), bits(1));
+    } else if (operation == "Unpad") {
+      EXPECT_EQ(QLZeroPadding().Unpad(input.data(), bits(0), output.data()), bits(1));
+    } else {
+      const auto key = block.numbers("Key");
+      QLRSADecryptor decryptor(QLInteger::fromInt64(key.at(0)), QLInteger::fromInt64(key.at(1)));
+      EXPECT_EQ(decryptor.Decrypt(output.data(), input.data()), bits(0)) << block.where();
+      expected.resize(output.size(), 0xEE);  // nothing behind the result is written
+      decryptor.status = 0x80000000;
+      EXPECT_EQ(decryptor.Decrypt(nullptr, nullptr), 0u);
+    }
+    EXPECT_EQ(output, expected) << block.where();
+    block.expectAllUsed();
   }
-  const struct {
-    Bytes input;
-    std::uint32_t bits, expected;
-    Bytes output;
-  } unpads[] = {{{0x41, 0x42, 0, 0}, 32, 16, {0x41, 0x42}},
-                {{0x41, 0x42, 0x43, 0x44}, 32, 32, {0x41, 0x42, 0x43, 0x44}},
-                {{0, 0, 7}, 19, 19, {0, 0, 7}},
-                {{0x41, 0}, 12, 4, {0x41}},
-                {{0, 0}, 16, 0, {}},
-                {{0, 0}, 12, 0, {}},  // the steps of 8 stop at 0
-                {{}, 0, 0, {}}};
-  for (const auto& row : unpads) {
-    Bytes output(row.output.size());
-    EXPECT_EQ(padding.Unpad(row.input.data(), row.bits, output.data()), row.expected);
-    EXPECT_EQ(output, row.output);
-  }
+  EXPECT_EQ(QLZeroPadding().PayloadBits(0xFFFFFFFF), 0xFFFFFFFF);
 }
 
 TEST(Rsa, FunctionAndBounds) {
@@ -62,35 +65,6 @@ TEST(Rsa, FunctionAndBounds) {
     QLInteger OutputBound() const override { return 20; }
   } const odd;
   EXPECT_TRUE(odd.MaxInput() == 9 && odd.MaxOutput() == 19);
-}
-
-TEST(Rsa, Decrypts) {
-  const struct {
-    std::int32_t modulus, exponent;
-    Bytes input;
-    std::uint32_t bits;
-    Bytes output;
-  } rows[] = {{3233, 2753, {0xE6, 0x0A}, 7, {0x41}},
-              {3233, 2753, {0, 0}, 0, {}},
-              {3233, 2753, {0xA1, 0x0C}, 0, {}},  // the modulus itself
-              {33, 3, {0xFF}, 5, {0x1E}},
-              {33, 3, {0x18}, 5, {0x1E}},
-              {33, 1, {0xFF}, 5, {0x18}},  // reduced, so that it fits the output
-              {2, 1, {0xFF}, 1, {1}},
-              {3233, 0, {0xE6, 0x0A}, 1, {1}},
-              {65537, 1, {0, 0, 1}, 17, {0, 0, 1}},
-              {1, 1, {}, 0, {}},
-              {0, 3, {}, 0, {}},
-              {-33, 3, {}, 0, {}}};
-  for (const auto& row : rows) {
-    QLRSADecryptor decryptor(row.modulus, row.exponent);
-    Bytes output(row.input.size(), 0xEE), expected = row.output;
-    expected.resize(output.size(), 0xEE);  // nothing behind the result is written
-    EXPECT_EQ(decryptor.Decrypt(output.data(), row.input.data()), row.bits) << row.modulus;
-    EXPECT_EQ(output, expected) << row.modulus;
-    decryptor.status = 0x80000000;
-    EXPECT_EQ(decryptor.Decrypt(nullptr, nullptr), 0u);
-  }
 }
 
 TEST(Rsa, DecryptUnpadsThroughTheTable) {
@@ -127,22 +101,15 @@ TEST(Rsa, ShapesAndTables) {
   EXPECT_THAT(places, testing::ElementsAre(2, 3, 4, 2, 2, 3, 4, 5, 6));
 }
 
-template <class Base, class Object>
-void destroyThrough() {
-  const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
-  std::unique_ptr<Base> base(new Object(3233, 17));
-  EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks + 2);  // copies of both numbers
-  base.reset();
-  EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks);
-}
-
 TEST(Rsa, DestructionThroughAnyBase) {
-  destroyThrough<QLCrypter, QLRSADecryptor>();
-  destroyThrough<QLPadding, QLRSADecryptor>();
-  destroyThrough<QLZeroPadding, QLRSADecryptor>();
-  destroyThrough<QLRSABase, QLRSADecryptor>();
-  destroyThrough<QLDecryptor, QLRSADecryptor>();
-  destroyThrough<QLTrapdoorFunction, QLRSAFunction>();
+  const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
+  delete static_cast<QLCrypter*>(new QLRSADecryptor(3233, 17));
+  delete static_cast<QLPadding*>(new QLRSADecryptor(3233, 17));
+  delete static_cast<QLZeroPadding*>(new QLRSADecryptor(3233, 17));
+  delete static_cast<QLRSABase*>(new QLRSADecryptor(3233, 17));
+  delete static_cast<QLDecryptor*>(new QLRSADecryptor(3233, 17));
+  delete static_cast<QLTrapdoorFunction*>(new QLRSAFunction(3233, 17));
+  EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks);
 }
 
 }  // namespace
