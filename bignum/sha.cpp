@@ -90,7 +90,10 @@ void QLSHA::Final(std::uint8_t* digest) {
   storeWord(block + kLengthPlace, bitCountHigh);
   storeWord(block + kLengthPlace + 4, bitCountLow);
   transformBlock(*this);
-  for (int i = 0; i < 5; ++i) storeWord(digest + 4 * i, state[i]);
+  for (const std::uint32_t word : state) {
+    storeWord(digest, word);
+    digest += 4;
+  }
   ReverseWordBytes(state, sizeof state);
 }
 

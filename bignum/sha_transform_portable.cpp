@@ -47,11 +47,11 @@ template <int Round>
 
 template <int Round>
 [[gnu::always_inline]] inline void twentySteps(std::uint32_t (&v)[5],
-                                               const std::uint32_t (&w)[80]) noexcept {
-  fiveSteps<Round>(v, w + 20 * Round);
-  fiveSteps<Round>(v, w + 20 * Round + 5);
-  fiveSteps<Round>(v, w + 20 * Round + 10);
-  fiveSteps<Round>(v, w + 20 * Round + 15);
+                                               const std::uint32_t* w) noexcept {
+  fiveSteps<Round>(v, w);
+  fiveSteps<Round>(v, w + 5);
+  fiveSteps<Round>(v, w + 10);
+  fiveSteps<Round>(v, w + 15);
 }
 
 constinit std::atomic<ShaPath> chosenPath{ShaPath::Unknown};
@@ -71,9 +71,9 @@ void transformPortable(std::uint32_t (&state)[5], const std::uint8_t* block, boo
   }
   std::uint32_t v[5] = {state[0], state[1], state[2], state[3], state[4]};
   twentySteps<0>(v, w);
-  twentySteps<1>(v, w);
-  twentySteps<2>(v, w);
-  twentySteps<3>(v, w);
+  twentySteps<1>(v, w + 20);
+  twentySteps<2>(v, w + 40);
+  twentySteps<3>(v, w + 60);
   for (int i = 0; i < 5; ++i) state[i] += v[i];
 }
 

@@ -63,7 +63,7 @@ void transform(std::uint32_t (&state)[5], const std::uint8_t* blocks,
   __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);
   for (; blockCount != 0; --blockCount, blocks += 64) {
     Rounds rounds;
-    for (int i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i) {
       rounds.window[i] = _mm_shuffle_epi8(load(blocks + 16 * i), order);
     }
     rounds.abcd = abcd;
