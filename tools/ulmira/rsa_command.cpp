@@ -80,7 +80,7 @@ Bytes readBlock(const Arguments& given, std::size_t size) {
     if (!file) throw std::runtime_error(given.file + ": " + std::strerror(errno));
   }
   const std::string name = given.file == "-" ? "standard input" : given.file;
-  const Bytes block = readBytes(given.file == "-" ? std::cin : file, name, given.hexIn, size + 1);
+  Bytes block = readBytes(given.file == "-" ? std::cin : file, name, given.hexIn, size + 1);
   if (block.size() != size) {
     const std::string found = block.size() > size ? "more" : std::to_string(block.size());
     throw std::runtime_error(name + ": a block of this modulus has " + std::to_string(size) +
