@@ -54,7 +54,7 @@ def idle_initialisers(part):
         if line.endswith(">:"):
             inside = "<_GLOBAL__sub_I_" in line
             found = found or inside
-        elif inside and line.strip() and not IDLE.search(line):
+        elif inside and "\t" in line and not IDLE.search(line):
             return False
     return found
 

@@ -15,6 +15,12 @@ void addHostCommand(CLI::App& app, int& status);
 // `ulmira num`: arithmetic on numbers of any size.
 void addNumCommand(CLI::App& app, int& status);
 
+// `ulmira digest`: checksums of files, written and checked.
+void addDigestCommand(CLI::App& app, int& status);
+
+// `ulmira rsa`: the RSA operation on one block.
+void addRsaCommand(CLI::App& app, int& status);
+
 // `ulmira clip`: polygons and segments against the view volume.
 void addClipCommand(CLI::App& app, int& status);
 

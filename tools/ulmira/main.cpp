@@ -26,6 +26,8 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     ulm::tools::addHostCommand(app, status);
     ulm::tools::addNumCommand(app, status);
+    ulm::tools::addDigestCommand(app, status);
+    ulm::tools::addRsaCommand(app, status);
     ulm::tools::addClipCommand(app, status);
     try {
       app.parse(argc, argv);

@@ -1,0 +1,207 @@
+// Both hashes on both transforms: published answers, a model, and what an object shows.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+#include <tuple>
+
+#include "bignum/detail/sha_transform.h"
+#include "bignum/sha.h"
+#include "bignum/text.h"
+#include "platform/odrx/alloc_control.h"
+#include "tests/bignum/sha_model.h"
+#include "tests/support/table_place.h"
+#include "tests/support/vector_blocks.h"
+
+namespace ulm::bignum::test {
+namespace {
+
+using detail::ShaPath;
+
+// As a user does, in one call and out of and into heap blocks of the exact sizes.
+Bytes digestOf(QLSHA& sha, const Bytes& message) {
+  Bytes digest(20);
+  sha.Digest(message.data(), static_cast<std::uint32_t>(message.size()), digest.data());
+  return digest;
+}
+
+// Each hash on each transform that there is.
+class Digests : public testing::TestWithParam<std::tuple<ShaPath, bool>> {
+ protected:
+  void SetUp() override {
+    if (path == ShaPath::Instructions && !detail::haveShaInstructions()) GTEST_SKIP();
+    detail::setShaPath(path);
+  }
+  void TearDown() override { detail::setShaPath(ShaPath::Unknown); }
+  const ShaPath path = std::get<0>(GetParam());
+  const bool rotate = std::get<1>(GetParam());
+  QLSHA sha{rotate};
+};
+INSTANTIATE_TEST_SUITE_P(Both, Digests,
+                         testing::Combine(testing::Values(ShaPath::Portable, ShaPath::Instructions),
+                                          testing::Bool()));
+
+TEST_P(Digests, PublishedAnswers) {
+  for (auto& block : ulm::test::readVectorBlocks(ULM_TEST_DATA "/bignum/digests.txt")) {
+    const std::string text = block.text("Text");
+    Bytes message, expected(20);
+    for (auto times = block.numbers("Times").at(0); times > 0; --times) {
+      message.insert(message.end(), text.begin(), text.end());
+    }
+    ASSERT_EQ(HexToBytes(expected.data(), 20, block.text("Digest").c_str()), 20);
+    if ((block.text("Hash") == "sha1") != rotate) continue;
+    sha.Restart();
+    EXPECT_EQ(digestOf(sha, message), expected) << block.where();
+    EXPECT_EQ(modelDigest(message, rotate), expected) << block.where();
+  }
+}
+
+// Each length, cut at each place and in slices, at all alignments; one object serves for all.
+TEST_P(Digests, EverySplitOfEveryLength) {
+  for (std::uint32_t length = 0; length <= 300; ++length) {
+    const Bytes message = messageOf(length);
+    const Bytes expected = modelDigest(message, rotate);
+    Bytes moved(length % 17 + length), digest(20);  // ends where its heap block does
+    std::copy(message.begin(), message.end(), moved.end() - length);
+    const std::uint8_t* bytes = moved.data() + length % 17;
+    for (std::uint32_t cut = 0; cut <= length; ++cut) {
+      sha.Restart();
+      sha.Update(bytes, cut);
+      sha.Update(nullptr, 0);
+      ASSERT_EQ(sha.blockFill, cut % 64);
+      sha.Digest(bytes + cut, length - cut, digest.data());
+      ASSERT_EQ(digest, expected) << length << " cut at " << cut;
+    }
+    const std::uint32_t slice = length % 67 + 1;
+    sha.Restart();
+    for (std::uint32_t at = 0; at < length; at += slice) {
+      sha.Update(bytes + at, std::min(slice, length - at));
+    }
+    sha.Final(digest.data());
+    ASSERT_EQ(digest, expected) << length << " by " << slice;
+  }
+}
+
+TEST_P(Digests, CountsBeyond32Bits) {
+  sha.bitCountLow = 0xFFFFFE00;  // as after 2^29 - 64 bytes that left the state as it was
+  sha.bitCountHigh = 7;
+  EXPECT_EQ(digestOf(sha, messageOf(67)), modelDigest(messageOf(67), rotate, 0x7FFFFFE00));
+  EXPECT_TRUE(sha.bitCountLow == 24 && sha.bitCountHigh == 8);
+
+  std::uint32_t rows[][5] = {{0, 0, 0x1FFFFFFF, 0xFFFFFFF8, 0},
+                             {0, 0, 0x20000000, 0, 1},
+                             {8, 5, 0xFFFFFFFF, 0, 13},
+                             {0xFFFFFFF8, 3, 0xFFFFFFFF, 0xFFFFFFF0, 11},
+                             {0xFFFFFFF8, 0xFFFFFFFF, 1, 0, 0}};
+  for (auto& [low, high, length, newLow, newHigh] : rows) {
+    detail::countBits(low, high, length);
+    EXPECT_TRUE(low == newLow && high == newHigh) << length;
+  }
+}
+
+// What a spent object gives means nothing, but it is the same on both transforms.
+TEST_P(Digests, SpentObjectsDoNoHarm) {
+  for (const std::uint32_t length : {0u, 3u, 60u, 64u, 150u}) {
+    const Bytes message = messageOf(length);
+    Bytes results[2];
+    for (const ShaPath taken : {path, ShaPath::Portable}) {
+      detail::setShaPath(taken);
+      sha.Restart();
+      Bytes first = digestOf(sha, message);
+      EXPECT_EQ(first, modelDigest(message, rotate));
+      EXPECT_TRUE(sha.bitCountLow == 8 * length && sha.blockFill == length % 64);
+      ReverseWordBytes(first.data(), 20);  // H0 is the first word, each with its high byte first
+      ReverseWordBytes(sha.state, 20);
+      EXPECT_EQ(std::memcmp(sha.state, first.data(), 20), 0);
+      digestOf(sha, {});
+      results[taken == path ? 0 : 1] = digestOf(sha, message);
+    }
+    if (path != ShaPath::Portable) {
+      EXPECT_EQ(results[0], results[1]);
+    }
+  }
+  EXPECT_EQ(sha.rotateSchedule, rotate ? 1 : 0);
+}
+
+TEST(Digest, FieldsAndTable) {
+  const QLSHA sha(true);
+  EXPECT_THAT(sha.state,
+              testing::ElementsAre(0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476, 0xC3D2E1F0));
+  const void* const fields[] = {
+      &sha,       &sha.rotateSchedule, &sha.state, &sha.bitCountLow, &sha.bitCountHigh,
+      &sha.block, &sha.blockFill,      &sha + 1};
+  EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields)));
+  EXPECT_EQ(sizeof sha, sizeof(void*) + 4 + 20 + 8 + 64 + 4 + 4);
+  using ulm::test::tablePlace;
+  const std::size_t places[] = {
+      tablePlace(&QLMessageDigest::DigestSize), tablePlace(&QLMessageDigest::Restart),
+      tablePlace(&QLMessageDigest::Update), tablePlace(&QLMessageDigest::Final),
+      tablePlace(&QLMessageDigest::Digest)};
+  EXPECT_THAT(places, testing::ElementsAre(2, 3, 4, 5, 6));
+}
+
+// Digest goes through the operations of the subclass, and restarts nothing.
+TEST(Digest, DigestIsUpdateAndFinal) {
+  struct Recorder : QLMessageDigest {
+    std::string calls;
+    std::uint32_t DigestSize() const override { return 1; }
+    void Restart() override { calls += "restart "; }
+    void Update(const std::uint8_t* bytes, std::uint32_t length) override {
+      calls += "update " + std::to_string(bytes[0] + length) + ' ';
+    }
+    void Final(std::uint8_t* digest) override { calls += "final " + std::to_string(*digest); }
+  } recorder;
+  std::uint8_t bytes[] = {5}, out[] = {7};
+  recorder.Digest(bytes, 10, out);
+  EXPECT_EQ(recorder.calls, "update 15 final 7");
+}
+
+TEST(Digest, FactoriesUseTheRuntimesMemory) {
+  static bool called = false;
+  const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
+  const auto old = std::set_new_handler([] { called = true; });
+  for (const auto create : {CreateSHA1, CreateSHA0}) {
+    std::unique_ptr<QLMessageDigest> made(create());
+    EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks + 1);
+    EXPECT_EQ(static_cast<QLSHA&>(*made).rotateSchedule, create == CreateSHA1 ? 1 : 0);
+    EXPECT_EQ(made->DigestSize(), 20u);
+    made.reset();
+    EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks);
+    odrxAllocFail(0, 1);
+    EXPECT_EQ(create(), nullptr);
+  }
+  std::set_new_handler(old);
+  EXPECT_FALSE(called);
+}
+
+TEST(Digest, WordsTurned) {
+  EXPECT_EQ(RotateLeft(0x80000001, 0), 0x80000001);
+  EXPECT_EQ(RotateLeft(0x80000001, 31), 0xC0000000);
+  EXPECT_EQ(RotateLeft(0x80000001, 33), 3u);
+  Bytes bytes = {9, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12};
+  ReverseWordBytes(bytes.data() + 1, 11);
+  EXPECT_EQ(bytes, (Bytes{9, 4, 3, 2, 1, 8, 7, 6, 5, 10, 11, 12}));
+}
+
+// The first use in the process finds the transform out, in whatever thread.
+TEST(Digest, ThreadsHaveObjectsOfTheirOwn) {
+  detail::setShaPath(ShaPath::Unknown);
+  Bytes results[4];
+  std::vector<std::thread> threads;
+  for (Bytes& result : results) {
+    threads.emplace_back([&] {
+      QLSHA sha(true);
+      result = digestOf(sha, messageOf(5000));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(results, testing::Each(modelDigest(messageOf(5000), true)));
+}
+
+}  // namespace
+}  // namespace ulm::bignum::test

@@ -1,0 +1,130 @@
+// SHA-1 and RSA against OpenSSL: its digests, its keys and what it signs.
+#define OPENSSL_SUPPRESS_DEPRECATED  // RSA on a bare block
+#include <gtest/gtest.h>
+#include <openssl/bn.h>
+#include <openssl/evp.h>
+#include <openssl/rsa.h>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "bignum/rsa.h"
+#include "bignum/sha.h"
+#include "tests/bignum/sha_model.h"
+
+namespace ulm::bignum::test {
+namespace {
+
+TEST(OpenSsl, Sha1InAllKindsOfSplits) {
+  std::mt19937 engine(20240917);
+  const auto below = [&](std::uint32_t end) { return static_cast<std::uint32_t>(engine() % end); };
+  QLSHA sha(true);
+  for (std::uint32_t length = 0; length <= 300; ++length) {
+    const Bytes message = messageOf(length);
+    Bytes expected(20), digest(20);
+    EVP_Digest(message.data(), length, expected.data(), nullptr, EVP_sha1(), nullptr);
+    for (std::uint32_t most = 1; most < 140; most += 3) {
+      sha.Restart();
+      for (std::uint32_t at = 0, slice; at < length; at += slice) {
+        slice = std::min(below(most + 1), length - at);
+        sha.Update(message.data() + at, slice);
+      }
+      sha.Final(digest.data());
+      ASSERT_EQ(digest, expected) << length;
+    }
+  }
+}
+
+// Slow, so it runs on request alone: --gtest_also_run_disabled_tests.
+TEST(OpenSsl, DISABLED_Sha1OfMoreThanFourGigabytes) {
+  constexpr std::uint32_t kLength = 0xFFFFFFFF;
+  void* const zeros =
+      mmap(nullptr, kLength, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(zeros, MAP_FAILED);
+  const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> peer(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+  EVP_DigestInit_ex(peer.get(), EVP_sha1(), nullptr);
+  QLSHA sha(true);
+  Bytes expected(20), digest(20);
+  for (const std::uint32_t length : {5u, kLength, 1u << 29}) {
+    EVP_DigestUpdate(peer.get(), zeros, length);
+    sha.Update(static_cast<const std::uint8_t*>(zeros), length);
+  }
+  munmap(zeros, kLength);
+  EXPECT_TRUE(sha.bitCountHigh == 9 && sha.bitCountLow == 32);
+  EVP_DigestFinal_ex(peer.get(), expected.data(), nullptr);
+  sha.Final(digest.data());
+  EXPECT_EQ(digest, expected);
+}
+
+using Key = std::unique_ptr<RSA, void (*)(RSA*)>;
+using PeerOperation = int (*)(int, const unsigned char*, unsigned char*, RSA*, int);
+
+QLInteger valueOf(const BIGNUM* number) {
+  char* hex = BN_bn2hex(number);
+  const QLInteger value = QLInteger::fromText((std::string(hex) + 'h').c_str());
+  OPENSSL_free(hex);
+  return value;
+}
+
+// `size` bytes of a value, low byte first; OpenSSL's blocks have the high byte first.
+Bytes bytesOf(const QLInteger& value, std::size_t size) {
+  Bytes bytes(size);
+  ToBytes(value, bytes.data(), static_cast<std::uint32_t>(size));
+  return bytes;
+}
+
+Bytes byPeer(PeerOperation operation, const Key& key, Bytes block) {
+  const int size = static_cast<int>(block.size());
+  Bytes result(block.size());
+  std::reverse(block.begin(), block.end());
+  EXPECT_EQ(operation(size, block.data(), result.data(), key.get(), RSA_NO_PADDING), size);
+  std::reverse(result.begin(), result.end());
+  return result;
+}
+
+// Blocks come back without their trailing zero bytes, and nothing behind is written.
+void expectDecrypts(const QLRSADecryptor& decryptor, const Bytes& sealed, Bytes expected) {
+  Bytes output(sealed.size(), 0xEE);
+  const std::uint32_t bits = decryptor.Decrypt(output.data(), sealed.data());
+  while (!expected.empty() && expected.back() == 0) expected.pop_back();
+  EXPECT_EQ((bits + 7) / 8, expected.size());
+  EXPECT_TRUE(bits == 0 || expected.back() >> (bits - 1) % 8 == 1);
+  expected.resize(output.size(), 0xEE);
+  EXPECT_EQ(output, expected);
+}
+
+class OpenSslKeys : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Bits, OpenSslKeys, testing::Values(512, 513, 1024, 1031, 2048, 4096));
+
+TEST_P(OpenSslKeys, BlocksComeAndGo) {
+  const Key key(RSA_new(), RSA_free);
+  const std::unique_ptr<BIGNUM, void (*)(BIGNUM*)> f4(BN_new(), BN_free);
+  BN_set_word(f4.get(), RSA_F4);
+  ASSERT_EQ(RSA_generate_key_ex(key.get(), GetParam(), f4.get(), nullptr), 1);
+  const QLInteger modulus = valueOf(RSA_get0_n(key.get()));
+  const QLRSADecryptor reader(modulus, valueOf(RSA_get0_e(key.get())));
+  const QLRSADecryptor owner(modulus, valueOf(RSA_get0_d(key.get())));
+  const auto size = static_cast<std::size_t>(RSA_size(key.get()));
+  Bytes plain = messageOf(size - 1), leadingZeros(9, 0), trailingZeros = messageOf(size / 2);
+  plain.push_back(0);  // below the modulus
+  leadingZeros.insert(leadingZeros.end(), plain.begin() + 9, plain.end());
+  trailingZeros.resize(size);
+  for (const Bytes& block : {plain, leadingZeros, trailingZeros, bytesOf(modulus - 1, size),
+                             bytesOf(1, size), bytesOf(0, size)}) {
+    const Bytes sealed = byPeer(RSA_private_encrypt, key, block);
+    expectDecrypts(reader, sealed, block);
+    QLInteger above(0);
+    for (std::size_t i = size; i-- > 0;) (above <<= 8) += sealed[i];
+    EXPECT_EQ(bytesOf(reader.function.Apply(above), size), block);
+    above += modulus;
+    if (above.BitLength() <= 8 * size) expectDecrypts(reader, bytesOf(above, size), block);
+    if (GetParam() > 600) continue;  // the private exponent is long
+    expectDecrypts(owner, byPeer(RSA_public_encrypt, key, block), block);
+  }
+}
+
+}  // namespace
+}  // namespace ulm::bignum::test
