@@ -6,10 +6,12 @@
 
 namespace {
 
+IParam* kept = nullptr;
+
 class LeakyModule : public OdRxModule {
  public:
   bool initApp() override {
-    new_MemParam();
+    kept = new_MemParam();
     return true;
   }
   void uninitApp() override {}
