@@ -41,4 +41,5 @@ ulm_need() {
 
 ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
 ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
-  libgmock-dev libbenchmark-dev python3 binutils git)
+  libgmock-dev libbenchmark-dev python3 binutils git libfreetype-dev libharfbuzz-dev libstb-dev
+  fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)

@@ -12,4 +12,7 @@ namespace ulm::tools {
 // `ulmira host`: one life of the module in a stand-in host.
 void addHostCommand(CLI::App& app, int& status);
 
+// `ulmira font`: what a TrueType font holds.
+void addFontCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools

@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
                                                     ULM_VERSION_BUILD, ULM_VERSION_REVISION));
     app.require_subcommand(1);
     ulm::tools::addHostCommand(app, status);
+    ulm::tools::addFontCommand(app, status);
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
