@@ -1,6 +1,7 @@
 // The one way by which font bytes are read: a run of bytes that knows its end.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -46,10 +47,10 @@ class ByteView {
   constexpr T readOrZero(std::size_t offset) const noexcept {
     return holds(offset, sizeof(T)) ? load<T>(offset) : T{0};
   }
-  // As if zeros followed the last byte.
-  constexpr std::uint16_t readPadded16(std::size_t offset) const noexcept {
-    if (holds(offset, 2)) return load<std::uint16_t>(offset);
-    return offset < size_ ? static_cast<std::uint16_t>(start_[offset] << 8) : std::uint16_t{0};
+  // A byte of a run that the caller has tested as a whole, with holds.
+  constexpr std::uint8_t readHeld(std::size_t offset) const noexcept {
+    assert(offset < size_);
+    return start_[offset];
   }
 
   // The run of `count` big-endian values from the first byte on, each stored as `as` makes it of a

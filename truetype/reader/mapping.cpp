@@ -55,10 +55,10 @@ template <class Bytes>
 std::uint16_t bisect(const Bytes& bytes, std::size_t array, std::size_t count,
                      std::uint16_t key) noexcept {
   if (count == 0 || count >= kNotFound) return kNotFound;
-  std::size_t low = 0, end = count;
+  std::uint32_t low = 0, end = static_cast<std::uint32_t>(count);
   while (low < end) {
-    const std::size_t middle = (low + end - 1) / 2;
-    if (bytes.read16(array + 2 * middle) < key) {
+    const std::uint32_t middle = (low + end - 1) / 2;
+    if (bytes.read16(array + 2 * std::size_t{middle}) < key) {
       low = middle + 1;
     } else {
       end = middle;

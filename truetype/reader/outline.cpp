@@ -9,34 +9,53 @@ namespace {
 constexpr std::size_t kContourEnds = 10;
 constexpr std::uint8_t kRepeat = 0x08;
 
-// How a coordinate's two bits, "one byte" and "positive, or same", decode: the bytes it takes, how
-// far its two bytes are shifted down, and whether the byte is subtracted. Coordinates are kept
-// modulo 2^16, so that a word needs no sign.
-struct DeltaForm {
-  std::uint8_t length, shift;
-  std::uint32_t negation;
-};
-constexpr DeltaForm kDeltaForms[] = {
-    {2, 0, 0},            // a word
-    {1, 8, 0xFFFFFFFFu},  // a byte to subtract
-    {0, 16, 0},           // the same as before
-    {1, 8, 0},            // a byte to add
+// How the flags of a point decode: a coordinate's change is its next byte times one factor plus the
+// byte after that times another, and so many bytes are used up. Coordinates are kept modulo 2^16,
+// so that a word needs no sign.
+struct PointForm {
+  std::uint32_t x0, x1, y0, y1;
+  std::uint32_t xLength, yLength;
 };
 
-// One coordinate of all points from `place` on; gives the place behind.
-template <int ByteBit, int PositiveBit, std::int16_t GlyphPoint::*Coordinate>
-std::size_t decodeDeltas(ByteView glyph, std::size_t place, std::uint32_t count,
-                         GlyphPoint* points) noexcept {
-  std::uint32_t value = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const std::uint32_t flags = points[i].flags;
-    const DeltaForm form = kDeltaForms[(flags >> ByteBit & 1) | (flags >> PositiveBit & 1) << 1];
-    const std::uint32_t bytes = std::uint32_t{glyph.readPadded16(place)} >> form.shift;
-    value += (bytes ^ form.negation) - form.negation;
-    place += form.length;
-    points[i].*Coordinate = static_cast<std::int16_t>(value);
+constexpr std::size_t formOf(std::uint32_t flags) noexcept { return flags >> 1 & 0x1F; }
+
+struct PointForms {
+  PointForm forms[32] = {};
+  constexpr PointForms() noexcept {
+    for (std::uint32_t flags = 0; flags < 0x40; flags += 2) {
+      PointForm& form = forms[formOf(flags)];
+      const bool positiveX = (flags & 0x10) != 0, positiveY = (flags & 0x20) != 0;
+      set((flags & 0x02) != 0, positiveX, form.x0, form.x1, form.xLength);
+      set((flags & 0x04) != 0, positiveY, form.y0, form.y1, form.yLength);
+    }
   }
-  return place;
+
+ private:
+  // Without the byte bit the positive bit means "the same as before".
+  static constexpr void set(bool isByte, bool positive, std::uint32_t& first, std::uint32_t& second,
+                            std::uint32_t& length) noexcept {
+    first = isByte ? (positive ? 1u : 0xFFFFFFFFu) : (positive ? 0u : 256u);
+    second = !isByte && !positive ? 1u : 0u;
+    length = isByte ? 1u : (positive ? 0u : 2u);
+  }
+};
+constexpr PointForms kPointForms;
+
+// Both coordinates of all points. `read` gives the byte at a place, also up to two bytes beyond the
+// last coordinate, where it does not matter what.
+template <class Read>
+void decodeCoordinates(Read read, std::size_t xPlace, std::size_t yPlace, std::uint32_t count,
+                       GlyphPoint* points) noexcept {
+  std::uint32_t x = 0, y = 0;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const PointForm& form = kPointForms.forms[formOf(points[i].flags)];
+    x += read(xPlace) * form.x0 + read(xPlace + 1) * form.x1;
+    y += read(yPlace) * form.y0 + read(yPlace + 1) * form.y1;
+    xPlace += form.xLength;
+    yPlace += form.yLength;
+    points[i].x = static_cast<std::int16_t>(x);
+    points[i].y = static_cast<std::int16_t>(y);
+  }
 }
 
 struct Placement {
@@ -226,21 +245,31 @@ std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept 
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,
                         GlyphPoint* points) noexcept {
   const std::size_t instructions = kContourEnds + 2 * std::size_t{contours};
-  // Beyond the end flags read 0 and coordinates as if zeros followed; the one test of the place
-  // reached tells afterwards whether that has happened.
   std::size_t place = instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions);
   if (count == 0 || place > glyph.size()) return false;
+  std::size_t xLength = 0, yLength = 0;
+  // Beyond the end flags read 0; the place reached tells afterwards that this has happened.
   for (std::uint32_t i = 0; i < count;) {
     const std::uint8_t flag = glyph.readOrZero<std::uint8_t>(place++);
-    points[i++].flags = flag;
-    if ((flag & kRepeat) == 0) continue;
-    std::uint32_t repeats = glyph.readOrZero<std::uint8_t>(place++);
-    if (repeats > count - i) return false;
-    for (; repeats > 0; --repeats) points[i++].flags = flag;
+    const std::uint32_t repeats =
+        (flag & kRepeat) == 0 ? 0u : glyph.readOrZero<std::uint8_t>(place++);
+    if (repeats >= count - i) return false;
+    const PointForm& form = kPointForms.forms[formOf(flag)];
+    xLength += form.xLength * (repeats + 1);
+    yLength += form.yLength * (repeats + 1);
+    const std::uint32_t end = i + repeats + 1;
+    for (; i < end; ++i) points[i].flags = flag;
   }
-  place = decodeDeltas<1, 4, &GlyphPoint::x>(glyph, place, count, points);
-  place = decodeDeltas<2, 5, &GlyphPoint::y>(glyph, place, count, points);
-  if (place > glyph.size()) return false;
+  if (!glyph.holds(place, xLength + yLength)) return false;
+  if (glyph.holds(place, xLength + yLength + 2)) {
+    const auto read = [glyph](std::size_t at) -> std::uint32_t { return glyph.readHeld(at); };
+    decodeCoordinates(read, place, place + xLength, count, points);
+  } else {
+    const auto read = [glyph](std::size_t at) -> std::uint32_t {
+      return glyph.readOrZero<std::uint8_t>(at);
+    };
+    decodeCoordinates(read, place, place + xLength, count, points);
+  }
   for (std::size_t i = 0; i < contours; ++i) {
     points[glyph.readOrZero<std::uint16_t>(kContourEnds + 2 * i)].flags |= kPointEndsContour;
   }

@@ -25,7 +25,7 @@ Spot between(Spot a, Spot b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
 void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count, int originX) {
   const auto spot = [&](std::size_t i) -> Spot {
     return {static_cast<double>(points[i % count].x + originX),
-            0.0 - points[i % count].y};
+            static_cast<double>(-points[i % count].y)};
   };
   const auto write = [&path](char command, Spot to) { path << command << to.x << ' ' << to.y; };
   std::size_t first = 0;
