@@ -35,7 +35,6 @@
 #pragma GCC diagnostic ignored "-Wunused-function"
 #pragma GCC diagnostic ignored "-Wcast-align"
 #pragma GCC diagnostic ignored "-Wshadow"
-#pragma GCC diagnostic ignored "-Wduplicated-branches"
 #define STBTT_STATIC
 #define STB_TRUETYPE_IMPLEMENTATION
 #include <stb/stb_truetype.h>
@@ -76,6 +75,9 @@ struct Subject {
       std::free(made);
     }
   }
+  Subject(const Subject&) = delete;
+  Subject& operator=(const Subject&) = delete;
+  ~Subject() { closeTrueTypeFont(font); }
   FontResult open(TrueTypeFont** out) const {
     return openTrueTypeFont("f", image.data(), static_cast<std::int32_t>(image.size()), 0, out);
   }
