@@ -42,4 +42,6 @@ ulm_need() {
 ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
 ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
   libgmock-dev libbenchmark-dev python3 binutils git
-  libgmp-dev libssl-dev libtommath-dev)  # peers, to compare with
+  # Peers to compare with, and fonts to read.
+  libgmp-dev libssl-dev libtommath-dev libfreetype-dev libharfbuzz-dev libstb-dev
+  fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds Ulmira with its tests and runs all of them: with g++ and clang, and under the sanitizers.
+# Builds Ulmira with its tests and runs all of them: with g++ and clang, and under the sanitizers; then
+# the fuzz targets for a moment.
 # Arguments are the presets to run instead, such as `scripts/test.sh gcc`.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -7,13 +8,15 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 ulm_need "${ULM_TEST_PACKAGES[@]}"
 presets=("$@")
-[ "${#presets[@]}" -gt 0 ] || presets=(gcc clang asan tsan)
+[ "${#presets[@]}" -gt 0 ] || presets=(gcc clang asan tsan fuzz)
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 for preset in "${presets[@]}"; do
   echo "== $preset: building"
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" &&
-         cmake --build --preset "$preset" --target all_verify_interface_header_sets; } >"$log" 2>&1; then
+  targets=(all all_verify_interface_header_sets)
+  [ "$preset" != fuzz ] || targets=(fuzzers)
+  if ! { cmake --preset "$preset" &&
+         cmake --build --preset "$preset" --target "${targets[@]}"; } >"$log" 2>&1; then
     cat "$log" >&2
     exit 1
   fi

@@ -24,4 +24,7 @@ void addRsaCommand(CLI::App& app, int& status);
 // `ulmira clip`: polygons and segments against the view volume.
 void addClipCommand(CLI::App& app, int& status);
 
+// `ulmira font`: what a TrueType font holds.
+void addFontCommand(CLI::App& app, int& status);
+
 }  // namespace ulm::tools

@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
     ulm::tools::addDigestCommand(app, status);
     ulm::tools::addRsaCommand(app, status);
     ulm::tools::addClipCommand(app, status);
+    ulm::tools::addFontCommand(app, status);
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,30 @@
+// Open and every reading operation. The last byte of an input picks the face; the rest is the
+// image, in a heap block of its exact size.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "tests/truetype/exercise.h"
+#include "truetype/reader/open.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size < 2 || size > 65536) return 0;
+  const std::size_t imageSize = size - 1;
+  const std::unique_ptr<std::uint8_t[]> image(new std::uint8_t[imageSize]);
+  std::memcpy(image.get(), data, imageSize);
+  ulm::truetype::TrueTypeFont* font = nullptr;
+  const auto result = ulm::truetype::openTrueTypeFont(
+      "dir/name.ttf", image.get(), static_cast<std::int32_t>(imageSize), data[size - 1], &font);
+  int wrong = (font != nullptr) == (result == ulm::truetype::FontResultOk) ? 0 : 1;
+  // Few glyphs, so that one that goes up to the bound of work does not make a run long.
+  if (font != nullptr) wrong += ulm::test::exerciseFont(font, 16);
+  ulm::truetype::closeTrueTypeFont(font);
+  if (wrong != 0) {
+    std::fprintf(stderr, "font: %d results that cannot be\n", wrong);
+    std::abort();
+  }
+  return 0;
+}

@@ -1,0 +1,170 @@
+#include "truetype/reader/kerning.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "tests/support/font_image.h"
+
+namespace {
+
+using namespace ulm::test;
+using namespace ulm::truetype;
+
+struct Pair {
+  int left, right, value;
+};
+// A Microsoft subtable whose stored length is its own, but for `addToLength`.
+Bytes subtable(int coverage, const std::vector<Pair>& pairs, int addToLength = 0) {
+  Bytes table;
+  const int count = static_cast<int>(pairs.size());
+  table.u16({0, 14 + 6 * count + addToLength, coverage, count, 0, 0, 0});
+  for (const Pair& pair : pairs) table.u16({pair.left, pair.right, pair.value});
+  return table;
+}
+Bytes kernTable(const std::vector<Bytes>& subtables) {
+  Bytes table;
+  table.u16({0, static_cast<int>(subtables.size())});
+  for (const Bytes& bytes : subtables) table.add(bytes);
+  return table;
+}
+FontImage kerned(const Bytes& kern, int em = 1000) {
+  return FontImage().also("kern", kern).patch16("head", 18, em);
+}
+
+std::pair<int, int> pairOf(const OpenFont& font, int vertical, unsigned left, unsigned right) {
+  std::int32_t x = 99, y = 99;
+  getPairKerning(font->kernType, font->kernTableCount, font->kernTables, font->unitsPerEm, vertical,
+                 left, right, &x, &y);
+  // A run says the same.
+  if (left <= 0xFFFF && right <= 0xFFFF) {
+    const std::uint16_t run[] = {static_cast<std::uint16_t>(left),
+                                 static_cast<std::uint16_t>(right)};
+    KernAdjustment adjustment = {99, 99};
+    getRunKerning(font.get(), run, 2, vertical, &adjustment);
+    EXPECT_EQ(adjustment.x, x);
+    EXPECT_EQ(adjustment.y, y);
+  }
+  return {x, y};
+}
+
+const Bytes kTwoPairs = subtable(1, {{1, 2, -50}, {1, 3, -60}});
+
+TEST(Kerning, AnalysisOfTheTable) {
+  struct Case {
+    const char* name;
+    Bytes kern;
+    int type;
+    unsigned count;
+  };
+  const Bytes apple = Bytes().u32(0x00010000).u32(1);
+  const Case cases[] = {
+      {"31", kernTable({subtable(1, {{1, 2, 3}}, 7)}).zeros(7), 0, 0},
+      {"32", kernTable({subtable(1, {{1, 2, 3}}, 8)}).zeros(8), 2, 1},
+      {"NoSubtables", Bytes().zeros(32), 2, 0},
+      {"EndsWithTheImage", kernTable({kTwoPairs, kTwoPairs, kTwoPairs}), 2, 3},
+      {"OneByteBeyond", kernTable({kTwoPairs, kTwoPairs, subtable(1, {{1, 2, 3}}, 1)}), 0, 0},
+      {"HeaderBeyond", kernTable({kTwoPairs, kTwoPairs}).put16(2, 3), 0, 0},
+      {"Apple", Bytes(apple).u32(24).zeros(20), 1, 1},
+      {"AppleBeyond", Bytes(apple).u32(25).zeros(20), 0, 0},
+      {"AppleCount", Bytes().u32(0x00010000).u32(0xFFFFFFFF).zeros(24), 0, 0},
+      {"VersionTwo", Bytes().u32(0x00020000).u32(1).u32(24).zeros(20), 0, 0},
+  };
+  for (const Case& tested : cases) {
+    const OpenFont font(kerned(tested.kern));
+    ASSERT_EQ(font.result, FontResultOk) << tested.name;
+    EXPECT_EQ(font->kernType, tested.type) << tested.name;
+    EXPECT_EQ(font->kernTables != nullptr, tested.type != 0) << tested.name;
+    if (tested.type == 0) continue;
+    EXPECT_EQ(font->kernTableCount, tested.count);
+  }
+  // Beyond the table, and inside the image.
+  const OpenFont inside(
+      kerned(kernTable({subtable(1, {{1, 2, 3}}, 20)}).zeros(8)).also("zzzz", Bytes().zeros(12)));
+  EXPECT_EQ(inside->kernType, 2);
+}
+
+TEST(Kerning, Requests) {
+  const OpenFont font(
+      kerned(kernTable({subtable(1, {{1, 2, -50}, {1, 3, -100}, {7, 7, 30}}),
+                        subtable(0, {{1, 2, 40}}), subtable(1, {{1, 2, -80}, {0xFFFF, 0xFFFF, 5}}),
+                        subtable(3, {{1, 3, 9}}), subtable(5, {{1, 3, 9}}),
+                        subtable(9, {{1, 3, 9}}), subtable(0x0201, {{1, 3, 9}}), subtable(1, {})}),
+             2048));
+  ASSERT_EQ(font->kernType, 2);
+  using XY = std::pair<int, int>;
+  EXPECT_EQ(pairOf(font, 0, 1, 2), XY(-39, 0));  // the last subtable wins
+  EXPECT_EQ(pairOf(font, 0, 1, 3), XY(-48, 0));  // towards zero
+  EXPECT_EQ(pairOf(font, 1, 1, 2), XY(0, 19));
+  EXPECT_EQ(pairOf(font, 1, 1, 3), XY(0, 0));
+  EXPECT_EQ(pairOf(font, 0, 7, 7), XY(14, 0));
+  EXPECT_EQ(pairOf(font, 0, 7, 8), XY(0, 0));
+  EXPECT_EQ(pairOf(font, 0, 0xFFFF, 0xFFFF), XY(2, 0));
+  EXPECT_EQ(pairOf(font, 0, 0x10000, 2), XY(0, 0));
+  EXPECT_EQ(pairOf(font, 2, 1, 2), XY(0, 0));
+
+  const std::uint16_t run[] = {1, 2, 1, 3};
+  KernAdjustment out[4] = {{9, 9}, {9, 9}, {9, 9}, {9, 9}};
+  getRunKerning(font.get(), run, 1, 0, out);
+  getRunKerning(font.get(), run, 0, 0, out);
+  getRunKerning(font.get(), nullptr, 4, 0, out);
+  getRunKerning(font.get(), run, 4, 0, nullptr);
+  EXPECT_EQ(out[0].x, 9);
+  getRunKerning(font.get(), run, 4, 0, out);
+  EXPECT_EQ(out[0].x, -39);
+  EXPECT_EQ(out[1].x, 0);
+  EXPECT_EQ(out[2].x, -48);
+  EXPECT_EQ(out[3].x, 9);
+  std::int32_t x = 9;
+  getPairKerning(2, 1, font->kernTables, 1000, 0, 1, 2, &x, nullptr);
+  getPairKerning(2, 1, font->kernTables, 1000, 0, 1, 2, nullptr, &x);
+  EXPECT_EQ(x, 9);
+  EXPECT_EQ(pairOf(OpenFont{FontImage()}, 0, 1, 2), XY(0, 0));
+}
+
+TEST(Kerning, PairsThatLeaveTheImageAreSkipped) {
+  Bytes last = subtable(1, {{1, 2, -80}});
+  last.put16(6, 2);  // one pair more than there is
+  const OpenFont font(kerned(kernTable({kTwoPairs, last})));
+  ASSERT_EQ(font->kernType, 2);
+  EXPECT_EQ(font->kernTables[1], nullptr);
+  EXPECT_EQ(pairOf(font, 0, 1, 2).first, -50);
+}
+
+TEST(Kerning, AppleFormPrintsOnceACall) {
+  const OpenFont font(kerned(Bytes().u32(0x00010000).u32(1).u32(24).zeros(20)));
+  const std::uint16_t run[] = {1, 2, 3};
+  KernAdjustment out[2] = {{9, 9}, {9, 9}};
+  const std::string line = "MacOS kerning tables have not been implemented yet!\n";
+  testing::internal::CaptureStderr();
+  getRunKerning(font.get(), run, 3, 0, out);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), line);
+  EXPECT_EQ(out[1].x, 0);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(pairOf(font, 0, 1, 2).first, 0);  // a pair and a run
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), line + line);
+}
+
+TEST(Kerning, BisectionOnAnyOrder) {
+  std::mt19937 random(3);
+  for (int count = 1; count < 40; ++count) {
+    std::vector<Pair> pairs;
+    for (int i = 0; i < count; ++i) pairs.push_back({1, static_cast<int>(random() % 40), i + 1});
+    const Bytes kern = kernTable({subtable(1, pairs)}).zeros(12);
+    const OpenFont font(kerned(kern));
+    for (int right = 0; right < 40; ++right) {
+      int low = 0, high = count - 1;
+      while (low <= high) {
+        const int middle = (low + high) / 2;
+        const int stored = pairs[static_cast<std::size_t>(middle)].right;
+        if (right >= stored) low = middle + 1;
+        if (right <= stored) high = middle - 1;
+      }
+      EXPECT_EQ(pairOf(font, 0, 1, static_cast<unsigned>(right)).first,
+                low - high == 2 ? pairs[static_cast<std::size_t>(low - 1)].value : 0);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,110 @@
+// The one way by which font bytes are read: a run of bytes that knows its end.
+#pragma once
+
+#include <cassert>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <type_traits>
+
+#include "truetype/bytes.h"
+#include "truetype/font.h"
+
+namespace ulm::truetype::detail {
+
+// A borrowed run of bytes. There is no way in but an offset, which is tested against the end
+// without forming a sum, so that no value from a font can wrap the test.
+class ByteView {
+ public:
+  constexpr ByteView() noexcept = default;
+  constexpr ByteView(const std::uint8_t* start, std::size_t size) noexcept
+      : start_(start), size_(size) {}
+
+  constexpr std::size_t size() const noexcept { return size_; }
+  // For records that keep a place in the image; nothing is read through it here.
+  constexpr const std::uint8_t* start() const noexcept { return start_; }
+
+  constexpr bool holds(std::size_t offset, std::size_t length) const noexcept {
+    return offset <= size_ && length <= size_ - offset;
+  }
+  constexpr std::optional<ByteView> sub(std::size_t offset, std::size_t length) const noexcept {
+    if (!holds(offset, length)) return std::nullopt;
+    return ByteView(start_ + offset, length);
+  }
+  // All from `offset` on; a view without bytes where that lies outside.
+  constexpr ByteView from(std::size_t offset) const noexcept {
+    return offset <= size_ ? ByteView(start_ + offset, size_ - offset) : ByteView();
+  }
+
+  // The big-endian value at `offset`: nothing, or 0, where one of its bytes lies outside.
+  template <class T>
+  constexpr std::optional<T> read(std::size_t offset) const noexcept {
+    if (!holds(offset, sizeof(T))) return std::nullopt;
+    return load<T>(offset);
+  }
+  template <class T>
+  constexpr T readOrZero(std::size_t offset) const noexcept {
+    return holds(offset, sizeof(T)) ? load<T>(offset) : T{0};
+  }
+  // A byte of a run that the caller has tested as a whole, with holds.
+  constexpr std::uint8_t readHeld(std::size_t offset) const noexcept {
+    assert(offset < size_);
+    return start_[offset];
+  }
+
+  // The run of `count` big-endian values from the first byte on, each stored as `as` makes it of a
+  // stored one. All are tested at once, so that the loop is as plain as a copy. False, with nothing
+  // stored, where they are not all there.
+  template <class T, class Out, class As>
+  constexpr bool readRun(std::size_t count, Out* out, As as) const noexcept {
+    if (count > size_ / sizeof(T)) return false;
+    for (std::size_t i = 0; i < count; ++i) out[i] = as(load<T>(i * sizeof(T)));
+    return true;
+  }
+
+  // Copies `length` bytes, or nothing and gives false where they are not all there.
+  bool copy(std::size_t offset, std::size_t length, void* out) const noexcept {
+    if (!holds(offset, length)) return false;
+    if (length != 0) std::memcpy(out, start_ + offset, length);
+    return true;
+  }
+
+ private:
+  template <class T>
+  constexpr T load(std::size_t offset) const noexcept {
+    static_assert(std::is_integral_v<T> && (sizeof(T) == 1 || sizeof(T) == 2 || sizeof(T) == 4));
+    if constexpr (sizeof(T) == 1) {
+      return static_cast<T>(start_[offset]);
+    } else if constexpr (sizeof(T) == 2) {
+      return static_cast<T>(readUInt16(start_, offset));
+    } else {
+      return static_cast<T>(readUInt32(start_, offset));
+    }
+  }
+
+  const std::uint8_t* start_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+inline ByteView imageView(const TrueTypeFont& font) noexcept {
+  return {font.image, static_cast<std::size_t>(font.imageSize)};
+}
+
+// From the start of the table to the end of the image: stored lengths bound no lookup. Empty for a
+// table that the font lacks.
+inline ByteView tableView(const TrueTypeFont& font, TableSlot slot) noexcept {
+  const std::uint8_t* table = font.tables[slot];
+  if (table == nullptr) return {};
+  return imageView(font).from(static_cast<std::size_t>(table - font.image));
+}
+
+// The bytes of a glyph, up to the end of glyf; empty for a glyph without data, and for one that
+// starts outside glyf. `glyphIndex` is below numGlyphs.
+inline ByteView glyphView(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
+  const std::uint32_t start = font.glyphOffsets[glyphIndex];
+  if (font.glyphOffsets[glyphIndex + 1] == start) return {};
+  return ByteView(font.tables[kSlotGlyf], font.tableLengths[kSlotGlyf]).from(start);
+}
+
+}  // namespace ulm::truetype::detail

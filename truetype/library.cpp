@@ -1,1 +1,0 @@
-// The library holds nothing yet; this source gives it a file to archive.

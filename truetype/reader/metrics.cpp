@@ -1,0 +1,137 @@
+#include "truetype/reader/metrics.h"
+
+#include "truetype/detail/byte_view.h"
+#include "truetype/detail/c_buffer.h"
+
+namespace ulm::truetype {
+namespace {
+
+using detail::ByteView;
+
+struct Metric {
+  std::uint16_t advance;
+  std::int16_t sideBearing;
+};
+
+// The rule of both tables; `longCount` is above 0.
+Metric metricOf(ByteView table, std::size_t longCount, std::size_t glyphCount,
+                std::size_t glyph) noexcept {
+  const std::size_t entry = 4 * (glyph < longCount ? glyph : longCount - 1);
+  const std::size_t bearing = glyph < longCount || glyph >= glyphCount
+                                  ? entry + 2
+                                  : 4 * longCount + 2 * (glyph - longCount);
+  return {table.readOrZero<std::uint16_t>(entry), table.readOrZero<std::int16_t>(bearing)};
+}
+
+std::uint16_t lowHalf(std::int32_t value) noexcept { return static_cast<std::uint16_t>(value); }
+
+ScaledAdvance scale(std::int32_t unitsPerEm, Metric metric) noexcept {
+  return {lowHalf(scaleToThousandths(unitsPerEm, metric.advance)),
+          static_cast<std::int16_t>(scaleToThousandths(unitsPerEm, metric.sideBearing))};
+}
+
+// All that a raw table of these counts may be read at, as its caller vouches.
+ByteView rawView(const std::uint8_t* table, std::size_t longCount,
+                 std::size_t glyphCount) noexcept {
+  return {table, 4 * longCount + (glyphCount > longCount ? 2 * (glyphCount - longCount) : 0)};
+}
+
+}  // namespace
+
+void readGlyphMetrics(const TrueTypeFont* font, std::uint32_t glyphIndex,
+                      GlyphMetrics* metrics) noexcept {
+  metrics->advanceWidth = 0;
+  metrics->leftSideBearing = 0;
+  metrics->advanceHeight = 0;
+  metrics->topSideBearing = 0;
+  if (font->tables[kSlotHmtx] == nullptr || font->numberOfHMetrics == 0) return;
+  const Metric across = metricOf(detail::tableView(*font, kSlotHmtx), font->numberOfHMetrics,
+                                 font->numGlyphs, glyphIndex);
+  metrics->advanceWidth = across.advance;
+  metrics->leftSideBearing = across.sideBearing;
+  if (font->tables[kSlotVmtx] == nullptr || font->numOfLongVerMetrics == 0) return;
+  const Metric down = metricOf(detail::tableView(*font, kSlotVmtx), font->numOfLongVerMetrics,
+                               font->numGlyphs, glyphIndex);
+  metrics->advanceHeight = down.advance;
+  metrics->topSideBearing = down.sideBearing;
+}
+
+bool readGlyphBox(const TrueTypeFont* font, std::uint32_t glyphIndex,
+                  GlyphMetrics* metrics) noexcept {
+  if (glyphIndex >= font->numGlyphs) return false;
+  const ByteView glyph = detail::glyphView(*font, glyphIndex);
+  if (glyph.size() == 0) return false;
+  metrics->xMin = glyph.readOrZero<std::int16_t>(2);
+  metrics->yMin = glyph.readOrZero<std::int16_t>(4);
+  metrics->xMax = glyph.readOrZero<std::int16_t>(6);
+  metrics->yMax = glyph.readOrZero<std::int16_t>(8);
+  return true;
+}
+
+GlyphBox* readAllGlyphBoxes(const TrueTypeFont* font) noexcept {
+  auto boxes = detail::makeZeroedBuffer<GlyphBox>(font->numGlyphs);
+  if (boxes == nullptr) return nullptr;
+  const auto scaled = [font](std::int16_t value) {
+    return static_cast<std::int16_t>(scaleToThousandths(font->unitsPerEm, value));
+  };
+  for (std::uint32_t i = 0; i < font->numGlyphs; ++i) {
+    GlyphMetrics stored;
+    if (!readGlyphBox(font, i, &stored)) continue;
+    boxes[i] = {scaled(stored.xMin), scaled(stored.yMin), scaled(stored.xMax), scaled(stored.yMax)};
+  }
+  return boxes.release();
+}
+
+ScaledAdvance* getScaledAdvances(const TrueTypeFont* font, const std::uint16_t* glyphs,
+                                 std::int32_t count, std::int32_t vertical) noexcept {
+  const TableSlot slot = vertical != 0 ? kSlotVmtx : kSlotHmtx;
+  const std::uint32_t longCount =
+      vertical != 0 ? font->numOfLongVerMetrics : font->numberOfHMetrics;
+  if (count <= 0 || glyphs == nullptr || longCount == 0 || font->tables[slot] == nullptr) {
+    return nullptr;
+  }
+  const ByteView table = detail::tableView(*font, slot);
+  auto advances = detail::makeZeroedBuffer<ScaledAdvance>(static_cast<std::size_t>(count));
+  if (advances == nullptr) return nullptr;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    advances[i] = scale(font->unitsPerEm, metricOf(table, longCount, font->numGlyphs, glyphs[i]));
+  }
+  return advances.release();
+}
+
+void getScaledGlyphMetricsFromTables(const std::uint8_t* hmtx, const std::uint8_t* vmtx,
+                                     std::int32_t hCount, std::int32_t vCount,
+                                     std::uint32_t glyphCount, std::int32_t unitsPerEm,
+                                     std::uint16_t glyph, ScaledMetrics* outMetrics) noexcept {
+  *outMetrics = {};
+  const auto scaled = [&](const std::uint8_t* table, std::int32_t longCount) -> ScaledAdvance {
+    if (table == nullptr || longCount <= 0) return {};
+    const auto entries = static_cast<std::size_t>(longCount);
+    return scale(unitsPerEm,
+                 metricOf(rawView(table, entries, glyphCount), entries, glyphCount, glyph));
+  };
+  const ScaledAdvance across = scaled(hmtx, hCount);
+  const ScaledAdvance down = scaled(vmtx, vCount);
+  *outMetrics = {across.advance, down.advance, across.sideBearing, down.sideBearing};
+}
+
+ScaledMetrics* getScaledMetricsFromTables(const std::uint8_t* hmtx, const std::uint8_t* vmtx,
+                                          std::int32_t hCount, std::int32_t vCount,
+                                          std::uint32_t glyphCount, std::int32_t unitsPerEm,
+                                          const std::uint16_t* glyphs,
+                                          std::int32_t count) noexcept {
+  if (count <= 0 || glyphs == nullptr) return nullptr;
+  auto metrics = detail::makeZeroedBuffer<ScaledMetrics>(static_cast<std::size_t>(count));
+  if (metrics == nullptr) return nullptr;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    getScaledGlyphMetricsFromTables(hmtx, vmtx, hCount, vCount, glyphCount, unitsPerEm, glyphs[i],
+                                    &metrics[i]);
+  }
+  return metrics.release();
+}
+
+std::uint16_t rawTableCount(const std::uint8_t* table) noexcept {
+  return table == nullptr ? std::uint16_t{0} : readUInt16(table, 2);
+}
+
+}  // namespace ulm::truetype

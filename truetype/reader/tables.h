@@ -1,0 +1,28 @@
+// Single tables of an open font, by slot or by tag.
+#pragma once
+
+#include <cstdint>
+
+#include "truetype/font.h"
+
+namespace ulm::truetype {
+
+// The slot of a tag, or -1 for a tag without one. "cvt " ends in a blank.
+std::int32_t tableSlotForTag(std::uint32_t tag) noexcept;
+
+// The slot's entry. `slot` is 0 to 16; the caller vouches for it.
+const std::uint8_t* tableBySlot(const TrueTypeFont* font, std::int32_t slot) noexcept;
+std::uint32_t tableLengthBySlot(const TrueTypeFont* font, std::int32_t slot) noexcept;
+
+// The start of the table inside the image. Null where the font lacks it, where a table with a slot
+// has length 0, and where the bytes of a table without one, of which the directory's first entry
+// counts, leave the image.
+const std::uint8_t* findTableByTag(const TrueTypeFont* font, std::uint32_t tag) noexcept;
+
+// A copy of the table that findTableByTag finds, to be given back with free; null where that is
+// null, or without memory. A table without a slot that has no bytes gives an empty buffer.
+// `outLength`, which may be null, receives the bytes copied.
+std::uint8_t* copyTableByTag(const TrueTypeFont* font, std::uint32_t tag,
+                             std::uint32_t* outLength) noexcept;
+
+}  // namespace ulm::truetype
