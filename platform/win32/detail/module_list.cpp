@@ -111,7 +111,8 @@ std::string fromKernel(std::string_view name) {
   }
   std::string plain(name);
   for (std::size_t at = 0; (at = plain.find("\\012", at)) != std::string::npos; ++at) {
-    plain.replace(at, 4, "\n");
+    plain.erase(at, 3);
+    plain[at] = '\n';
   }
   return plain;
 }
