@@ -3,6 +3,7 @@
 #include "clip/growable/polygon_array.h"
 #include "clip/segment.h"
 #include "platform/odrx/alloc.h"
+#include "truetype/reader/open.h"
 
 int main() {
   void* block = odrxAlloc(16);
@@ -12,5 +13,8 @@ int main() {
   ulm::clip::ClipPoint b{2, 0, 0, 1};
   const bool clipped = ulm::clip::clipSegment3D(a, b) && a.x == -1 && b.x == 1;
   ulm::clip::ClipPolygonArray polygon(3, true);
-  return block != nullptr && product && clipped && polygon.count == 3 ? 0 : 1;
+  ulm::truetype::TrueTypeFont* font = nullptr;
+  const bool refused = ulm::truetype::openTrueTypeFont("none", nullptr, 0, 0, &font) ==
+                       ulm::truetype::FontResultBadArgument;
+  return block != nullptr && product && clipped && polygon.count == 3 && refused ? 0 : 1;
 }
