@@ -256,6 +256,12 @@ class OpenFont {
   truetype::TrueTypeFont* font_ = nullptr;
 };
 
+// Values of any kinds side by side.
+template <class... Values>
+std::vector<long long> row(Values... values) {
+  return {static_cast<long long>(values)...};
+}
+
 struct Freed {
   void operator()(void* block) const { std::free(block); }
 };

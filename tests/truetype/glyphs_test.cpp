@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "tests/support/font_image.h"
+#include "tests/support/vector_blocks.h"
 #include "truetype/reader/fixed_point.h"
 
 namespace {
@@ -47,6 +48,15 @@ Outline outlineOf(const OpenFont& font, std::uint32_t glyph) {
   return outline;
 }
 
+// Byte count, composite, points, contours; nothing for null.
+std::vector<long long> dataOf(const OpenFont& font, std::uint32_t glyph) {
+  const std::unique_ptr<GlyphData, Freed> data(getGlyphData(font.get(), glyph));
+  if (data == nullptr) return {};
+  const auto bytes = owned(data->data);
+  EXPECT_EQ(bytes != nullptr, data->byteCount != 0);
+  return row(data->byteCount, data->isComposite, data->pointCount, data->contourCount);
+}
+
 const Bytes kTriangle = simpleGlyph({2}, {{0, 0}, {100, 0}, {50, 80}});
 
 OpenFont fontOf(const std::vector<Bytes>& glyphs) {
@@ -76,10 +86,7 @@ TEST(SimpleGlyph, RepeatsEndWithTheLastPoint) {
     const OpenFont font = fontOf({Bytes().u16({1, 0, 0, 0, 0, 2, 0}).u8(0x38).u8(repeats)});
     EXPECT_EQ(outlineOf(font, 0).result, repeats == 2 ? 3 : 0);
     EXPECT_EQ(outlineOf(font, 0).given, repeats == 2);
-    const std::unique_ptr<GlyphData, Freed> data(getGlyphData(font.get(), 0));
-    EXPECT_EQ(data->pointCount, repeats == 2 ? 3 : 0);
-    EXPECT_EQ(data->byteCount, 16);
-    std::free(data->data);
+    EXPECT_THAT(dataOf(font, 0), ElementsAre(16, 0, repeats == 2 ? 3 : 0, repeats == 2));
   }
 }
 
@@ -94,90 +101,24 @@ TEST(SimpleGlyph, DataCutByTheEndOfGlyf) {
     const OpenFont font(image.table("glyf", glyf));  // loca still tells the whole length
     ASSERT_EQ(font.result, FontResultOk);
     EXPECT_EQ(outlineOf(font, 0).result, 0) << size;
-    const std::unique_ptr<GlyphData, Freed> data(getGlyphData(font.get(), 0));
-    EXPECT_EQ(data->byteCount, (size + 1) / 2 * 2);
-    EXPECT_EQ(data->data != nullptr, size > 0);
-    std::free(data->data);
+    EXPECT_EQ(dataOf(font, 0).at(0), (size + 1) / 2 * 2);
   }
 }
-
-// What the rule for placing a point says, in exact arithmetic that has nothing to do with the
-// library's: 16.16 values whose last bits are cut towards zero in each step.
-At placed(double a, double b, double c, double d, int e, int f, At point) {
-  const auto fixed = [](double value) { return static_cast<std::int64_t>(value * 65536); };
-  const auto cutTo16 = [](std::int64_t product) { return product / 65536; };
-  const auto along = [&](std::int64_t w, int x, std::int64_t v, int y, std::int64_t other,
-                         int move) {
-    std::int64_t p = w < 0 ? -w : w, q = other < 0 ? -other : other;
-    std::int64_t factor = std::max(p, q);
-    if (std::max(p, q) - std::min(p, q) <= 33) factor *= 2;
-    const std::int64_t sum = cutTo16(w * x * 65536) * 65536 / factor +
-                             cutTo16(v * y * 65536) * 65536 / factor + std::int64_t{move} * 65536;
-    const std::int64_t product = cutTo16(factor * sum);
-    return static_cast<int>(product >> 16);
-  };
-  return {along(fixed(a), point.x, fixed(c), point.y, fixed(b), e),
-          along(fixed(b), point.x, fixed(d), point.y, 0, f)};
-}
-
-int f2dot14(double value) { return static_cast<int>(value * 16384); }
-
-struct PlacedCase {
-  int flags;
-  Bytes rest;
-  At point, expected;
-};
 
 TEST(CompositeGlyph, PlacesPoints) {
-  const int one = f2dot14(1);
-  const Bytes unmoved = Bytes().u16({0, 0});
-  const PlacedCase cases[] = {
-      {0x0003, Bytes().u16({10, -20}), {100, 50}, {110, 30}},
-      {0x0001, Bytes().u16({-10, -20}), {100, 50}, {90, 30}},  // words are signed in any case
-      {0x0000, Bytes().u8(200).u8(0xFF), {0, 0}, {200, 255}},
-      {0x0002, Bytes().u8(200).u8(0xFF), {0, 0}, {-56, -1}},
-      {0x000B, Bytes().u16({10, 20, f2dot14(0.5)}), {100, 50}, {55, 35}},
-      {0x000B, Bytes().u16({10, 20, one}), {100, 50}, {110, 70}},
-      {0x0043, Bytes().u16({3, 4, f2dot14(1.5), f2dot14(0.5)}), {7, 5}, {15, 4}},
-      {0x0043, Bytes().u16({3, 4, f2dot14(1.5), f2dot14(0.5)}), {7, -13}, {15, -5}},
-      {0x0083, Bytes(unmoved).u16({0, one, -one, 0}), {100, 50}, {-50, 100}},
-      {0x00CB,
-       Bytes().u16({10, 20, f2dot14(0.5)}),
-       {100, 50},
-       {55, 35}},  // the single scale counts
-      {0x00C3, Bytes().u16({3, 4, f2dot14(1.5), f2dot14(0.5)}), {7, 5}, {15, 4}},
-      {0x000B, Bytes().u16({10, 20, 0}), {100, 50}, {10, 20}},
-      {0x0083, Bytes().u16({10, 20, 0, 0, one, one}), {3, 5}, {10, 45}},
-      {0x0003, Bytes().u16({1, 0}), {32767, -32768}, {-32768, -32768}},
-  };
-  for (const PlacedCase& tested : cases) {
+  for (auto& block : readVectorBlocks(ULM_TEST_DATA "/truetype/placed.txt")) {
+    const auto point = block.numbers("Point"), at = block.numbers("At");
+    Part part{static_cast<int>(block.numbers("Flags").at(0)), 0, {}};
+    for (const auto word : block.numbers("Record")) part.rest.u16({static_cast<int>(word)});
     // A second component shows that the record's length was right.
     const OpenFont font =
-        fontOf({simpleGlyph({0}, {{tested.point.x, tested.point.y}}),
-                compositeGlyph({{tested.flags, 0, tested.rest}, moved(0, 1, 1)})});
+        fontOf({simpleGlyph({0}, {{static_cast<int>(point.at(0)), static_cast<int>(point.at(1))}}),
+                compositeGlyph({part, moved(0, 1, 1)})});
     const Outline outline = outlineOf(font, 1);
-    ASSERT_EQ(outline.result, 2) << tested.flags;
-    EXPECT_EQ(outline.at[0], tested.expected) << tested.flags;
+    ASSERT_EQ(outline.result, 2) << block.where();
+    EXPECT_EQ(row(outline.at[0].x, outline.at[0].y), at) << block.where();
     EXPECT_EQ(outline.flags[1], 0x8001u);
-  }
-}
-
-TEST(CompositeGlyph, MatricesAsTheRuleSays) {
-  for (const double a : {0.75, -1.25, 0.5}) {
-    for (const double b : {0.75, 0.25, -0.5}) {
-      for (const double d : {1.5, -0.25, 0.5}) {
-        for (const At point : {At{1000, -777}, At{-3, 7}, At{1999, 1}}) {
-          Bytes rest = Bytes().u16({-7, 9, f2dot14(a), f2dot14(b), f2dot14(-b), f2dot14(d)});
-          const OpenFont font =
-              fontOf({simpleGlyph({0}, {{point.x, point.y}}), compositeGlyph({{0x0083, 0, rest}})});
-          // The rows' factors come from (a, b) and (c, d); the model takes them one by one.
-          const At x = placed(a, b, -b, d, -7, 9, point);
-          EXPECT_EQ(outlineOf(font, 1).at[0].x, x.x) << a << ' ' << b << ' ' << d;
-          const At y = placed(d, -b, b, a, 9, -7, {point.y, point.x});
-          EXPECT_EQ(outlineOf(font, 1).at[0].y, y.x) << a << ' ' << b << ' ' << d;
-        }
-      }
-    }
+    block.expectAllUsed();
   }
 }
 
@@ -236,41 +177,27 @@ TEST(CompositeGlyph, ComponentsAndMetrics) {
   EXPECT_EQ(readSimpleGlyph(font.get(), 2, &points, &metrics), 0);
   EXPECT_EQ(points, nullptr);
 
+  EXPECT_EQ(dataOf(font, 3), row(10 + 2 * 8, 1, 7, 2));
   const std::unique_ptr<GlyphData, Freed> data(getGlyphData(font.get(), 3));
-  EXPECT_EQ(data->isComposite, 1);
-  EXPECT_EQ(data->pointCount, 7);
-  EXPECT_EQ(data->contourCount, 2);
-  EXPECT_EQ(data->advanceWidth, 800);
-  EXPECT_EQ(data->leftSideBearing, 4);
-  EXPECT_EQ(data->glyphIndex, 3u);
-  std::free(data->data);
+  const auto bytes = owned(data->data);
+  EXPECT_EQ(row(data->advanceWidth, data->leftSideBearing, data->glyphIndex), row(800, 4, 3));
 }
 
 TEST(GlyphDataTest, Lengths) {
   Bytes odd = kTriangle;  // an odd length, and what follows is no part of it
   odd.back() = 0xEE;
-  const std::size_t length = odd.size();
-  ASSERT_EQ(length % 2, 1u);
   const OpenFont font = fontOf({odd, Bytes().zeros(65534), Bytes().zeros(65535), {}});
-  std::unique_ptr<GlyphData, Freed> data(getGlyphData(font.get(), 0));
-  EXPECT_EQ(data->byteCount, length + 1);
-  EXPECT_EQ(data->data[length - 1], 0xEE);
-  EXPECT_EQ(data->data[length], 0);
-  std::free(data->data);
-  data.reset(getGlyphData(font.get(), 1));
-  EXPECT_EQ(data->byteCount, 65534);
-  std::free(data->data);
-  EXPECT_EQ(getGlyphData(font.get(), 2), nullptr);
-  data.reset(getGlyphData(font.get(), 3));
-  EXPECT_EQ(data->data, nullptr);
-  EXPECT_EQ(data->byteCount, 0);
-  EXPECT_EQ(getGlyphData(font.get(), 4), nullptr);
+  const std::unique_ptr<GlyphData, Freed> data(getGlyphData(font.get(), 0));
+  const auto bytes = owned(data->data);
+  EXPECT_EQ(row(data->byteCount, bytes[odd.size() - 1], bytes[odd.size()]),
+            row(odd.size() + 1, 0xEE, 0));
+  EXPECT_EQ(dataOf(font, 1), row(65534, 0, 0, 0));
+  EXPECT_TRUE(dataOf(font, 2).empty() && dataOf(font, 4).empty());
+  EXPECT_EQ(dataOf(font, 3), row(0, 0, 0, 0));
   const OpenFont falling(
       FontImage().loca(Bytes().u32(8).u32(4).u32(0x10000000).u32(0x20000000), 1));
-  EXPECT_EQ(getGlyphData(falling.get(), 0), nullptr);
-  data.reset(getGlyphData(falling.get(), 2));  // starts outside glyf
-  EXPECT_EQ(data->byteCount, 0);
-  EXPECT_EQ(outlineOf(falling, 2).result, 0);
+  EXPECT_TRUE(dataOf(falling, 0).empty());
+  EXPECT_EQ(dataOf(falling, 2), row(0, 0, 0, 0));  // starts outside glyf
 }
 
 std::vector<std::uint32_t> components(const OpenFont& font, std::uint32_t glyph) {
