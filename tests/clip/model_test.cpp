@@ -222,5 +222,12 @@ TEST(FixedPolygon, AccessorsStayInside) {
   }
 }
 
+TEST(Segments, LeaveOutcodesAlone) {
+  ClipVertex a{-2, 0, 0, 1, 7};
+  ClipVertex b{2, 0, 0, 1, 9};
+  EXPECT_TRUE(clipSegment3D(a, b) && a.x == -1 && b.x == 1);
+  EXPECT_TRUE(a.outcode == 7 && b.outcode == 9);
+}
+
 }  // namespace
 }  // namespace ulm::clip
