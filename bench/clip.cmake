@@ -58,4 +58,4 @@ foreach(width "" "-float64")
 endforeach()
 
 add_test(NAME clip_bench.smoke COMMAND clip_bench --benchmark_min_time=0.0001)
-set_tests_properties(clip_bench.smoke PROPERTIES LABELS smoke TIMEOUT 300)
+set_tests_properties(clip_bench.smoke PROPERTIES LABELS "smoke;peer" TIMEOUT 300)

@@ -21,6 +21,7 @@
 
 #ifdef ULM_BENCH_FREETYPE
 #include <ft2build.h>
+#include FT_ADVANCES_H
 #include FT_FREETYPE_H
 #endif
 #ifdef ULM_BENCH_HARFBUZZ
@@ -119,6 +120,30 @@ void openUlmira(benchmark::State& state, const Subject& subject) {
   });
 }
 
+// The choice is made before a thread sanitizer's run-time is there.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__SANITIZE_THREAD__)
+#define ULM_BENCH_VECTORS __attribute__((target_clones("avx2", "default")))
+#else
+#define ULM_BENCH_VECTORS
+#endif
+// As fast as the processor's vectors let a copy be that swaps bytes.
+ULM_BENCH_VECTORS void swapCopy32(const std::uint8_t* bytes, std::size_t count,
+                                  std::uint32_t* __restrict out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint32_t value;
+    std::memcpy(&value, bytes + 4 * i, 4);
+    out[i] = __builtin_bswap32(value);
+  }
+}
+ULM_BENCH_VECTORS void swapCopy16(const std::uint8_t* bytes, std::size_t count,
+                                  std::uint32_t* __restrict out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint16_t value;
+    std::memcpy(&value, bytes + 2 * i, 2);
+    out[i] = 2u * __builtin_bswap16(value);
+  }
+}
+
 // What open cannot do without: loca, swapped into fresh memory.
 void openLocaCopy(benchmark::State& state, const Subject& subject) {
   const TrueTypeFont& font = *subject.font;
@@ -127,17 +152,7 @@ void openLocaCopy(benchmark::State& state, const Subject& subject) {
   const bool isLong = readInt16(font.tables[kSlotHead], 50) == 1;
   run(state, 1, [&] {
     auto* out = static_cast<std::uint32_t*>(std::malloc(count * sizeof(std::uint32_t)));
-    for (std::size_t i = 0; i < count; ++i) {
-      if (isLong) {
-        std::uint32_t value;
-        std::memcpy(&value, loca + 4 * i, 4);
-        out[i] = __builtin_bswap32(value);
-      } else {
-        std::uint16_t value;
-        std::memcpy(&value, loca + 2 * i, 2);
-        out[i] = 2u * __builtin_bswap16(value);
-      }
-    }
+    (isLong ? swapCopy32 : swapCopy16)(loca, count, out);
     benchmark::DoNotOptimize(out);
     benchmark::ClobberMemory();
     std::free(out);
@@ -160,6 +175,16 @@ void advanceUlmira(benchmark::State& state, const Subject& subject) {
     for (std::uint32_t glyph = 0; glyph < subject.font->numGlyphs; ++glyph) {
       GlyphMetrics metrics;
       readGlyphMetrics(subject.font, glyph, &metrics);
+      benchmark::DoNotOptimize(metrics);
+    }
+  });
+}
+
+void boxUlmira(benchmark::State& state, const Subject& subject) {
+  run(state, subject.font->numGlyphs, [&] {
+    for (std::uint32_t glyph = 0; glyph < subject.font->numGlyphs; ++glyph) {
+      GlyphMetrics metrics{};
+      readGlyphBox(subject.font, glyph, &metrics);
       benchmark::DoNotOptimize(metrics);
     }
   });
@@ -205,6 +230,7 @@ ULM_BENCH_ON(openLocaCopy, "open/loca_copy");
 ULM_BENCH_ON(mapUlmira<false>, "map/ulmira");
 ULM_BENCH_ON(mapUlmira<true>, "map_shuffled/ulmira");
 ULM_BENCH_ON(advanceUlmira, "advance/ulmira");
+ULM_BENCH_ON(boxUlmira, "box/ulmira");
 ULM_BENCH_ON(outlinesUlmira, "outlines/ulmira");
 ULM_BENCH_ON(outlinesIntoBuffer, "outlines/ulmira_buffer");
 ULM_BENCH_ON(kernUlmira, "kern/ulmira");
@@ -254,6 +280,16 @@ void mapFreeType(benchmark::State& state, const Subject& subject) {
     }
   });
 }
+void advanceFreeType(benchmark::State& state, const Subject& subject) {
+  const FreeTypeFace peer(subject);
+  run(state, subject.font->numGlyphs, [&] {
+    for (std::uint32_t glyph = 0; glyph < subject.font->numGlyphs; ++glyph) {
+      FT_Fixed advance = 0;
+      FT_Get_Advance(peer.face, glyph, FT_LOAD_NO_SCALE, &advance);
+      benchmark::DoNotOptimize(advance);
+    }
+  });
+}
 void outlinesFreeType(benchmark::State& state, const Subject& subject) {
   const FreeTypeFace peer(subject);
   run(state, subject.points, [&] {
@@ -278,6 +314,7 @@ void kernFreeType(benchmark::State& state, const Subject& subject) {
 ULM_BENCH_ON(openFreeType, "open/freetype");
 ULM_BENCH_ON(mapFreeType<false>, "map/freetype");
 ULM_BENCH_ON(mapFreeType<true>, "map_shuffled/freetype");
+ULM_BENCH_ON(advanceFreeType, "advance/freetype");
 ULM_BENCH_ON(outlinesFreeType, "outlines/freetype");
 ULM_BENCH_ON(kernFreeType, "kern/freetype");
 #endif
@@ -320,6 +357,16 @@ void advanceHarfBuzz(benchmark::State& state, const Subject& subject) {
     }
   });
 }
+void boxHarfBuzz(benchmark::State& state, const Subject& subject) {
+  const HarfBuzzFont peer(subject);
+  run(state, subject.font->numGlyphs, [&] {
+    for (std::uint32_t glyph = 0; glyph < subject.font->numGlyphs; ++glyph) {
+      hb_glyph_extents_t extents;
+      hb_font_get_glyph_extents(peer.font, glyph, &extents);
+      benchmark::DoNotOptimize(extents);
+    }
+  });
+}
 // The least that a caller can ask for: operations that do nothing with what they are given.
 void outlinesHarfBuzz(benchmark::State& state, const Subject& subject) {
   const HarfBuzzFont peer(subject);
@@ -335,6 +382,7 @@ void outlinesHarfBuzz(benchmark::State& state, const Subject& subject) {
 ULM_BENCH_ON(mapHarfBuzz<false>, "map/harfbuzz");
 ULM_BENCH_ON(mapHarfBuzz<true>, "map_shuffled/harfbuzz");
 ULM_BENCH_ON(advanceHarfBuzz, "advance/harfbuzz");
+ULM_BENCH_ON(boxHarfBuzz, "box/harfbuzz");
 ULM_BENCH_ON(outlinesHarfBuzz, "outlines/harfbuzz");
 #endif
 

@@ -14,18 +14,25 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN")
 find_package(Threads REQUIRED)
+if(WIN32)
+  include(${CMAKE_CURRENT_LIST_DIR}/UlmWindows.cmake)
+endif()
 
 add_library(ulm_flags INTERFACE)
-target_compile_options(ulm_flags INTERFACE
+set(flags
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
   -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef -Wvla
   # Rounding is the same on every machine: no fused operations.
-  -ffp-contract=off
-  $<$<BOOL:${ULM_WERROR}>:-Werror>)
+  -ffp-contract=off)
+if(ULM_WERROR)
+  list(APPEND flags -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # A unique symbol would pin its library in the process for good: unloading must unload.
-  target_compile_options(ulm_flags INTERFACE -fno-gnu-unique -Wduplicated-cond -Wlogical-op)
+  list(APPEND flags -fno-gnu-unique -Wduplicated-cond -Wlogical-op)
 endif()
+# The resource compiler takes none of these.
+target_compile_options(ulm_flags INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:${flags}>")
 if(ULM_SANITIZE)
   target_compile_options(ulm_flags INTERFACE
     -fsanitize=${ULM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -90,4 +97,14 @@ function(ulm_add_objects name)
     ulm_headers(${name} ${OBJ_HEADERS})
   endif()
   target_link_libraries(${name} PUBLIC ${OBJ_LINKS})
+endfunction()
+
+# ulm_resources(ULM_Main resources) gives a library or program its resources: resources.rc where the
+# system has a resource compiler, resources.cpp with the same as constants elsewhere.
+function(ulm_resources target name)
+  if(WIN32)
+    target_sources(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${name}.rc)
+  else()
+    target_sources(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${name}.cpp)
+  endif()
 endfunction()

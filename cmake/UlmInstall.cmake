@@ -6,6 +6,7 @@ include(CMakePackageConfigHelpers)
 get_property(exported GLOBAL PROPERTY ULM_EXPORTED)
 install(TARGETS ${exported} TD_Root_qld TD_Alloc_qld ulmwin32 EXPORT UlmiraTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ulmira)
 install(EXPORT UlmiraTargets NAMESPACE Ulmira:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Ulmira)
 file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/UlmiraConfig.cmake
@@ -21,3 +22,9 @@ set(host_folder ${CMAKE_INSTALL_LIBDIR}/ulmira)
 install(TARGETS ULM_Main QlHostApp qlview qlsupport qlcore qlhostcmd TD_Root_qld TD_Alloc_qld ulmwin32
   ulmira_host RUNTIME DESTINATION ${host_folder} LIBRARY DESTINATION ${host_folder})
 install(TARGETS ulmira RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# The language's run-time, shared by all that lies in a folder.
+if(WIN32)
+  foreach(folder ${host_folder} ${CMAKE_INSTALL_BINDIR})
+    install(FILES ${ULM_RUNTIME_LIBRARIES} DESTINATION ${folder})
+  endforeach()
+endif()

@@ -1,5 +1,5 @@
-// Open and every reading operation. The last byte of an input picks the face; the rest is the
-// image, in a heap block of its exact size.
+// Open, every reading operation, and a subset, which is opened and read in its turn. The last byte
+// of an input picks the face; the rest is the image, in a heap block of its exact size.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "tests/truetype/exercise.h"
+#include "tests/truetype/subset_check.h"
 #include "truetype/reader/open.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -20,7 +21,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       "dir/name.ttf", image.get(), static_cast<std::int32_t>(imageSize), data[size - 1], &font);
   int wrong = (font != nullptr) == (result == ulm::truetype::FontResultOk) ? 0 : 1;
   // Few glyphs, so that one that goes up to the bound of work does not make a run long.
-  if (font != nullptr) wrong += ulm::test::exerciseFont(font, 16);
+  if (font != nullptr) {
+    wrong += ulm::test::exerciseFont(font, 16);
+    wrong += ulm::test::checkSubset(font, {0, 3, 1, 4, 4, 2, 15, 0xFFFF}, data[size - 1]);
+  }
   ulm::truetype::closeTrueTypeFont(font);
   if (wrong != 0) {
     std::fprintf(stderr, "font: %d results that cannot be\n", wrong);

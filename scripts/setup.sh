@@ -44,4 +44,7 @@ ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-
   libgmock-dev libbenchmark-dev python3 binutils git
   # Peers to compare with, and fonts to read.
   libgmp-dev libssl-dev libtommath-dev libfreetype-dev libharfbuzz-dev libstb-dev
+  python3-fonttools opentype-sanitizer
   fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)
+# The cross compiler, its sources of tests, Wine, and what draws the icon.
+ULM_WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64 librsvg2-bin)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds Ulmira with its tests and runs all of them: with g++ and clang, and under the sanitizers; then
-# the fuzz targets for a moment.
+# the fuzz targets for a moment, and the build for Windows under Wine.
 # Arguments are the presets to run instead, such as `scripts/test.sh gcc`.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -8,10 +8,14 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 ulm_need "${ULM_TEST_PACKAGES[@]}"
 presets=("$@")
-[ "${#presets[@]}" -gt 0 ] || presets=(gcc clang asan tsan fuzz)
+[ "${#presets[@]}" -gt 0 ] || presets=(gcc clang asan tsan fuzz windows)
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 for preset in "${presets[@]}"; do
+  if [ "$preset" = windows ]; then
+    scripts/test-windows.sh
+    continue
+  fi
   echo "== $preset: building"
   targets=(all all_verify_interface_header_sets)
   [ "$preset" != fuzz ] || targets=(fuzzers)

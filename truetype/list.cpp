@@ -21,7 +21,7 @@ TTListNode* link(TTList* list, TTListNode* previous, TTListNode* next, void* ite
 
 // Takes the last nodes away again, destructor or not.
 void cutTo(TTList* list, std::uint32_t count) noexcept {
-  while (list->count > count) {
+  while (list->last != nullptr && list->count > count) {
     TTListNode* node = list->last;
     list->last = node->previous;
     (list->last == nullptr ? list->first : list->last->next) = nullptr;

@@ -13,6 +13,10 @@ struct OdrxAllocCounts {
 
 ULM_ODRX_API OdrxAllocCounts odrxAllocCounts() noexcept;
 
+// Whether a block of any heap is one of odrxAlloc's that has not been given back: looks at what
+// stands before it.
+ULM_ODRX_API bool odrxAllocMade(const void* block) noexcept;
+
 // Makes `count` allocations in a row fail, after `after` more have been served; a later call
 // replaces this one, and a count of 0 ends it. Counts over all threads.
 ULM_ODRX_API void odrxAllocFail(std::uint64_t after, std::uint64_t count) noexcept;

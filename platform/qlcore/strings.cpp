@@ -142,7 +142,8 @@ void CXStringW::Format(const wchar_t* format, ...) {
     va_start(arguments, format);
     const int length = std::vswprintf(made.get(), room + 1, format, arguments);
     va_end(arguments);
-    if (length < 0) continue;
+    // Some systems give the whole length of a text that was cut.
+    if (length < 0 || static_cast<std::size_t>(length) > room) continue;
     replaceText(text, kEmptyWide, std::move(made));
     return;
   }

@@ -62,7 +62,6 @@ class Environment {
       std::wmemcpy(buffer, value.c_str(), value.size() + 1);
       return static_cast<DWORD>(value.size());
     }
-    if (size != 0) *buffer = L'\0';
     return static_cast<DWORD>(value.size() + 1);
   }
 

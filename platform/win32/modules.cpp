@@ -2,6 +2,7 @@
 #include <link.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cwchar>
@@ -26,6 +27,8 @@ constexpr DWORD kCommitted = 0x1000;
 constexpr DWORD kImage = 0x1000000;
 // A name pointer below this is Windows' way to ask for an export by its number.
 constexpr std::uintptr_t kLowestName = 0x10000;
+
+std::atomic<bool> cutNamesTerminated{false};
 
 // Plain memory, so that it needs neither a start nor an end and a failed allocation can be told.
 thread_local char loadError[1024];
@@ -146,6 +149,9 @@ DWORD GetModuleFileNameW(HMODULE module, wchar_t* buffer, DWORD size) {
     const std::wstring name = windowsPath(file);
     // The terminator is copied where there is room for it too.
     std::wmemcpy(buffer, name.c_str(), std::min<std::size_t>(name.size() + 1, size));
+    if (name.size() >= size && cutNamesTerminated.load(std::memory_order_relaxed)) {
+      buffer[size - 1] = L'\0';
+    }
     return static_cast<DWORD>(std::min<std::size_t>(name.size(), size));
   } catch (const std::bad_alloc&) {
     return 0;
@@ -221,5 +227,7 @@ BOOL DisableThreadLibraryCalls(HMODULE module) {
     return FALSE;
   }
 }
+
+void ulmWin32TerminateCutNames(bool on) { cutNamesTerminated.store(on, std::memory_order_relaxed); }
 
 const char* ulmWin32LoadError() { return loadError; }

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstdint>
+#include <cwchar>
 #include <new>
 #include <optional>
 #include <string>
@@ -38,6 +40,7 @@ std::wstring decode(std::string_view bytes) {
   return fromAnsi(bytes);
 }
 
+constexpr std::size_t kLongestName = 260;  // of a file, with the terminator
 constexpr std::wstring_view kBlanks = L" \t\v\f";
 
 std::wstring_view trimmed(std::wstring_view text) noexcept {
@@ -55,6 +58,15 @@ std::optional<std::wstring_view> takeLine(std::wstring_view& rest) noexcept {
 }
 
 // --- From lines to the value ---
+
+// Names differ in no more than the case of ASCII letters.
+bool sameName(std::wstring_view left, std::wstring_view right) noexcept {
+  const auto fold = [](wchar_t character) {
+    return character < 0x80 ? foldCase(character) : character;
+  };
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [=](wchar_t a, wchar_t b) { return fold(a) == fold(b); });
+}
 
 // The name in "[name]", with whatever follows the bracket; nothing for any other line.
 std::optional<std::wstring_view> sectionName(std::wstring_view line) noexcept {
@@ -77,13 +89,13 @@ std::optional<std::wstring_view> findValue(std::wstring_view text, std::wstring_
     if (line->empty() || line->front() == L';') continue;
     if (const std::optional<std::wstring_view> name = sectionName(*line)) {
       if (inside) return std::nullopt;  // a second section of the name does not count
-      inside = equalNoCase(*name, section);
+      inside = sameName(*name, section);
       continue;
     }
-    const std::size_t sign = line->find(L'=');
-    if (!inside || sign == std::wstring_view::npos) continue;
-    if (equalNoCase(trimmed(line->substr(0, sign)), key)) {
-      return withoutQuotes(trimmed(line->substr(sign + 1)));
+    if (!inside) continue;
+    const std::size_t sign = std::min(line->find(L'='), line->size());
+    if (sameName(trimmed(line->substr(0, sign)), key)) {
+      return withoutQuotes(trimmed(line->substr(std::min(sign + 1, line->size()))));
     }
   }
   return std::nullopt;
@@ -132,6 +144,7 @@ UINT GetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int defau
   const auto absent = static_cast<UINT>(defaultValue);
   if (section == nullptr || key == nullptr || fileName == nullptr) return absent;
   logCall("GetPrivateProfileIntW", key);
+  if (std::wcslen(fileName) >= kLongestName) return absent;
   try {
     const std::optional<std::string> path = systemPath(fileName);
     if (!path || path->find('/') == std::string::npos) return absent;

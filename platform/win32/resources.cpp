@@ -60,7 +60,7 @@ std::wstring findString(std::string_view entries, UINT number) {
     const std::size_t length = littleEndian<std::uint16_t>(entries, 2);
     entries.remove_prefix(4);
     if (length > entries.size() / 2) break;
-    if (entryNumber == number) return fromUtf16(unitsAt(entries, 0, length));
+    if (entryNumber == (number & 0xFFFF)) return fromUtf16(unitsAt(entries, 0, length));
     entries.remove_prefix(2 * length);
   }
   return {};
@@ -108,7 +108,7 @@ BOOL VerQueryValueW(const void* block, const wchar_t* subBlock, void** value, UI
   if (block == nullptr || subBlock == nullptr || value == nullptr || length == nullptr) {
     return FALSE;
   }
-  if (std::wcscmp(subBlock, L"\\") != 0) return FALSE;
+  if (std::wcscmp(subBlock, L"\\") != 0 && *subBlock != L'\0') return FALSE;
   const auto* const start = static_cast<const char*>(block);
   const std::size_t size = littleEndian<std::uint16_t>({start, 2}, 0);
   if (size < kFixedOffset + sizeof(VS_FIXEDFILEINFO)) return FALSE;
@@ -142,9 +142,9 @@ int LoadStringA(HINSTANCE instance, UINT number, char* buffer, int size) {
 
 int LoadStringW(HINSTANCE instance, UINT number, wchar_t* buffer, int size) {
   if (buffer == nullptr || size <= 0) return 0;
-  *buffer = L'\0';
   try {
     const std::wstring text = loadString(instance, number);
+    if (text.empty()) return 0;
     const std::size_t length = std::min(text.size(), static_cast<std::size_t>(size) - 1);
     std::wmemcpy(buffer, text.c_str(), length);
     buffer[length] = L'\0';

@@ -12,6 +12,7 @@ using namespace ulm::win32::detail;
 namespace {
 
 constexpr UINT kAnsiPage = 1252;
+constexpr DWORD kDecodeFlags = 15;  // three of them change nothing in these pages
 
 enum class CodePage { kAnsi, kUtf8, kUnknown };
 
@@ -47,7 +48,7 @@ class CountingWriter {
 bool isUsable(CodePage page, const void* source, int sourceLength, const void* target,
               int targetSize) noexcept {
   if (page == CodePage::kUnknown || source == nullptr) return false;
-  if (sourceLength == 0 || sourceLength < -1 || targetSize < 0) return false;
+  if (sourceLength == 0 || targetSize < 0) return false;
   return targetSize == 0 || (target != nullptr && target != source);
 }
 
@@ -76,7 +77,7 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* source, int sour
                         wchar_t* target, int targetSize) {
   const CodePage page = pageOf(codePage);
   if (!isUsable(page, source, sourceLength, target, targetSize)) return 0;
-  if ((flags & ~MB_ERR_INVALID_CHARS) != 0) return 0;
+  if ((flags & ~kDecodeFlags) != 0) return 0;
   std::string_view rest(
       source, sourceLength < 0 ? std::strlen(source) + 1 : static_cast<std::size_t>(sourceLength));
   CountingWriter<wchar_t> writer(target, targetSize);

@@ -123,7 +123,8 @@ ULM_WIN32_API HMODULE GetModuleHandleA(const char* name);
 ULM_WIN32_API FARPROC GetProcAddress(HMODULE module, const char* name);
 
 // Writes the module's full file name and gives its length. A name of `size` characters or more is
-// cut to `size` characters without a terminator, and the result is `size`. 0 where `module` is no
+// cut to `size` characters without a terminator (stand_in.h can change that), and the result is
+// `size`. 0 where `module` is no
 // module. A null module is the program.
 ULM_WIN32_API DWORD GetModuleFileNameW(HMODULE module, wchar_t* buffer, DWORD size);
 
@@ -151,8 +152,8 @@ ULM_WIN32_API BOOL DisableThreadLibraryCalls(HMODULE module);
 // --- Environment (environment.cpp) ---
 
 // Writes the variable and gives its length without the terminator. Where it does not fit, the
-// buffer is left empty (if it has room for a terminator) and the result is the size needed,
-// terminator included. 0 where there is no such variable, with the buffer as it was.
+// buffer is left as it was and the result is the size needed, terminator included. 0 where there is
+// no such variable, with the buffer as it was.
 ULM_WIN32_API DWORD GetEnvironmentVariableW(const wchar_t* name, wchar_t* buffer, DWORD size);
 
 // Sets a variable from "NAME=VALUE", or removes it with "NAME=". 0, or -1 where the text has no
@@ -161,15 +162,16 @@ ULM_WIN32_API int _wputenv(const wchar_t* assignment);
 
 // --- Profile files (profile.cpp) ---
 
-// The number under a key of a profile file. Sections and keys compare without case; the first
-// section and the first key of a name count. Lines that start with ';' are comments; blanks around
-// names and values and a pair of quotes, single or double, around a value are dropped. A line
-// without '=' is no key, one without ']' no section. A number may have a sign and is decimal, or
-// with a small letter 0x hexadecimal, 0o octal or 0b binary; what follows its digits is ignored, a
-// value without digits is 0, and it wraps modulo 2^32. `defaultValue` where file, section or key is
-// not there or the value is empty, and for a file name without a folder, which Windows would take
-// from its own. The file is ANSI, UTF-8 with a mark, or UTF-16 of either byte order with a mark; it
-// is read anew at each call.
+// The number under a key of a profile file. Sections and keys compare without the case of ASCII
+// letters; the first section and the first key of a name count. Lines that start with ';' are
+// comments; blanks around names and values and a pair of quotes, single or double, around a value
+// are dropped. A line without '=' is a key without a value, one without ']' no section. A number
+// may have a sign and is decimal, or with a small letter 0x hexadecimal, 0o octal or 0b binary;
+// what follows its digits is ignored, a value without digits is 0, and it wraps modulo 2^32.
+// `defaultValue` where file, section or key is not there or the value is empty, for a file name of
+// 260 characters or more, and for one without a folder, which Windows would take from its own. The
+// file is ANSI, UTF-8 with a mark, or UTF-16 of either byte order with a mark; it is read anew at
+// each call.
 ULM_WIN32_API UINT GetPrivateProfileIntW(const wchar_t* section, const wchar_t* key,
                                          int defaultValue, const wchar_t* fileName);
 
@@ -191,17 +193,19 @@ ULM_WIN32_API DWORD GetFileVersionInfoSizeW(const wchar_t* fileName, DWORD* hand
 ULM_WIN32_API BOOL GetFileVersionInfoW(const wchar_t* fileName, DWORD handle, DWORD length,
                                        void* block);
 
-// For the sub-block "\": gives a pointer to the VS_FIXEDFILEINFO within `block` and its length.
-// FALSE for any other sub-block and for a block without it. The caller vouches that `block` was
-// filled by GetFileVersionInfoW; its own length field bounds the search.
+// For the sub-block "\", or an empty one: gives a pointer to the VS_FIXEDFILEINFO within `block`
+// and its length. FALSE for any other sub-block and for a block without it. The caller vouches that
+// `block` was filled by GetFileVersionInfoW; its own length field bounds the search.
 ULM_WIN32_API BOOL VerQueryValueW(const void* block, const wchar_t* subBlock, void** value,
                                   UINT* length);
 
 // Loads a string of the module's string resource, as ANSI text cut to size - 1 characters and
 // terminated; gives its length. An absent string gives 0 and empty text; a size of 0 gives -1.
-// A null instance is the program, which like any other may be a file without strings.
+// A null instance is the program, which like any other may be a file without strings. Of `number`
+// the low 16 bits count.
 ULM_WIN32_API int LoadStringA(HINSTANCE instance, UINT number, char* buffer, int size);
-// The same as wide text; a size of 0 gives 0 here.
+// The same as wide text; an absent string leaves the buffer as it was, and a size of 0 gives 0
+// here.
 ULM_WIN32_API int LoadStringW(HINSTANCE instance, UINT number, wchar_t* buffer, int size);
 
 // --- Memory and text (text.cpp) ---
@@ -212,16 +216,17 @@ ULM_WIN32_API HGLOBAL GlobalFree(HGLOBAL block);              // gives null
 // Copies at most size - 1 characters and terminates; gives `target`, null for a null argument.
 ULM_WIN32_API wchar_t* lstrcpynW(wchar_t* target, const wchar_t* source, int size);
 
-// Text between a code page and wide characters. A source length of -1 means up to and with the
+// Text between a code page and wide characters. A source length below 0 means up to and with the
 // terminator; a target size of 0 asks for the size needed. 0 is failure: an unknown code page, a
 // target too small (what fits is written), an empty or null source, a source that is the target,
-// any flag but MB_ERR_INVALID_CHARS, or with that flag bytes that are not text. Without it such
-// bytes become U+FFFD. Every byte of 1252 is text: the five that it leaves open are control
-// characters.
+// any flag but the four of Windows (0 to 15), or with MB_ERR_INVALID_CHARS bytes that are not text.
+// Without it such bytes become U+FFFD. Every byte of 1252 is text: the five that it leaves open are
+// control characters.
 ULM_WIN32_API int MultiByteToWideChar(UINT codePage, DWORD flags, const char* source,
                                       int sourceLength, wchar_t* target, int targetSize);
-// Characters that 1252 lacks become *defaultChar, or '?' where that is null, and *usedDefaultChar
-// tells whether any did. In UTF-8 what is no character becomes U+FFFD, and both must be null.
+// A letter that 1252 lacks becomes the nearest that it has, other characters *defaultChar, or '?'
+// where that is null, and *usedDefaultChar tells whether any did. In UTF-8 what is no character
+// becomes U+FFFD, and both must be null.
 ULM_WIN32_API int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* source,
                                       int sourceLength, char* target, int targetSize,
                                       const char* defaultChar, BOOL* usedDefaultChar);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,11 @@ TEST(Rsa, Blocks) {
     } else if (operation == "Unpad") {
       EXPECT_EQ(QLZeroPadding().Unpad(input.data(), bits(0), output.data()), bits(1));
     } else {
-      const auto key = block.numbers("Key");
-      QLRSADecryptor decryptor(QLInteger::fromInt64(key.at(0)), QLInteger::fromInt64(key.at(1)));
+      std::istringstream key(block.text("Key"));
+      std::string modulus, exponent;
+      key >> modulus >> exponent;
+      QLRSADecryptor decryptor(QLInteger::fromText(modulus.c_str()),
+                               QLInteger::fromText(exponent.c_str()));
       EXPECT_EQ(decryptor.Decrypt(output.data(), input.data()), bits(0)) << block.where();
       expected.resize(output.size(), 0xEE);  // nothing behind the result is written
       decryptor.status = 0x80000000;

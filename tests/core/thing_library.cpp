@@ -2,6 +2,7 @@
 #include "core/iface_holder.h"
 #include "core/query_checked.h"
 #include "module/glue/allocation.h"
+#include "platform/win32/export.h"
 #include "tests/core/thing.h"
 
 namespace {
@@ -25,4 +26,4 @@ const ThingLibrary kLibrary = {
 
 }  // namespace
 
-extern "C" [[gnu::visibility("default")]] const ThingLibrary* thingLibrary() { return &kLibrary; }
+extern "C" ULM_EXPORT const ThingLibrary* thingLibrary() { return &kLibrary; }

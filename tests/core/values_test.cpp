@@ -14,11 +14,8 @@
 #include "platform/odrx/alloc_control.h"
 #include "platform/qlcore/control.h"
 #include "platform/qlcore/services.h"
-#include "platform/win32/resource_block.h"
 
 namespace {
-
-ULM_STRING_RESOURCE constexpr ulm::win32::StringEntry<5> kString{40, u"f\u00FCnf!"};
 
 using Param = IfaceHolder<IParam>;
 

@@ -12,7 +12,6 @@
 #include "module/glue/switch_flags.h"
 #include "platform/odrx/alloc_control.h"
 #include "platform/win32/export.h"
-#include "platform/win32/resource_block.h"
 #include "platform/win32/stand_in.h"
 
 // The sized forms, which some compilers declare only on request.
@@ -21,9 +20,6 @@ void operator delete[](void* block, std::size_t bytes) noexcept;
 void operator delete[](void* block, std::size_t bytes, std::align_val_t alignment) noexcept;
 
 namespace {
-
-// A product version at its edges, and another version of the file.
-ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion({9, 9, 9, 9}, {0, 65535, 0, 7});
 
 // Stands where the facilities' constants stand in the load order.
 class Constant {
@@ -77,6 +73,9 @@ extern "C" ULM_EXPORT unsigned variantFlags() {
   return (assertFlag ? 1u : 0u) | (addJumpFlag ? 2u : 0u) | (removeJumpFlag ? 4u : 0u) |
          (defecateFlag ? 8u : 0u);
 }
+
+extern "C" ULM_EXPORT void* variantMake() { return operator new(24); }
+extern "C" ULM_EXPORT void variantDelete(void* block) { operator delete(block); }
 
 extern "C" ULM_EXPORT const char* variantTryNew(bool failing) {
   const std::align_val_t plain{8}, strict{64};

@@ -5,6 +5,10 @@
 // 0 to 3.
 using VariantFlags = unsigned();
 
+// A block of the library's own new, and its delete for one, in which heaps can be mixed on purpose.
+using VariantMake = void*();
+using VariantDelete = void(void* block);
+
 // Tries each form of new and delete; gives the first one that did not go through odrxAlloc and
 // odrxFree as it should, or null. With `failing` every allocation fails while they are tried.
 using VariantTryNew = const char*(bool failing);

@@ -15,8 +15,10 @@
 #include "platform/qlcore/control.h"
 #include "platform/win32/stand_in.h"
 #include "platform/win32/win32.h"
+#include "tests/module/heap_watch.h"
 #include "tests/module/main_variant.h"
 #include "tests/support/script.h"
+#include "tests/support/system_names.h"
 #include "tools/host/host_calls.h"
 
 namespace {
@@ -109,7 +111,9 @@ void printLoads() {
 
 void load(const std::string& file) {
   library = LoadLibraryW(toWide(file).c_str());
-  if (library == nullptr) say("not loaded: ", ulmWin32LoadError());
+  if (library != nullptr) return;
+  // Windows has no word of its own for an exception.
+  say("not loaded", ulm::test::kOnLayer ? std::string(": ") + ulmWin32LoadError() : "");
 }
 
 void unload() {
@@ -175,6 +179,15 @@ void tryNew() {
   }
 }
 
+// Tells whether the heaps have grown since the first time: by more than a little that stays.
+void tellGrowth() {
+  constexpr std::size_t kSlack = 2048;
+  static const std::size_t first = ulm::test::heapBytes();
+  const std::size_t now = ulm::test::heapBytes();
+  if (now <= first + kSlack) return say("no growth");
+  say("grown by ", now - first);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -199,9 +212,11 @@ int main(int argc, char** argv) {
        {"throw-at",
         [](Value text) {
           const int kind = text[0] - '0';
-          hostcmdThrowAt(std::stoul(text.substr(2)), static_cast<HostcmdThrow>(kind));
+          hostcmdThrowAt(static_cast<std::size_t>(std::stoull(text.substr(2))),
+                         static_cast<HostcmdThrow>(kind));
         }},
        {"monitor", [](Value) { ulmWin32OpenWindow(L"_INDEBMON"); }},
+       {"new-cut", [](Value) { ulmWin32TerminateCutNames(true); }},
        {"handler", [](Value) { std::set_new_handler([] { ++handlerCalls; }); }},
        {"handler-calls", [](Value) { say("handler calls ", handlerCalls); }},
        {"fail", [](Value) { odrxAllocFail(0, UINT64_MAX); }},
@@ -274,6 +289,12 @@ int main(int argc, char** argv) {
         }},
        {"flags", [](Value) { say("flags ", exportOf<VariantFlags>(library, "variantFlags")()); }},
        {"try-new", [](Value) { tryNew(); }},
+       {"crossings", [](Value) { say("crossings ", ulm::test::heapCrossings()); }},
+       {"growth", [](Value) { tellGrowth(); }},
+       {"give-away",
+        [](Value) { ulm::test::deleteInRuntime(exportOf<VariantMake>(library, "variantMake")()); }},
+       {"take-in",
+        [](Value) { exportOf<VariantDelete>(library, "variantDelete")(operator new(24)); }},
        {"translation",
         [](Value) {
           say("translation users ", qlcoreTranslationUsers(),

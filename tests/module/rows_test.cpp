@@ -19,6 +19,15 @@ INSTANTIATE_TEST_SUITE_P(Lookup, Rows,
                          testing::ValuesIn(readRows(ULM_TEST_DATA "/module/lookup.txt")),
                          ulm::test::rowName);
 
+// The other way round: the library's delete is given a block of the run-time's.
+TEST(Heaps, AForeignBlockEndsTheProcess) {
+  const auto result = ulm::tools::runProcess(ulm::tools::programFolder() / "module_probe",
+                                             {"load=ULM_MainVariant.dll", "take-in"}, {},
+                                             ulm::tools::ErrorStream::Joined);
+  EXPECT_TRUE(!result.ending.empty() || result.exitCode != 0);
+  EXPECT_NE(result.output.find("not from odrxAlloc"), std::string::npos) << result.output;
+}
+
 // Every mixture of the libraries a host may bring, in both kinds of program: the first that is
 // there in the order of the search decides.
 TEST(Lookup, EveryMixtureOfLibraries) {

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/system_names.h"
+
 namespace ulm::test {
 
 template <class Character>
@@ -87,7 +89,7 @@ inline void runCallRows(const std::string& file, const Calls& calls,
   std::ifstream in(file);
   int rows = 0;
   for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
+    if (line.empty() || line[0] == '#' || !standsHere(line)) continue;
     for (const auto& [name, value] : names) {
       for (auto at = line.find(name); at != std::string::npos; at = line.find(name)) {
         line.replace(at, name.size(), value);

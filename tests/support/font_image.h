@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "truetype/font.h"
+#include "truetype/reader/glyphs.h"
 #include "truetype/reader/open.h"
 
 namespace ulm::test {
@@ -268,6 +269,17 @@ struct Freed {
 template <class T>
 std::unique_ptr<T[], Freed> owned(T* block) {
   return std::unique_ptr<T[], Freed>(block);
+}
+
+struct FreeGlyph {
+  void operator()(truetype::GlyphData* glyph) const {
+    std::free(glyph->data);
+    std::free(glyph);
+  }
+};
+using OwnedGlyph = std::unique_ptr<truetype::GlyphData, FreeGlyph>;
+inline OwnedGlyph glyphOf(const truetype::TrueTypeFont* font, std::uint32_t glyph) {
+  return OwnedGlyph(truetype::getGlyphData(font, glyph));
 }
 
 }  // namespace ulm::test

@@ -1,6 +1,7 @@
 // Rows of steps for a test process, and the lines that they should print (script.h). Each row runs
 // in a process of its own. Files of rows lie under tests/data: "[name]", then "> process step step
-// ...", then the lines; '#' starts a line for people, a blank line ends a row.
+// ...", then the lines; '#' starts a line for people, "layer: "
+// and "windows: " a line of one system, and a blank line ends a row.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/system_names.h"
 #include "tools/support/process.h"
 
 namespace ulm::test {
@@ -29,7 +31,7 @@ inline std::vector<ProbeRow> readRows(const std::string& file) {
   std::ifstream in(file);
   std::vector<ProbeRow> rows;
   for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
+    if (line.empty() || line[0] == '#' || !standsHere(line)) continue;
     if (line[0] == '[') {
       rows.push_back({line.substr(1, line.size() - 2), "", {}, ""});
     } else if (line[0] == '>') {

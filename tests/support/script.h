@@ -7,14 +7,17 @@
 #include <map>
 #include <string>
 
+#include "tools/support/program.h"
+
 namespace ulm::test {
 
 using Step = std::function<void(const std::string& value)>;
 
 // Runs the steps; 2 for an unknown one, so that a mistyped row cannot pass.
 inline int runSteps(const std::map<std::string, Step>& steps, int argc, char** argv) {
-  for (int i = 1; i < argc; ++i) {
-    const std::string argument = argv[i];
+  tools::ProgramArguments arguments(argc, argv);
+  for (int i = 1; i < arguments.count(); ++i) {
+    const std::string argument = arguments.values()[i];
     const std::size_t equals = argument.find('=');
     const auto step = steps.find(argument.substr(0, equals));
     if (step == steps.end()) {

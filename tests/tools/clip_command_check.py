@@ -1,6 +1,6 @@
 """Runs `ulmira clip` on good input and on input that is at fault.
 
-Usage: clip_command_check.py ULMIRA
+Usage: clip_command_check.py ULMIRA..., a program that runs it before it where one must
 """
 import json
 import os
@@ -10,9 +10,12 @@ import tempfile
 import unittest
 import xml.etree.ElementTree
 
-ULMIRA = sys.argv.pop(1)
+ULMIRA = sys.argv[1:]
+del sys.argv[1:]
+
+
 def ulmira(arguments, text):
-    run = subprocess.run([ULMIRA, "clip", *arguments], input=text.encode(), capture_output=True)
+    run = subprocess.run([*ULMIRA, "clip", *arguments], input=text.encode(), capture_output=True)
     return run.returncode, run.stdout.decode(), run.stderr.decode()
 
 

@@ -1,4 +1,5 @@
-// A module that keeps what it took: a record, memory, and itself, for it is linked never to unload.
+// A module that keeps what it took: a record, memory, and a use of itself.
+#include "module/glue/instance.h"
 #include "platform/odrx/alloc.h"
 #include "platform/odrx/win32_module.h"
 #include "platform/qlcore/services.h"
@@ -12,6 +13,9 @@ class LeakyModule : public OdRxModule {
  public:
   bool initApp() override {
     kept = new_MemParam();
+    wchar_t name[2048] = {};
+    GetModuleFileNameW(Module_GetInstance(), name, 2047);
+    LoadLibraryW(name);
     return true;
   }
   void uninitApp() override {}

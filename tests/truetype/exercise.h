@@ -3,8 +3,7 @@
 
 #include <cstdlib>
 
-#include "truetype/font.h"
-#include "truetype/reader/glyphs.h"
+#include "tests/support/font_image.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
 #include "truetype/reader/names.h"
@@ -53,13 +52,12 @@ inline int exerciseFont(const truetype::TrueTypeFont* font, std::uint32_t glyphL
     GlyphPoint* points = nullptr;
     const std::int32_t count = getGlyphPoints(font, glyph, &points);
     expect(count >= 0 && (count == 0 || points != nullptr));
-    GlyphData* data = getGlyphData(font, glyph);
-    if (data != nullptr) {
-      expect(data->pointCount == (count & 0xFFFF));
+    std::uint32_t contours = 0;
+    for (std::int32_t i = 0; i < count; ++i) contours += points[i].flags >> 15 & 1u;
+    if (const OwnedGlyph data = glyphOf(font, glyph)) {
+      expect(data->pointCount == (count & 0xFFFF) && data->contourCount == (contours & 0xFFFF));
       expect((data->data != nullptr) == (data->byteCount != 0));
-      std::free(data->data);
     }
-    std::free(data);
     std::free(points);
     TTList* list = listCreate();
     if (list != nullptr) {

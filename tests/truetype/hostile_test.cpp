@@ -1,5 +1,5 @@
 // Damaged fonts: whatever the bytes say, reading ends and stays inside the image, which lies in a
-// heap block of its exact size.
+// heap block of its exact size, and so does making a subset, which keeps what is whole.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -7,6 +7,7 @@
 #include "tests/support/font_image.h"
 #include "tests/truetype/exercise.h"
 #include "tests/truetype/rich_font.h"
+#include "tests/truetype/subset_check.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ void exercise(const Bytes& image, std::uint32_t face = 0) {
   EXPECT_EQ(font.get() != nullptr, font.result == FontResultOk);
   if (font.get() != nullptr) {
     EXPECT_EQ(exerciseFont(font.get(), 64), 0);
+    EXPECT_EQ(checkSubset(font.get(), {0, 4, 1, 3, 9}, SubsetKeepOS2), 0);
   }
 }
 

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
-
 #include "tests/support/font_image.h"
+#include "tests/truetype/bisection.h"
 
 namespace {
 
@@ -37,29 +35,24 @@ std::pair<int, int> pairOf(const OpenFont& font, int vertical, unsigned left, un
   std::int32_t x = 99, y = 99;
   getPairKerning(font->kernType, font->kernTableCount, font->kernTables, font->unitsPerEm, vertical,
                  left, right, &x, &y);
-  // A run says the same.
-  if (left <= 0xFFFF && right <= 0xFFFF) {
-    const std::uint16_t run[] = {static_cast<std::uint16_t>(left),
-                                 static_cast<std::uint16_t>(right)};
-    KernAdjustment adjustment = {99, 99};
-    getRunKerning(font.get(), run, 2, vertical, &adjustment);
-    EXPECT_EQ(adjustment.x, x);
-    EXPECT_EQ(adjustment.y, y);
-  }
+  if (left > 0xFFFF || right > 0xFFFF) return {x, y};
+  const std::uint16_t run[] = {static_cast<std::uint16_t>(left), static_cast<std::uint16_t>(right)};
+  KernAdjustment adjustment = {99, 99};
+  getRunKerning(font.get(), run, 2, vertical, &adjustment);
+  EXPECT_EQ(row(adjustment.x, adjustment.y), row(x, y));  // a run says the same
   return {x, y};
 }
 
 const Bytes kTwoPairs = subtable(1, {{1, 2, -50}, {1, 3, -60}});
 
 TEST(Kerning, AnalysisOfTheTable) {
-  struct Case {
+  const Bytes apple = Bytes().u32(0x00010000).u32(1);
+  const struct {
     const char* name;
     Bytes kern;
     int type;
     unsigned count;
-  };
-  const Bytes apple = Bytes().u32(0x00010000).u32(1);
-  const Case cases[] = {
+  } cases[] = {
       {"31", kernTable({subtable(1, {{1, 2, 3}}, 7)}).zeros(7), 0, 0},
       {"32", kernTable({subtable(1, {{1, 2, 3}}, 8)}).zeros(8), 2, 1},
       {"NoSubtables", Bytes().zeros(32), 2, 0},
@@ -71,13 +64,13 @@ TEST(Kerning, AnalysisOfTheTable) {
       {"AppleCount", Bytes().u32(0x00010000).u32(0xFFFFFFFF).zeros(24), 0, 0},
       {"VersionTwo", Bytes().u32(0x00020000).u32(1).u32(24).zeros(20), 0, 0},
   };
-  for (const Case& tested : cases) {
-    const OpenFont font(kerned(tested.kern));
-    ASSERT_EQ(font.result, FontResultOk) << tested.name;
-    EXPECT_EQ(font->kernType, tested.type) << tested.name;
-    EXPECT_EQ(font->kernTables != nullptr, tested.type != 0) << tested.name;
-    if (tested.type == 0) continue;
-    EXPECT_EQ(font->kernTableCount, tested.count);
+  for (const auto& [name, kern, type, count] : cases) {
+    const OpenFont font(kerned(kern));
+    ASSERT_EQ(font.result, FontResultOk) << name;
+    EXPECT_EQ(row(font->kernType, font->kernTables != nullptr), row(type, type != 0)) << name;
+    if (type != 0) {
+      EXPECT_EQ(font->kernTableCount, count) << name;
+    }
   }
   // Beyond the table, and inside the image.
   const OpenFont inside(
@@ -93,16 +86,20 @@ TEST(Kerning, Requests) {
                         subtable(9, {{1, 3, 9}}), subtable(0x0201, {{1, 3, 9}}), subtable(1, {})}),
              2048));
   ASSERT_EQ(font->kernType, 2);
-  using XY = std::pair<int, int>;
-  EXPECT_EQ(pairOf(font, 0, 1, 2), XY(-39, 0));  // the last subtable wins
-  EXPECT_EQ(pairOf(font, 0, 1, 3), XY(-48, 0));  // towards zero
-  EXPECT_EQ(pairOf(font, 1, 1, 2), XY(0, 19));
-  EXPECT_EQ(pairOf(font, 1, 1, 3), XY(0, 0));
-  EXPECT_EQ(pairOf(font, 0, 7, 7), XY(14, 0));
-  EXPECT_EQ(pairOf(font, 0, 7, 8), XY(0, 0));
-  EXPECT_EQ(pairOf(font, 0, 0xFFFF, 0xFFFF), XY(2, 0));
-  EXPECT_EQ(pairOf(font, 0, 0x10000, 2), XY(0, 0));
-  EXPECT_EQ(pairOf(font, 2, 1, 2), XY(0, 0));
+  const struct {
+    int vertical;
+    unsigned left, right;
+    std::pair<int, int> kerning;
+  } rows[] = {{0, 1, 2, {-39, 0}},  // the last subtable wins
+              {0, 1, 3, {-48, 0}},  // towards zero
+              {1, 1, 2, {0, 19}},          {1, 1, 3, {0, 0}},
+              {0, 7, 7, {14, 0}},          {0, 7, 8, {0, 0}},
+              {0, 0xFFFF, 0xFFFF, {2, 0}}, {0, 0x10000, 2, {0, 0}},
+              {0, 1, 0x10002, {0, 0}},     {2, 1, 2, {0, 0}}};
+  for (const auto& [vertical, left, right, kerning] : rows) {
+    EXPECT_EQ(pairOf(font, vertical, left, right), kerning) << left << ' ' << right;
+  }
+  EXPECT_EQ(pairOf(OpenFont{FontImage()}, 0, 1, 2), std::pair(0, 0));
 
   const std::uint16_t run[] = {1, 2, 1, 3};
   KernAdjustment out[4] = {{9, 9}, {9, 9}, {9, 9}, {9, 9}};
@@ -112,15 +109,11 @@ TEST(Kerning, Requests) {
   getRunKerning(font.get(), run, 4, 0, nullptr);
   EXPECT_EQ(out[0].x, 9);
   getRunKerning(font.get(), run, 4, 0, out);
-  EXPECT_EQ(out[0].x, -39);
-  EXPECT_EQ(out[1].x, 0);
-  EXPECT_EQ(out[2].x, -48);
-  EXPECT_EQ(out[3].x, 9);
+  EXPECT_EQ(row(out[0].x, out[1].x, out[2].x, out[3].x), row(-39, 0, -48, 9));
   std::int32_t x = 9;
   getPairKerning(2, 1, font->kernTables, 1000, 0, 1, 2, &x, nullptr);
   getPairKerning(2, 1, font->kernTables, 1000, 0, 1, 2, nullptr, &x);
   EXPECT_EQ(x, 9);
-  EXPECT_EQ(pairOf(OpenFont{FontImage()}, 0, 1, 2), XY(0, 0));
 }
 
 TEST(Kerning, PairsThatLeaveTheImageAreSkipped) {
@@ -147,24 +140,16 @@ TEST(Kerning, AppleFormPrintsOnceACall) {
 }
 
 TEST(Kerning, BisectionOnAnyOrder) {
-  std::mt19937 random(3);
-  for (int count = 1; count < 40; ++count) {
+  compareOnAnyOrder(bisectedIndex, [](const std::vector<int>& numbers) {
     std::vector<Pair> pairs;
-    for (int i = 0; i < count; ++i) pairs.push_back({1, static_cast<int>(random() % 40), i + 1});
-    const Bytes kern = kernTable({subtable(1, pairs)}).zeros(12);
-    const OpenFont font(kerned(kern));
-    for (int right = 0; right < 40; ++right) {
-      int low = 0, high = count - 1;
-      while (low <= high) {
-        const int middle = (low + high) / 2;
-        const int stored = pairs[static_cast<std::size_t>(middle)].right;
-        if (right >= stored) low = middle + 1;
-        if (right <= stored) high = middle - 1;
-      }
-      EXPECT_EQ(pairOf(font, 0, 1, static_cast<unsigned>(right)).first,
-                low - high == 2 ? pairs[static_cast<std::size_t>(low - 1)].value : 0);
-    }
-  }
+    for (const int n : numbers)
+      pairs.push_back({n >> 3, n & 7, static_cast<int>(pairs.size()) + 1});
+    const auto font = std::make_shared<OpenFont>(kerned(kernTable({subtable(1, pairs)}).zeros(20)));
+    return [font](int n) {
+      return pairOf(*font, 0, static_cast<unsigned>(n) >> 3, static_cast<unsigned>(n) & 7).first -
+             1;
+    };
+  });
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ int* number(int value) {
   return numbers + value;
 }
 
-std::vector<long> items(const TTList* list) {
-  std::vector<long> found;
+std::vector<std::ptrdiff_t> items(const TTList* list) {
+  std::vector<std::ptrdiff_t> found;
   const auto array = owned(listToArray(list));
   for (std::uint32_t i = 0; i < listCount(list); ++i) {
     found.push_back(static_cast<int*>(array[i]) - number(0));
@@ -44,26 +44,25 @@ struct ListTest : testing::Test {
 };
 
 TEST_F(ListTest, CursorMoves) {
-  EXPECT_EQ(listFirst(list), 0);
-  EXPECT_EQ(listNext(list), 0);
-  EXPECT_EQ(listCurrent(list), nullptr);
-  EXPECT_TRUE(listIsEmpty(list));
-  EXPECT_FALSE(listAtFirst(list) || listAtLast(list));
+  using Moved = std::vector<int>;  // what the moves gave, in their order
+  // Whether the cursor stands at the first, whether at the last, and its place.
+  const auto place = [this] {
+    return ulm::test::row(listAtFirst(list), listAtLast(list), listPosition(list));
+  };
+  EXPECT_EQ((Moved{listFirst(list), listNext(list), listPrevious(list)}), Moved({0, 0, 0}));
+  EXPECT_TRUE(listIsEmpty(list) && listCurrent(list) == nullptr);
+  EXPECT_THAT(place(), ElementsAre(0, 0, 0));
   fill(3);
   EXPECT_EQ(listCurrent(list), number(1));  // the first append set it, the others let it be
-  EXPECT_TRUE(listAtFirst(list));
-  EXPECT_EQ(listFirst(list), 0);
-  EXPECT_EQ(listPrevious(list), 0);
-  EXPECT_EQ(listLast(list), 1);
-  EXPECT_EQ(listPosition(list), 2u);
-  EXPECT_EQ(listNext(list), 0);
-  EXPECT_TRUE(listAtLast(list));
-  EXPECT_EQ(listPrevious(list), 1);
-  EXPECT_EQ(listSeek(list, number(9)), 0);
-  EXPECT_EQ(listPosition(list), 1u);
+  EXPECT_THAT(place(), ElementsAre(1, 0, 0));
+  EXPECT_EQ((Moved{listFirst(list), listPrevious(list), listLast(list)}), Moved({0, 0, 1}));
+  EXPECT_THAT(place(), ElementsAre(0, 1, 2));
+  EXPECT_EQ((Moved{listNext(list), listPrevious(list), listSeek(list, number(9))}),
+            Moved({0, 1, 0}));
+  EXPECT_THAT(place(), ElementsAre(0, 0, 1));
   listAppend(list, number(1));
   EXPECT_EQ(listSeek(list, number(1)), 1);
-  EXPECT_EQ(listPosition(list), 0u);
+  EXPECT_THAT(place(), ElementsAre(1, 0, 0));
 }
 
 TEST_F(ListTest, InsertsAndRemovesAtTheCursor) {
@@ -74,12 +73,10 @@ TEST_F(ListTest, InsertsAndRemovesAtTheCursor) {
   EXPECT_THAT(items(list), ElementsAre(1, 2, 3));
   left.clear();
   listSetDestructor(list, note);
-  listRemoveCurrent(list);
-  EXPECT_EQ(listCurrent(list), number(3));
-  listRemoveCurrent(list);
-  EXPECT_EQ(listCurrent(list), number(1));
-  listRemoveCurrent(list);
-  EXPECT_EQ(listCurrent(list), nullptr);
+  for (const void* next : {number(3), number(1), static_cast<int*>(nullptr)}) {
+    listRemoveCurrent(list);
+    EXPECT_EQ(listCurrent(list), next);
+  }
   listRemoveCurrent(list);
   EXPECT_EQ(listCount(list), 0u);
   EXPECT_THAT(left, ElementsAre(number(2), number(3), number(1)));

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
-
 #include "tests/support/font_image.h"
+#include "tests/truetype/bisection.h"
 
 namespace {
 
@@ -15,14 +13,9 @@ using namespace ulm::truetype;
 const Bytes kPlain4 = cmapFormat4({{0x41, 0x50, 0xFFE3, 0}, {-1, -1, 1, 0}});
 const Bytes kFormat12 = Bytes().u16({12, 0}).zeros(12);
 
-struct ChoiceCase {
-  std::vector<CmapEntry> entries;
-  int type;
-};
-
 TEST(Mapping, ChoiceOfSubtable) {
   const Bytes other4 = cmapFormat4({{0x41, 0x50, 1, 0}, {-1, -1, 1, 0}});
-  const ChoiceCase cases[] = {
+  const std::pair<std::vector<CmapEntry>, int> cases[] = {
       {{{3, 0, other4}, {3, 1, kPlain4}}, 11},
       {{{3, 1, kPlain4}, {3, 0, other4}}, 11},
       {{{3, 0, kPlain4}}, 10},
@@ -34,15 +27,15 @@ TEST(Mapping, ChoiceOfSubtable) {
       {{{3, 10, kPlain4}}, -1},
       {{}, -1},
   };
-  for (const ChoiceCase& tested : cases) {
-    const OpenFont font(FontImage().table("cmap", cmapTable(tested.entries)));
+  for (const auto& [entries, type] : cases) {
+    const OpenFont font(FontImage().table("cmap", cmapTable(entries)));
     ASSERT_EQ(font.result, FontResultOk);
-    EXPECT_EQ(font->cmapType, tested.type);
-    ASSERT_EQ(font->cmapLookup != nullptr, tested.type >= 0);
-    ASSERT_EQ(font->cmapSubtable != nullptr, tested.type >= 0);
-    if (tested.type < 0) continue;
-    EXPECT_EQ(font->cmapLookup, cmapLookupFormat4);
-    EXPECT_EQ(font->cmapLookup(font->cmapSubtable, 0x41), 0x24);
+    EXPECT_EQ(font->cmapType, type);
+    EXPECT_EQ(font->cmapLookup, type < 0 ? nullptr : cmapLookupFormat4);
+    ASSERT_EQ(font->cmapSubtable != nullptr, type >= 0);
+    if (type >= 0) {
+      EXPECT_EQ(font->cmapLookup(font->cmapSubtable, 0x41), 0x24);
+    }
   }
 }
 
@@ -51,12 +44,14 @@ FontImage atEnd(const Bytes& subtable) {
   return FontImage().table("cmap", cmapTable({{3, 1, subtable}})).last("cmap");
 }
 
-void expectLookups(const Bytes& subtable, std::initializer_list<std::pair<int, int>> expected) {
+// The glyphs of `first` and the codes after it.
+void expectLookups(const Bytes& subtable, int first, std::initializer_list<int> glyphs) {
   const OpenFont font(atEnd(subtable));
   ASSERT_NE(font->cmapLookup, nullptr);
-  for (const auto& [code, glyph] : expected) {
-    EXPECT_EQ(font->cmapLookup(font->cmapSubtable, static_cast<std::uint16_t>(code)), glyph)
-        << code;
+  for (const int glyph : glyphs) {
+    EXPECT_EQ(font->cmapLookup(font->cmapSubtable, static_cast<std::uint16_t>(first)), glyph)
+        << first;
+    ++first;
   }
 }
 
@@ -71,32 +66,16 @@ Bytes format2() {
 TEST(Mapping, Lookups) {
   Bytes format0 = Bytes().u16({0, 262, 0}).zeros(256);
   format0[6 + 255] = 77;
-  expectLookups(format0, {{255, 77}, {256, 0}, {0xFFFF, 0}, {3, 0}});
-  expectLookups(format2(), {{0x40, 12},
-                            {0x41, 0},
-                            {0x42, 16},
-                            {0x43, 0},
-                            {0x3F, 0},
-                            {0x8130, 10},
-                            {0x8131, 11},
-                            {0x8132, 0},
-                            {0x812F, 0},
-                            {0x8240, 12}});
-  expectLookups(
-      cmapFormat4({{0x41, 0x43, 0xFFE3, 0}, {0x50, 0x52, 3, 4}, {-1, -1, 1, 0}}, {4, 0, 0xFFFE}),
-      {{0x41, 0x24},
-       {0x40, 0},
-       {0x44, 0},
-       {0x50, 7},
-       {0x51, 0},
-       {0x52, 1},
-       {0x53, 0},
-       {0xFFFF, 0}});
-  expectLookups(cmapFormat4({{0x41, 0x43, 0, 0}}), {{0x43, 0x43}, {0x44, 0}, {0xFFFF, 0}});
-  expectLookups(cmapFormat4({}), {{0, 0}, {0xFFFF, 0}});
-  expectLookups(Bytes().u16({6, 0, 0, 0x20, 3, 8, 9, 10}),
-                {{0x1F, 0}, {0x20, 8}, {0x22, 10}, {0x23, 0}});
-  expectLookups(Bytes().u16({6, 0, 0, 0, 0}), {{0, 0}, {0xFFFF, 0}});
+  expectLookups(format0, 254, {0, 77, 0});
+  expectLookups(format2(), 0x3F, {0, 12, 0, 16, 0});
+  expectLookups(format2(), 0x812F, {0, 10, 11, 0});
+  expectLookups(format2(), 0x8240, {12});
+  const Bytes format6 = Bytes().u16({6, 0, 0, 0x20, 3, 8, 9, 10});
+  expectLookups(format6, 0x1F, {0, 8, 9, 10, 0});
+  expectLookups(Bytes().u16({6, 0, 0, 0, 0}), 0, {0, 0});
+  for (const Bytes& bytes : {format0, format2(), format6}) {
+    expectLookups(bytes, 0xFFFF, {0});
+  }
 }
 
 TEST(Mapping, SubtablesThatLeadOutsideAreNotUsable) {
@@ -114,39 +93,83 @@ TEST(Mapping, SubtablesThatLeadOutsideAreNotUsable) {
   }
   EXPECT_EQ(lookupOf(atEnd({})), nullptr);
   // The closing segment alone leads outside, and just its code has no glyph then.
-  expectLookups(cmapFormat4({{0x41, 0x43, 0xFFE3, 0}, {-1, -1, 1, 0xFFFF}}),
-                {{0x41, 0x24}, {0xFFFF, 0}});
-  // A segment behind another with the same end is never reached, wherever it leads.
-  EXPECT_EQ(lookupOf(atEnd(cmapFormat4({{0x41, 0x43, 0, 0}, {0x41, 0x43, 0, 0x7000}}))),
-            cmapLookupFormat4);
+  const Bytes closing = cmapFormat4({{0x41, 0x43, 0xFFE3, 0}, {-1, -1, 1, 0xFFFF}});
+  expectLookups(closing, 0x41, {0x24});
+  expectLookups(closing, 0xFFFF, {0});
   // Codes beyond 16 bits are not asked for.
   EXPECT_EQ(lookupOf(atEnd(Bytes().u16({6, 0, 0, 0xFFFF, 9, 1}))), cmapLookupFormat6);
 }
 
-TEST(Mapping, BisectionOnAnyOrder) {
-  std::mt19937 random(5);
-  for (int count = 0; count < 60; ++count) {
-    Bytes sorted;
-    std::vector<int> numbers;
-    for (int i = 0; i < count; ++i) numbers.push_back(static_cast<int>(random() % 64));
-    if (count % 2 == 0) std::sort(numbers.begin(), numbers.end());
-    for (const int number : numbers) sorted.u16({number});
-    for (int key = 0; key < 66; ++key) {
-      int low = 0, high = count - 1, expected = 0xFFFF;
-      while (low <= high) {
-        const int middle = (low + high) / 2;
-        if (numbers[static_cast<std::size_t>(middle)] < key) {
-          low = middle + 1;
-        } else {
-          expected = middle;
-          high = middle - 1;
-        }
-      }
-      EXPECT_EQ(findFirstNotBelow(sorted.data(), static_cast<std::uint16_t>(count),
-                                  static_cast<std::uint16_t>(key)),
-                expected);
+// The lookup of format 4 as it is told; `left` where it led outside.
+struct Told {
+  Bytes table;
+  bool left = false;
+  int at(std::size_t place) {
+    left = left || place + 2 > table.size();
+    return left ? 0 : table[place] << 8 | table[place + 1];
+  }
+  int lookup(int code) {
+    const std::size_t count = static_cast<std::size_t>(at(6)) / 2;
+    std::vector<int> ends;
+    for (std::size_t i = 0; i < count; ++i) ends.push_back(at(14 + 2 * i));
+    const auto segment = static_cast<std::size_t>(bisectedNotBelow(ends, code));
+    if (segment == 0xFFFF) return 0;
+    const std::size_t start = 16 + 2 * count + 2 * segment, range = start + 4 * count;
+    if (at(start) > code) return 0;
+    const int delta = at(start + 2 * count), offset = at(range);
+    if (offset == 0) return (code + delta) & 0xFFFF;
+    const int glyph = at(range + static_cast<std::size_t>(offset + 2 * (code - at(start))));
+    return glyph == 0 ? 0 : (glyph + delta) & 0xFFFF;
+  }
+};
+
+TEST(Mapping, Format4OnAnySegments) {
+  std::mt19937 random(6);
+  const auto below = [&random](int limit) {
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+  };
+  int usable = 0;
+  for (int round = 0; round < 300; ++round) {
+    const int count = below(50), glyphs = 1 + below(30);
+    std::vector<int> ends;
+    for (int i = 0; i < count; ++i) ends.push_back(below(600));
+    if (round % 3 != 0) std::sort(ends.begin(), ends.end());
+    std::vector<Segment> segments;
+    for (const int end : ends) {
+      const int left = count - static_cast<int>(segments.size()) + glyphs;
+      segments.push_back(
+          {std::max(0, end - below(8)), end, below(99), below(9) == 0 ? 2 * below(left) : 0});
+    }
+    segments.push_back({-1, -1, 1, below(2) == 0 ? 0 : 0xFFFF});
+    Told told{cmapFormat4(segments)};
+    for (int i = 0; i < glyphs; ++i) told.table.u16({below(3)});
+    std::vector<int> expected;
+    for (int code = 0; code < 600; ++code) expected.push_back(told.lookup(code));
+    const OpenFont font(atEnd(told.table));
+    ASSERT_EQ(font->cmapLookup == nullptr, told.left) << round;
+    if (told.left) continue;
+    ++usable;
+    expected.push_back(told.lookup(0xFFFF));
+    for (int code = 0; code <= 600; ++code) {
+      const auto asked = static_cast<std::uint16_t>(code == 600 ? 0xFFFF : code);
+      ASSERT_EQ(font->cmapLookup(font->cmapSubtable, asked),
+                expected[static_cast<std::size_t>(code)])
+          << round << ' ' << asked;
     }
   }
+  EXPECT_TRUE(usable > 50 && usable < 250) << usable;
+}
+
+TEST(Mapping, BisectionOnAnyOrder) {
+  compareOnAnyOrder(bisectedNotBelow, [](const std::vector<int>& numbers) {
+    Bytes array;
+    for (const int number : numbers) array.u16({number});
+    // In a heap block of its exact size.
+    return [array = std::vector<std::uint8_t>(array), count = numbers.size()](int key) {
+      return findFirstNotBelow(array.data(), static_cast<std::uint16_t>(count),
+                               static_cast<std::uint16_t>(key));
+    };
+  });
   EXPECT_EQ(findFirstNotBelow(nullptr, 0xFFFF, 0), 0xFFFF);
 }
 

@@ -4,7 +4,9 @@
 #include <cstdlib>
 
 #include "tests/truetype/exercise.h"
+#include "tests/truetype/failing_memory.h"
 #include "tests/truetype/rich_font.h"
+#include "truetype/detail/glyph_data.h"
 
 extern "C" {
 void* __real_malloc(std::size_t size);
@@ -18,21 +20,11 @@ namespace {
 using namespace ulm::test;
 using namespace ulm::truetype;
 
-long made = 0;
-long failing = -1;  // the number of the allocation that fails
-
-bool fails() { return made++ == failing; }
-
-// Runs `operation` with each of its allocations failing in turn; the leak checker sees the rest.
-template <class Operation>
-long withEachFailing(Operation operation) {
-  for (long number = 0;; ++number) {
-    made = 0;
-    failing = number;
-    operation();
-    failing = -1;
-    if (made <= number) return number;  // it needed no more than these
-  }
+// A point, and composites that each move the one before.
+FontImage nested(int count) {
+  std::vector<Bytes> glyphs{simpleGlyph({0}, {{0, 0}})};
+  for (int i = 1; i < count; ++i) glyphs.push_back(compositeGlyph({moved(i - 1, 1, 0)}));
+  return FontImage().glyphs(glyphs);
 }
 
 TEST(Memory, OpenFailsWhole) {
@@ -63,21 +55,47 @@ TEST(Memory, OperationsGiveNone) {
             2);
 }
 
+TEST(Memory, IsToldApartFromAGlyphThatIsNot) {
+  const OpenFont font(nested(100));
+  GlyphData* data = nullptr;
+  TTList* list = listCreate();
+  std::int32_t appended = 0;
+  long refused = 0;
+  // Two blocks of the record, one of the way down through 99 composites.
+  EXPECT_EQ(withEachFailing([&] {
+              const FontResult result = detail::makeGlyphData(*font.get(), 99, &data);
+              refused += result == FontResultNoMemory && data == nullptr ? 1 : 0;
+              if (data != nullptr) std::free(data->data);
+              std::free(data);
+            }),
+            3);
+  EXPECT_EQ(withEachFailing([&] {
+              listClear(list);
+              const FontResult result = detail::appendComponents(*font.get(), 99, list, &appended);
+              refused += result == FontResultNoMemory ? 1 : 0;
+              EXPECT_EQ(static_cast<std::uint32_t>(appended), listCount(list));
+            }),
+            101);
+  EXPECT_EQ(refused, 3 + 101);
+  EXPECT_EQ(detail::makeGlyphData(*font.get(), 100, &data), FontResultBadArgument);
+  EXPECT_EQ(detail::appendComponents(*font.get(), 100, list, &appended), FontResultBadArgument);
+  listDispose(list);
+}
+
 TEST(Memory, OutlinesTakeTwoAllocationsAtMost) {
-  std::vector<Bytes> glyphs{simpleGlyph({0}, {{0, 0}})};
-  for (int i = 1; i < 100; ++i) glyphs.push_back(compositeGlyph({moved(i - 1, 1, 0)}));
-  const OpenFont font(FontImage().glyphs(glyphs));
+  const OpenFont font(nested(100));
   for (const auto& [glyph, most] : {std::pair{0u, 1}, {30u, 1}, {99u, 2}}) {
     GlyphPoint* points = nullptr;
-    made = 0;
+    allocationsMade = 0;
     EXPECT_EQ(getGlyphPoints(font.get(), glyph, &points), 1);
-    EXPECT_EQ(made, most);
+    EXPECT_EQ(allocationsMade, most);
     std::free(points);
     GlyphPoint point;
     std::uint32_t count = 1;
-    made = 0;
+    allocationsMade = 0;
     EXPECT_EQ(decodeGlyphPoints(font.get(), glyph, &point, &count), 1);
-    EXPECT_EQ(made, most - 1);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(allocationsMade, most - 1);
   }
 }
 
@@ -105,7 +123,9 @@ TEST(Memory, ListsStayWhole) {
 
 }  // namespace
 
-void* __wrap_malloc(std::size_t size) { return fails() ? nullptr : __real_malloc(size); }
+void* __wrap_malloc(std::size_t size) {
+  return ulm::test::allocationFails() ? nullptr : __real_malloc(size);
+}
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return fails() ? nullptr : __real_calloc(count, size);
+  return ulm::test::allocationFails() ? nullptr : __real_calloc(count, size);
 }

@@ -7,7 +7,8 @@ namespace ulm::test {
 
 inline FontImage richFont() {
   const Bytes triangle = simpleGlyph({2}, {{0, 0}, {100, 0}, {50, 80}});
-  Bytes repeated = Bytes().u16({1, 0, 0, 9, 9, 3, 1}).u8(0xB0);
+  // Two contours end with the same point.
+  Bytes repeated = Bytes().u16({3, 0, 0, 9, 9, 3, 1, 3, 1}).u8(0xB0);
   repeated.u8(0x3F).u8(3).u8(1).u8(2).u8(3).u8(4).u8(5).u8(6).u8(7).u8(8);
   const Part turned{0x0083, 1, Bytes().u16({3, 4, 0x2000, 0x1000, -0x1000, 0x2000})};
   FontImage image;

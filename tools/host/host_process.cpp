@@ -1,7 +1,5 @@
 // A stand-in host as a process of its own: `ulmira host` runs it and shows what it prints, one JSON
 // object. Errors are one line on the error stream and the exit code 1.
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -11,6 +9,7 @@
 #include <string>
 
 #include "tools/host/module_run.h"
+#include "tools/support/program.h"
 
 namespace {
 
@@ -38,27 +37,18 @@ nlohmann::ordered_json toJson(const ulm::tools::RunReport& report) {
           {"unbalanced", report.unbalanced}};
 }
 
-// The standard output as it was handed over; from then on what a library prints goes to the error
-// stream, so that the report stands alone.
-std::FILE* takeStandardOutput() {
-  const int own = ::dup(STDOUT_FILENO);
-  std::FILE* report = own >= 0 ? ::fdopen(own, "w") : nullptr;
-  if (report == nullptr || ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
-    throw std::runtime_error("there is no standard output to report to");
-  }
-  return report;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
+    ulm::tools::ProgramArguments arguments(argc, argv);
     ulm::tools::RunOptions options;
     CLI::App app("A stand-in host process for one life of ULM_Main");
+    app.allow_windows_style_options(false);
     app.add_option("--module", options.moduleFile, "the library to take up")->required();
     app.add_option("--without", options.without, "host libraries to leave out")->take_all();
-    CLI11_PARSE(app, argc, argv);
-    std::FILE* const output = takeStandardOutput();
+    CLI11_PARSE(app, arguments.count(), arguments.values());
+    std::FILE* const output = ulm::tools::takeStandardOutput();
     const std::string report = toJson(ulm::tools::runModule(options))
                                    .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     std::fprintf(output, "%s\n", report.c_str());

@@ -14,12 +14,18 @@ struct ProcessResult {
   std::string output;  // what it wrote to its standard output
 };
 
-// Runs `program` with `arguments` (without its own name), its error stream being the caller's, and
-// waits for its end. `extraEnvironment` holds "NAME=VALUE" texts that are added to the caller's
-// own.
+// Where a program's error stream goes: where the caller's own does, or into its output.
+enum class ErrorStream { Callers, Joined };
+
+// Runs `program` with `arguments` (without its own name) and waits for its end. On Windows a name
+// without an ending is that of an .exe. `extraEnvironment` holds "NAME=VALUE" texts that are added
+// to the caller's own; it starts in `folder`, or in the caller's where that is empty. All text is
+// UTF-8.
 ProcessResult runProcess(const std::filesystem::path& program,
                          const std::vector<std::string>& arguments,
-                         const std::vector<std::string>& extraEnvironment = {});
+                         const std::vector<std::string>& extraEnvironment = {},
+                         ErrorStream errors = ErrorStream::Callers,
+                         const std::filesystem::path& folder = {});
 
 // The folder that holds the running program.
 std::filesystem::path programFolder();

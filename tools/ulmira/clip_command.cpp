@@ -9,6 +9,7 @@
 
 #include "clip/growable/polygon_array.h"
 #include "clip/segment.h"
+#include "tools/support/program.h"
 #include "tools/ulmira/clip_document.h"
 #include "tools/ulmira/commands.h"
 
@@ -82,7 +83,7 @@ std::optional<ClipShapes<Real>> clipEach(const std::optional<ClipShapes<Real>>& 
 std::string readAll(const std::string& path) {
   std::ifstream file;
   if (path != "-") {
-    file.open(path, std::ios::binary);
+    file.open(fileNamed(path), std::ios::binary);
     if (!file) throw std::runtime_error(path + ": cannot be opened");
   }
   std::istream& in = path == "-" ? std::cin : file;
@@ -95,7 +96,7 @@ std::string readAll(const std::string& path) {
 
 void writeAll(const std::string& path, const std::string& text) {
   std::ofstream file;
-  if (path != "-") file.open(path, std::ios::binary);
+  if (path != "-") file.open(fileNamed(path), std::ios::binary);
   std::ostream& out = path == "-" ? std::cout : file;
   out << text << std::flush;
   if (!out)

@@ -1,7 +1,4 @@
 // `ulmira digest`: checksums of files, in the form that sha1sum writes and reads.
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
@@ -19,6 +16,7 @@
 
 #include "bignum/sha.h"
 #include "bignum/text.h"
+#include "tools/support/program.h"
 #include "tools/ulmira/commands.h"
 
 namespace ulm::tools {
@@ -41,12 +39,7 @@ Digester makeDigester(const std::string& hash) {
 class Progress {
  public:
   Progress(const std::string& name, std::FILE* file)
-      : name_(name), onTerminal_(isatty(STDERR_FILENO) == 1) {
-    struct stat about;
-    if (fstat(fileno(file), &about) == 0 && S_ISREG(about.st_mode)) {
-      size_ = static_cast<std::uint64_t>(about.st_size);
-    }
-  }
+      : name_(name), onTerminal_(errorStreamIsTerminal()), size_(regularSize(file).value_or(0)) {}
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress() {
@@ -72,8 +65,8 @@ class Progress {
  private:
   const std::string name_;
   const bool onTerminal_;
+  const std::uint64_t size_;  // 0 where nobody knows it
   bool shown_ = false;
-  std::uint64_t size_ = 0;
   std::uint64_t done_ = 0;
   std::chrono::steady_clock::time_point last_;
 };
@@ -90,7 +83,7 @@ std::string digestOf(const std::string& hash, const std::string& name) {
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(nullptr, std::fclose);
   std::FILE* file = stdin;
   if (name != "-") {
-    opened.reset(std::fopen(name.c_str(), "rb"));
+    opened.reset(openToRead(name));
     if (opened == nullptr) throwLastError(name);
     file = opened.get();
   }
@@ -185,7 +178,7 @@ void warnOfCount(std::size_t count, const char* one, const char* many) {
 bool checkList(const std::string& hash, const std::string& listName) {
   std::ifstream opened;
   if (listName != "-") {
-    opened.open(listName, std::ios::binary);
+    opened.open(fileNamed(listName), std::ios::binary);
     if (!opened) throwLastError(listName);
   }
   std::istream& list = listName == "-" ? std::cin : opened;

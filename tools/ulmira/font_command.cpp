@@ -1,4 +1,4 @@
-// `ulmira font`: what a font holds, as tables or JSON, and pictures of it.
+// `ulmira font`: what a font holds, as tables or JSON, pictures of it, and smaller fonts.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iomanip>
@@ -8,6 +8,7 @@
 
 #include "tools/ulmira/commands.h"
 #include "tools/ulmira/font/font_file.h"
+#include "tools/ulmira/font/subset.h"
 
 namespace ulm::tools {
 namespace {
@@ -87,7 +88,7 @@ CLI::App* addReport(CLI::App& app, const std::shared_ptr<FontOptions>& options, 
 
 void addFontCommand(CLI::App& app, int& status) {
   const auto options = std::make_shared<FontOptions>();
-  CLI::App* font = app.add_subcommand("font", "Look into a TrueType font");
+  CLI::App* font = app.add_subcommand("font", "Look into a TrueType font, or make a smaller one");
   font->require_subcommand(1);
   const auto add = [&](const char* name, const char* about, Report report) {
     return addReport(*font, options, status, name, about, report);
@@ -110,6 +111,7 @@ void addFontCommand(CLI::App& app, int& status) {
       add("specimen", "A picture of a text, with advances and kerning", specimenOf);
   specimen->add_option("--text", options->text, "Text in UTF-8")->required();
   specimen->add_option("--svg", options->svg, "Where to write the picture")->required();
+  addSubsetCommand(*font, status);
 }
 
 }  // namespace ulm::tools

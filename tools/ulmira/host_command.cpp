@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tools/support/process.h"
+#include "tools/support/program.h"
 #include "tools/ulmira/commands.h"
 
 namespace ulm::tools {
@@ -96,11 +97,11 @@ std::filesystem::path findNeighbour(const std::string& name) {
 int runHost(const HostOptions& options) {
   // A file is the user's, from the folder they are in, and never searched for.
   const std::filesystem::path module = options.module.empty()
-                                           ? findNeighbour("ULM_Main.so")
-                                           : std::filesystem::absolute(options.module);
-  std::vector<std::string> arguments{"--module=" + module.string()};
+                                           ? findNeighbour(ULMIRA_MODULE)
+                                           : std::filesystem::absolute(fileNamed(options.module));
+  std::vector<std::string> arguments{"--module=" + textOf(module)};
   for (const std::string& name : options.without) arguments.push_back("--without=" + name);
-  const ProcessResult result = runProcess(findNeighbour("ulmira_host"), arguments);
+  const ProcessResult result = runProcess(findNeighbour(ULMIRA_HOST), arguments);
   if (!result.ending.empty()) {
     throw std::runtime_error("the host process failed: " + result.ending);
   }

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "module/product_version.h"
+#include "tools/support/program.h"
 #include "tools/ulmira/commands.h"
 
 #define ULM_TEXT_OF(number) #number
@@ -19,11 +20,13 @@ constexpr int kUsageError = 2;
 int main(int argc, char** argv) {
   try {
     int status = 0;
+    ulm::tools::ProgramArguments arguments(argc, argv);
     CLI::App app("Ulmira: the main module's host and the libraries beside it");
     app.set_version_flag("--version",
                          "ulmira " ULM_VERSION_TEXT(ULM_VERSION_MAJOR, ULM_VERSION_MINOR,
                                                     ULM_VERSION_BUILD, ULM_VERSION_REVISION));
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // "/a/b" is a file on every system
     ulm::tools::addHostCommand(app, status);
     ulm::tools::addNumCommand(app, status);
     ulm::tools::addDigestCommand(app, status);
@@ -31,7 +34,7 @@ int main(int argc, char** argv) {
     ulm::tools::addClipCommand(app, status);
     ulm::tools::addFontCommand(app, status);
     try {
-      app.parse(argc, argv);
+      app.parse(arguments.count(), arguments.values());
     } catch (const CLI::ParseError& error) {
       return app.exit(error) == 0 ? 0 : kUsageError;  // --help and --version come this way too
     }

@@ -12,6 +12,7 @@
 
 #include "bignum/rsa.h"
 #include "bignum/text.h"
+#include "tools/support/program.h"
 #include "tools/ulmira/commands.h"
 #include "tools/ulmira/number_argument.h"
 
@@ -37,7 +38,7 @@ constexpr const char* kSpace = " \t\r\n\v\f";
 QLInteger numberOf(const std::string& argument) {
   if (argument.empty() || argument.front() != '@') return parseNumber(argument);
   const std::string name = argument.substr(1);
-  std::ifstream file(name, std::ios::binary);
+  std::ifstream file(fileNamed(name), std::ios::binary);
   if (!file) throw std::runtime_error(name + ": " + std::strerror(errno));
   std::string text;
   for (char next; file.get(next);) text += next;
@@ -76,7 +77,7 @@ Bytes readBytes(std::istream& in, const std::string& name, bool hex, std::size_t
 Bytes readBlock(const Arguments& given, std::size_t size) {
   std::ifstream file;
   if (given.file != "-") {
-    file.open(given.file, std::ios::binary);
+    file.open(fileNamed(given.file), std::ios::binary);
     if (!file) throw std::runtime_error(given.file + ": " + std::strerror(errno));
   }
   const std::string name = given.file == "-" ? "standard input" : given.file;

@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "truetype/bytes.h"
+#include "truetype/detail/swap_run.h"
 #include "truetype/font.h"
 
 namespace ulm::truetype::detail {
@@ -47,19 +48,23 @@ class ByteView {
   constexpr T readOrZero(std::size_t offset) const noexcept {
     return holds(offset, sizeof(T)) ? load<T>(offset) : T{0};
   }
-  // A byte of a run that the caller has tested as a whole, with holds.
-  constexpr std::uint8_t readHeld(std::size_t offset) const noexcept {
-    assert(offset < size_);
-    return start_[offset];
+  // The same of bytes that the caller has tested, with holds.
+  template <class T>
+  constexpr T readHeld(std::size_t offset) const noexcept {
+    assert(holds(offset, sizeof(T)));
+    return load<T>(offset);
   }
 
-  // The run of `count` big-endian values from the first byte on, each stored as `as` makes it of a
-  // stored one. All are tested at once, so that the loop is as plain as a copy. False, with nothing
-  // stored, where they are not all there.
-  template <class T, class Out, class As>
-  constexpr bool readRun(std::size_t count, Out* out, As as) const noexcept {
-    if (count > size_ / sizeof(T)) return false;
-    for (std::size_t i = 0; i < count; ++i) out[i] = as(load<T>(i * sizeof(T)));
+  // The run of `count` big-endian numbers from the first byte on, of 32 bits, or of 16 bits and
+  // each doubled. All are tested at once. False, with nothing stored, where they are not all there.
+  bool readRun32(std::size_t count, std::uint32_t* out) const noexcept {
+    if (count > size_ / 4) return false;
+    storeRun32(start_, count, out);
+    return true;
+  }
+  bool readDoubledRun16(std::size_t count, std::uint32_t* out) const noexcept {
+    if (count > size_ / 2) return false;
+    storeDoubledRun16(start_, count, out);
     return true;
   }
 

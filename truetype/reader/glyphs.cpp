@@ -60,11 +60,11 @@ template <class Place>
 std::int32_t readComposite(const TrueTypeFont& font, std::uint32_t glyphIndex,
                            const TTList* ancestry, Place& place) noexcept {
   ComponentPath path(font, ancestry, ancestry == nullptr);
-  const std::optional<std::uint32_t> most = detail::compositePointCount(font, glyphIndex, path);
-  if (!most) return 0;
-  GlyphPoint* points = place.room(*most);
+  std::uint32_t most = 0;
+  if (detail::measureComposite(font, glyphIndex, path, &most) != detail::WalkEnd::kWhole) return 0;
+  GlyphPoint* points = place.room(most);
   // An empty outline needs no room of its caller's.
-  if (points == nullptr && *most != 0) return place.refused();
+  if (points == nullptr && most != 0) return place.refused();
   return place.done(detail::decodeCompositePoints(font, glyphIndex, path, points));
 }
 
@@ -90,25 +90,6 @@ void readLentMetrics(const TrueTypeFont& font, ByteView glyph, GlyphMetrics* met
       readGlyphMetrics(&font, index, metrics);
     }
   }
-}
-
-struct ReleaseGlyphData {
-  void operator()(GlyphData* data) const noexcept {
-    std::free(data->data);
-    std::free(data);
-  }
-};
-
-// Where a composite's bytes are, nothing for all other glyphs.
-ByteView compositeView(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
-  const ByteView glyph = detail::glyphView(font, glyphIndex);
-  return glyph.readOrZero<std::int16_t>(0) == -1 ? glyph : ByteView();
-}
-
-bool appendIndex(TTList* list, std::uint32_t glyphIndex) noexcept {
-  const std::uint32_t before = list->count;
-  listAppend(list, reinterpret_cast<void*>(std::uintptr_t{glyphIndex}));
-  return list->count != before;
 }
 
 }  // namespace
@@ -153,7 +134,7 @@ std::int32_t readCompositeGlyph(const TrueTypeFont* font, std::uint32_t glyphInd
                                 TTList* ancestry) noexcept {
   *outPoints = nullptr;
   if (glyphIndex >= font->numGlyphs) return 0;
-  const ByteView glyph = compositeView(*font, glyphIndex);
+  const ByteView glyph = detail::compositeView(*font, glyphIndex);
   if (glyph.size() == 0) return 0;
   if (metrics != nullptr) {
     readGlyphBox(font, glyphIndex, metrics);
@@ -162,72 +143,6 @@ std::int32_t readCompositeGlyph(const TrueTypeFont* font, std::uint32_t glyphInd
   }
   Allocated place{outPoints, nullptr};
   return readComposite(*font, glyphIndex, ancestry, place);
-}
-
-GlyphData* getGlyphData(const TrueTypeFont* font, std::uint32_t glyphIndex) noexcept {
-  if (glyphIndex >= font->numGlyphs) return nullptr;
-  const std::uint32_t start = font->glyphOffsets[glyphIndex];
-  const std::uint32_t next = font->glyphOffsets[glyphIndex + 1];
-  if (next < start) return nullptr;
-  const ByteView glyph = detail::glyphView(*font, glyphIndex);
-  const std::size_t length = glyph.size() < next - start ? glyph.size() : next - start;
-  if (length >= 0xFFFF) return nullptr;
-
-  std::unique_ptr<GlyphData, ReleaseGlyphData> made(
-      static_cast<GlyphData*>(std::calloc(1, sizeof(GlyphData))));
-  if (made == nullptr) return nullptr;
-  made->glyphIndex = glyphIndex;
-  made->byteCount = static_cast<std::uint16_t>((length + 1) & ~std::size_t{1});
-  if (length > 0) {
-    made->data = detail::makeZeroedBuffer<std::uint8_t>(made->byteCount).release();
-    if (made->data == nullptr) return nullptr;
-    glyph.copy(0, length, made->data);
-    made->isComposite = made->data[0] >> 7;
-  }
-
-  GlyphPoint* outline = nullptr;
-  const std::int32_t count = getGlyphPoints(font, glyphIndex, &outline);
-  const CBuffer<GlyphPoint> points(outline);
-  for (std::int32_t i = 0; i < count; ++i) {
-    if ((points[static_cast<std::size_t>(i)].flags & kPointEndsContour) != 0) ++made->contourCount;
-  }
-  made->pointCount = static_cast<std::uint16_t>(count);  // -1 is not possible here
-
-  GlyphMetrics metrics;
-  readGlyphMetrics(font, glyphIndex, &metrics);
-  made->advanceWidth = metrics.advanceWidth;
-  made->leftSideBearing = metrics.leftSideBearing;
-  return made.release();
-}
-
-std::int32_t collectGlyphComponents(const TrueTypeFont* font, std::uint32_t glyphIndex,
-                                    TTList* list) noexcept {
-  if (glyphIndex >= font->numGlyphs || !appendIndex(list, glyphIndex)) return 0;
-  std::int32_t appended = 1;
-  ComponentPath path(*font, nullptr, true);
-  const ByteView outermost = compositeView(*font, glyphIndex);
-  if (outermost.size() == 0) return appended;
-  if (!path.push({outermost, 0, detail::kFirstComponent, glyphIndex, 0})) return appended;
-  for (std::uint32_t records = 0; !path.empty();) {
-    detail::ComponentFrame& top = path.top();
-    const std::size_t record = top.next;
-    if (record == detail::kNoRecord || !top.glyph.holds(record, 4)) {
-      path.pop();
-      continue;
-    }
-    if (++records > kMostComponentRecords) break;
-    const std::uint16_t flags = top.glyph.readOrZero<std::uint16_t>(record);
-    const std::uint16_t index = top.glyph.readOrZero<std::uint16_t>(record + 2);
-    top.next = (flags & detail::kMoreComponents) != 0 ? record + detail::componentSize(flags)
-                                                      : detail::kNoRecord;
-    if (index >= font->numGlyphs) continue;
-    if (!appendIndex(list, index)) break;
-    ++appended;
-    if (path.contains(index)) continue;
-    const ByteView glyph = compositeView(*font, index);
-    if (glyph.size() != 0 && !path.push({glyph, 0, detail::kFirstComponent, index, 0})) break;
-  }
-  return appended;
 }
 
 }  // namespace ulm::truetype

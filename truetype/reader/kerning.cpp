@@ -32,16 +32,17 @@ bool staysInside(ByteView subtable) noexcept {
 
 // The place of the key among the pairs. Equal keys end a bisection that moves both of its bounds.
 const std::uint8_t* findPair(const std::uint8_t* subtable, std::uint32_t key) noexcept {
-  std::size_t low = 0, end = readUInt16(subtable, kPairCount);
-  while (low < end) {
-    const std::size_t middle = (low + end - 1) / 2;
-    const std::uint8_t* pair = subtable + kPairs + middle * kPairSize;
+  const std::uint8_t* first = subtable + kPairs;
+  for (std::size_t size = readUInt16(subtable, kPairCount); size > 0;) {
+    const std::size_t half = (size - 1) / 2;
+    const std::uint8_t* pair = first + half * kPairSize;
     const std::uint32_t stored = readUInt32(pair, 0);
     if (stored == key) return pair;
     if (stored < key) {
-      low = middle + 1;
+      first = pair + kPairSize;
+      size -= half + 1;
     } else {
-      end = middle;
+      size = half;
     }
   }
   return nullptr;

@@ -1,6 +1,9 @@
 #include "truetype/reader/mapping.h"
 
+#include <bit>
+
 #include "truetype/detail/byte_view.h"
+#include "truetype/reader/detail/below_window.h"
 
 namespace ulm::truetype {
 namespace {
@@ -10,12 +13,51 @@ using detail::ByteView;
 constexpr std::uint16_t kNotFound = 0xFFFF;
 constexpr std::uint16_t kLastCode = 0xFFFF;
 
+// What a bisection has come down to: the numbers of an array in [low, low + size).
+struct Bisected {
+  std::size_t low, size;
+};
+
+// Bisects with middle = (low + high) / 2 until no more than `most` numbers are left. When none is,
+// `low` stands on the last middle that was not below the key, for after it only `low` could move.
+template <class Bytes>
+Bisected bisect(Bytes bytes, std::size_t array, Bisected left, std::size_t most,
+                std::uint16_t key) noexcept {
+  while (left.size > most) {
+    const std::size_t half = (left.size - 1) / 2;
+    if (bytes.read16(array + 2 * (left.low + half)) < key) {
+      left.low += half + 1;
+      left.size -= half + 1;
+    } else {
+      left.size = half;
+    }
+  }
+  return left;
+}
+
 // Each format's lookup is written once, over a source of bytes: a subtable that open has tested, or
-// one under test, which notes that a read left the image and goes on with zeros.
+// one under test, which notes that a read left the image and goes on with zeros. firstNotBelow
+// gives `count` where all numbers are below the key.
 struct TrustedBytes {
   const std::uint8_t* start;
   std::uint8_t read8(std::size_t offset) const noexcept { return start[offset]; }
   std::uint16_t read16(std::size_t offset) const noexcept { return readUInt16(start, offset); }
+  std::size_t firstNotBelow(std::size_t array, std::size_t count,
+                            std::uint16_t key) const noexcept {
+    constexpr std::size_t kWindow = detail::kBelowWindow;
+    Bisected left{0, count};
+    if (count >= kWindow) {
+      left = bisect(*this, array, left, kWindow, key);
+      // The window holds all that is left. Where in it no number below the key follows one that is
+      // not, any bisection of what is left ends in the same place.
+      const std::size_t first = left.low < count - kWindow ? left.low : count - kWindow;
+      const std::uint32_t below = detail::belowInWindow(start + array + 2 * first, key);
+      if ((below & (below + 1)) == 0) {
+        return first + static_cast<std::size_t>(std::countr_zero(below + 1));
+      }
+    }
+    return bisect(*this, array, left, 0, key).low;
+  }
 };
 
 struct TestedBytes {
@@ -29,15 +71,19 @@ struct TestedBytes {
     if (!view.holds(offset, 2)) *left = true;
     return view.readOrZero<std::uint16_t>(offset);
   }
+  std::size_t firstNotBelow(std::size_t array, std::size_t count,
+                            std::uint16_t key) const noexcept {
+    return bisect(*this, array, {0, count}, 0, key).low;
+  }
 };
 
 template <class Bytes>
-std::uint16_t lookup0(const Bytes& bytes, std::uint16_t code) noexcept {
+std::uint16_t lookup0(Bytes bytes, std::uint16_t code) noexcept {
   return code > 255 ? std::uint16_t{0} : std::uint16_t{bytes.read8(6 + std::size_t{code})};
 }
 
 template <class Bytes>
-std::uint16_t lookup2(const Bytes& bytes, std::uint16_t code) noexcept {
+std::uint16_t lookup2(Bytes bytes, std::uint16_t code) noexcept {
   const std::size_t high = code >> 8;
   const std::size_t low = code & 0xFF;
   const std::size_t header = 518 + 8 * std::size_t{bytes.read16(6 + 2 * high) / 8u};
@@ -49,29 +95,11 @@ std::uint16_t lookup2(const Bytes& bytes, std::uint16_t code) noexcept {
   return static_cast<std::uint16_t>(value + bytes.read16(header + 4));
 }
 
-// With middle = (low + high) / 2 over [low, high], and `end` one past high. When the two meet, both
-// stand on the last middle that was not below the key: after it only `low` could move.
 template <class Bytes>
-std::uint16_t bisect(const Bytes& bytes, std::size_t array, std::size_t count,
-                     std::uint16_t key) noexcept {
-  if (count == 0 || count >= kNotFound) return kNotFound;
-  std::uint32_t low = 0, end = static_cast<std::uint32_t>(count);
-  while (low < end) {
-    const std::uint32_t middle = (low + end - 1) / 2;
-    if (bytes.read16(array + 2 * std::size_t{middle}) < key) {
-      low = middle + 1;
-    } else {
-      end = middle;
-    }
-  }
-  return low == count ? kNotFound : static_cast<std::uint16_t>(low);
-}
-
-template <class Bytes>
-std::uint16_t lookup4(const Bytes& bytes, std::uint16_t code) noexcept {
+std::uint16_t lookup4(Bytes bytes, std::uint16_t code) noexcept {
   const std::size_t count = bytes.read16(6) / 2u;
-  const std::size_t segment = bisect(bytes, 14, count, code);
-  if (segment == kNotFound) return 0;
+  const std::size_t segment = bytes.firstNotBelow(14, count, code);
+  if (segment == count) return 0;
   const std::size_t startCode = 16 + 2 * (count + segment);
   const std::uint16_t first = bytes.read16(startCode);
   if (first > code) return 0;
@@ -85,7 +113,7 @@ std::uint16_t lookup4(const Bytes& bytes, std::uint16_t code) noexcept {
 }
 
 template <class Bytes>
-std::uint16_t lookup6(const Bytes& bytes, std::uint16_t code) noexcept {
+std::uint16_t lookup6(Bytes bytes, std::uint16_t code) noexcept {
   const std::uint16_t first = bytes.read16(6);
   if (code < first) return 0;
   const std::size_t index = static_cast<std::size_t>(code - first);
@@ -98,7 +126,7 @@ std::uint16_t withoutLastCode(const std::uint8_t* subtable, std::uint16_t code) 
 }
 
 struct Format {
-  std::uint16_t (*tested)(const TestedBytes& bytes, std::uint16_t code) noexcept;
+  std::uint16_t (*tested)(TestedBytes bytes, std::uint16_t code) noexcept;
   CmapLookup lookup;
   CmapLookup withoutLast;
 };
@@ -110,8 +138,8 @@ constexpr Format kFormats[] = {
     {lookup6<TestedBytes>, cmapLookupFormat6, withoutLastCode<cmapLookupFormat6>},
 };
 
-// Whether no segment can lead outside, whatever code leads to it. Some of what this finds to lead
-// outside no code reaches, so its no is a reason to look closer.
+// Whether no segment can lead a code below the last outside, whatever code leads to it. Some of
+// what this finds to lead outside no code reaches, so its no is a reason to look closer.
 bool segmentsStayInside(ByteView subtable) noexcept {
   const std::size_t count = subtable.readOrZero<std::uint16_t>(6) / 2u;
   const std::size_t starts = 16 + 2 * count;
@@ -122,7 +150,8 @@ bool segmentsStayInside(ByteView subtable) noexcept {
     if (rangeOffset == 0) continue;
     const std::size_t first = subtable.readOrZero<std::uint16_t>(starts + 2 * i);
     const std::size_t last = subtable.readOrZero<std::uint16_t>(14 + 2 * i);
-    if (first <= last && !subtable.holds(rangePlace + rangeOffset, 2 * (last - first) + 2)) {
+    if (first <= last && first < kLastCode &&
+        !subtable.holds(rangePlace + rangeOffset, 2 * (last - first) + 2)) {
       return false;
     }
   }
@@ -148,10 +177,10 @@ std::size_t furthestReach(std::size_t format, ByteView subtable) noexcept {
 CmapLookup usableLookup(std::size_t format, ByteView subtable) noexcept {
   const Format& operations = kFormats[format];
   if (subtable.holds(0, furthestReach(format, subtable))) return operations.lookup;
-  if (format == 4 && segmentsStayInside(subtable)) return operations.lookup;
   bool left = false;
   const TestedBytes bytes{subtable, &left};
-  for (std::uint32_t code = 0; code < kLastCode; ++code) {
+  const bool isKnown = format == 4 && segmentsStayInside(subtable);
+  for (std::uint32_t code = 0; code < kLastCode && !isKnown; ++code) {
     operations.tested(bytes, static_cast<std::uint16_t>(code));
     if (left) return nullptr;
   }
@@ -179,7 +208,9 @@ std::uint16_t cmapLookupFormat6(const std::uint8_t* subtable, std::uint16_t code
 
 std::uint16_t findFirstNotBelow(const std::uint8_t* array, std::uint16_t count,
                                 std::uint16_t key) noexcept {
-  return bisect(TrustedBytes{array}, 0, count, key);
+  if (count == kNotFound) return kNotFound;
+  const std::size_t found = TrustedBytes{array}.firstNotBelow(0, count, key);
+  return found == count ? kNotFound : static_cast<std::uint16_t>(found);
 }
 
 void selectCmapSubtable(TrueTypeFont* font) noexcept {

@@ -2,26 +2,14 @@
 
 #include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/reader/detail/metric.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::ByteView;
-
-struct Metric {
-  std::uint16_t advance;
-  std::int16_t sideBearing;
-};
-
-// The rule of both tables; `longCount` is above 0.
-Metric metricOf(ByteView table, std::size_t longCount, std::size_t glyphCount,
-                std::size_t glyph) noexcept {
-  const std::size_t entry = 4 * (glyph < longCount ? glyph : longCount - 1);
-  const std::size_t bearing = glyph < longCount || glyph >= glyphCount
-                                  ? entry + 2
-                                  : 4 * longCount + 2 * (glyph - longCount);
-  return {table.readOrZero<std::uint16_t>(entry), table.readOrZero<std::int16_t>(bearing)};
-}
+using detail::Metric;
+using detail::metricOf;
 
 std::uint16_t lowHalf(std::int32_t value) noexcept { return static_cast<std::uint16_t>(value); }
 
@@ -40,18 +28,17 @@ ByteView rawView(const std::uint8_t* table, std::size_t longCount,
 
 void readGlyphMetrics(const TrueTypeFont* font, std::uint32_t glyphIndex,
                       GlyphMetrics* metrics) noexcept {
-  metrics->advanceWidth = 0;
-  metrics->leftSideBearing = 0;
-  metrics->advanceHeight = 0;
-  metrics->topSideBearing = 0;
-  if (font->tables[kSlotHmtx] == nullptr || font->numberOfHMetrics == 0) return;
-  const Metric across = metricOf(detail::tableView(*font, kSlotHmtx), font->numberOfHMetrics,
-                                 font->numGlyphs, glyphIndex);
+  Metric across = {0, 0}, down = {0, 0};
+  if (font->tables[kSlotHmtx] != nullptr && font->numberOfHMetrics != 0) {
+    across = metricOf(detail::tableView(*font, kSlotHmtx), font->numberOfHMetrics, font->numGlyphs,
+                      glyphIndex);
+    if (font->tables[kSlotVmtx] != nullptr && font->numOfLongVerMetrics != 0) {
+      down = metricOf(detail::tableView(*font, kSlotVmtx), font->numOfLongVerMetrics,
+                      font->numGlyphs, glyphIndex);
+    }
+  }
   metrics->advanceWidth = across.advance;
   metrics->leftSideBearing = across.sideBearing;
-  if (font->tables[kSlotVmtx] == nullptr || font->numOfLongVerMetrics == 0) return;
-  const Metric down = metricOf(detail::tableView(*font, kSlotVmtx), font->numOfLongVerMetrics,
-                               font->numGlyphs, glyphIndex);
   metrics->advanceHeight = down.advance;
   metrics->topSideBearing = down.sideBearing;
 }

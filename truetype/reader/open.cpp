@@ -86,17 +86,17 @@ bool findTables(ByteView image, TrueTypeFont& font) noexcept {
   return true;
 }
 
-// Whether the records that a header counts lie in the image with it.
+// Whether the records that a header counts lie in the image with it. Without any no more than the
+// count is read.
 bool holdsRecords(ByteView table, std::size_t countOffset, std::size_t header,
                   std::size_t recordSize) noexcept {
   const std::optional<std::uint16_t> count = table.read<std::uint16_t>(countOffset);
-  return count && table.holds(0, header + *count * recordSize);
+  return count && (*count == 0 || table.holds(0, header + *count * recordSize));
 }
 
 // The entries of loca as byte offsets into glyf.
 bool decodeLoca(ByteView loca, std::size_t count, bool isLong, std::uint32_t* out) noexcept {
-  if (isLong) return loca.readRun<std::uint32_t>(count, out, [](std::uint32_t v) { return v; });
-  return loca.readRun<std::uint16_t>(count, out, [](std::uint16_t v) { return 2u * v; });
+  return isLong ? loca.readRun32(count, out) : loca.readDoubledRun16(count, out);
 }
 
 FontResult readGlyphPlaces(TrueTypeFont& font) noexcept {

@@ -1,5 +1,7 @@
 #include "truetype/reader/detail/outline.h"
 
+#include <bit>
+
 #include "truetype/reader/fixed_point.h"
 #include "truetype/reader/glyphs.h"
 
@@ -9,12 +11,12 @@ namespace {
 constexpr std::size_t kContourEnds = 10;
 constexpr std::uint8_t kRepeat = 0x08;
 
-// How the flags of a point decode: a coordinate's change is its next byte times one factor plus the
-// byte after that times another, and so many bytes are used up. Coordinates are kept modulo 2^16,
-// so that a word needs no sign.
+// How the flags of a point decode: of the 16 bits at a coordinate's place these, times a factor,
+// are its change in 256ths, modulo 2^32, and so many bytes are used up.
 struct PointForm {
-  std::uint32_t x0, x1, y0, y1;
+  std::uint32_t xMask, xFactor, yMask, yFactor;
   std::uint32_t xLength, yLength;
+  std::uint64_t lengths;  // xLength, and yLength in the upper half
 };
 
 constexpr std::size_t formOf(std::uint32_t flags) noexcept { return flags >> 1 & 0x1F; }
@@ -25,48 +27,136 @@ struct PointForms {
     for (std::uint32_t flags = 0; flags < 0x40; flags += 2) {
       PointForm& form = forms[formOf(flags)];
       const bool positiveX = (flags & 0x10) != 0, positiveY = (flags & 0x20) != 0;
-      set((flags & 0x02) != 0, positiveX, form.x0, form.x1, form.xLength);
-      set((flags & 0x04) != 0, positiveY, form.y0, form.y1, form.yLength);
+      set((flags & 0x02) != 0, positiveX, form.xMask, form.xFactor, form.xLength);
+      set((flags & 0x04) != 0, positiveY, form.yMask, form.yFactor, form.yLength);
+      form.lengths = std::uint64_t{form.yLength} << 32 | form.xLength;
     }
   }
 
  private:
   // Without the byte bit the positive bit means "the same as before".
-  static constexpr void set(bool isByte, bool positive, std::uint32_t& first, std::uint32_t& second,
+  static constexpr void set(bool isByte, bool positive, std::uint32_t& mask, std::uint32_t& factor,
                             std::uint32_t& length) noexcept {
-    first = isByte ? (positive ? 1u : 0xFFFFFFFFu) : (positive ? 0u : 256u);
-    second = !isByte && !positive ? 1u : 0u;
+    mask = isByte ? 0xFF00u : (positive ? 0u : 0xFFFFu);
+    factor = isByte ? (positive ? 1u : 0xFFFFFFFFu) : 256u;
     length = isByte ? 1u : (positive ? 0u : 2u);
   }
 };
 constexpr PointForms kPointForms;
 
-// Both coordinates of all points. `read` gives the byte at a place, also up to two bytes beyond the
-// last coordinate, where it does not matter what.
+// Both coordinates of all points. `read` gives the 16 bits at a place, also up to two bytes beyond
+// the last coordinate, where it does not matter what.
 template <class Read>
 void decodeCoordinates(Read read, std::size_t xPlace, std::size_t yPlace, std::uint32_t count,
                        GlyphPoint* points) noexcept {
   std::uint32_t x = 0, y = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const PointForm& form = kPointForms.forms[formOf(points[i].flags)];
-    x += read(xPlace) * form.x0 + read(xPlace + 1) * form.x1;
-    y += read(yPlace) * form.y0 + read(yPlace + 1) * form.y1;
+  for (GlyphPoint* point = points; point != points + count; ++point) {
+    const PointForm& form = kPointForms.forms[formOf(point->flags)];
+    x += (read(xPlace) & form.xMask) * form.xFactor;
+    y += (read(yPlace) & form.yMask) * form.yFactor;
     xPlace += form.xLength;
     yPlace += form.yLength;
-    points[i].x = static_cast<std::int16_t>(x);
-    points[i].y = static_cast<std::int16_t>(y);
+    point->x = static_cast<std::int16_t>(x >> 8);
+    point->y = static_cast<std::int16_t>(y >> 8);
   }
+}
+
+// Where the coordinates of a simple glyph lie.
+struct CoordinatePlaces {
+  std::size_t x, y, end;
+};
+
+// Passes over the flags of `count` points and tells `store` each run of equal ones, from a point
+// on. Nothing where a repeat passes the last point or the data is cut.
+template <class Store>
+std::optional<CoordinatePlaces> readFlags(ByteView glyph, std::uint32_t contours,
+                                          std::uint32_t count, Store store) noexcept {
+  const std::size_t instructions = kContourEnds + 2 * std::size_t{contours};
+  std::size_t place = instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions);
+  if (count == 0 || place > glyph.size()) return std::nullopt;
+  std::uint64_t lengths = 0;
+  // Beyond the end flags read 0; the place reached tells afterwards that this has happened.
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint8_t flag = glyph.readOrZero<std::uint8_t>(place++);
+    const std::uint64_t own = kPointForms.forms[formOf(flag)].lengths;
+    lengths += own;
+    store(i, flag);
+    if ((flag & kRepeat) == 0) continue;
+    const std::uint32_t repeats = glyph.readOrZero<std::uint8_t>(place++);
+    if (repeats >= count - i) return std::nullopt;
+    lengths += own * repeats;
+    for (const std::uint32_t last = i + repeats; i < last;) store(++i, flag);
+  }
+  const std::size_t xLength = static_cast<std::uint32_t>(lengths), yLength = lengths >> 32;
+  if (!glyph.holds(place, xLength + yLength)) return std::nullopt;
+  return CoordinatePlaces{place, place + xLength, place + xLength + yLength};
+}
+
+std::uint16_t contourEnd(ByteView glyph, std::size_t contour) noexcept {
+  return glyph.readOrZero<std::uint16_t>(kContourEnds + 2 * contour);
+}
+
+// How many points end a contour: with ends that do not rise, several contours may share one.
+std::uint32_t countContourEnds(ByteView glyph, std::uint32_t contours) noexcept {
+  std::uint32_t rising = 1;
+  while (rising < contours && contourEnd(glyph, rising) > contourEnd(glyph, rising - 1)) ++rising;
+  if (rising == contours) return contours;
+  std::uint64_t marks[0x10000 / 64] = {};
+  for (std::size_t i = 0; i < contours; ++i) {
+    const std::uint16_t end = contourEnd(glyph, i);
+    marks[end / 64] |= std::uint64_t{1} << end % 64;
+  }
+  std::uint32_t distinct = 0;
+  for (const std::uint64_t word : marks)
+    distinct += static_cast<std::uint32_t>(std::popcount(word));
+  return distinct;
+}
+
+struct SimpleCounts {
+  std::uint32_t points, contours;
+};
+
+// Whether no repeat passes the last of `count` points, eight flags at a step. `flags` is long
+// enough for that many of two bytes each.
+bool repeatsFit(ByteView flags, std::uint32_t count) noexcept {
+  constexpr std::uint64_t kRepeats = 0x0101010101010101u * kRepeat;
+  std::size_t place = 0;
+  for (std::uint32_t i = 0; i < count;) {
+    const std::uint64_t repeats = (std::uint64_t{flags.readOrZero<std::uint32_t>(place)} << 32 |
+                                   flags.readOrZero<std::uint32_t>(place + 4)) &
+                                  kRepeats;
+    const auto plain = static_cast<std::uint32_t>(std::countl_zero(repeats)) / 8;
+    place += plain;
+    i += plain;
+    if (plain == 8 || i >= count) continue;
+    const std::uint32_t more = flags.readOrZero<std::uint8_t>(place + 1);
+    if (more >= count - i) return false;
+    place += 2;
+    i += more + 1;
+  }
+  return true;
+}
+
+// What decodeSimplePoints would give. The lengths of coordinates matter near the end of glyf alone.
+SimpleCounts countSimple(ByteView glyph, std::uint32_t contours) noexcept {
+  const std::uint32_t count = simplePointCount(glyph, contours);
+  if (count == 0) return {};
+  const std::size_t instructions = kContourEnds + 2 * std::size_t{contours};
+  const ByteView flags =
+      glyph.from(instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions));
+  constexpr std::size_t kMostPointBytes = 6;  // a flag, its repeat and two words
+  if (flags.size() / kMostPointBytes > count) {
+    if (!repeatsFit(flags, count)) return {};
+  } else {
+    if (!readFlags(glyph, contours, count, [](std::uint32_t, std::uint8_t) {})) return {};
+  }
+  return {count, countContourEnds(glyph, contours)};
 }
 
 struct Placement {
   std::int32_t a = 0x10000, b = 0, c = 0, d = 0x10000;  // 16.16
   std::int32_t m = 0x10000, n = 0x10000;
   std::int32_t e = 0, f = 0;  // font units
-};
-
-struct Component {
-  std::uint16_t flags;
-  std::uint16_t glyphIndex;
 };
 
 // Nothing where the record is cut.
@@ -92,12 +182,13 @@ Placement readPlacement(ByteView glyph, std::size_t record) noexcept {
     placement.e = glyph.readOrZero<std::int16_t>(record + 4);
     placement.f = glyph.readOrZero<std::int16_t>(record + 6);
     next = record + 8;
-  } else if ((flags & kArgumentsAreSigned) != 0) {
-    placement.e = glyph.readOrZero<std::int8_t>(record + 4);
-    placement.f = glyph.readOrZero<std::int8_t>(record + 5);
   } else {
-    placement.e = glyph.readOrZero<std::uint8_t>(record + 4);
-    placement.f = glyph.readOrZero<std::uint8_t>(record + 5);
+    const auto argument = [&](std::size_t place) -> std::int32_t {
+      const std::int32_t byte = glyph.readOrZero<std::uint8_t>(place);
+      return (flags & kArgumentsAreSigned) != 0 && byte > 0x7F ? byte - 0x100 : byte;
+    };
+    placement.e = argument(record + 4);
+    placement.f = argument(record + 5);
   }
   const auto value = [&](std::size_t index) {  // 2.14 into 16.16
     return glyph.readOrZero<std::int16_t>(next + 2 * index) * 4;
@@ -157,7 +248,7 @@ void placePoints(const Placement& to, GlyphPoint* points, std::uint32_t count) n
 // Counts points and work, and stops at the bound. The most points at any time are the room needed:
 // a composite whose chain is cut gives back what it had.
 struct Measure {
-  std::uint32_t count = 0;
+  OutlineTotals totals = {};
   std::uint32_t most = 0;
   std::uint32_t records = 0;
   std::uint64_t work = 0;
@@ -168,64 +259,77 @@ struct Measure {
   void addSimple(ByteView glyph, std::uint32_t contours) noexcept {
     const std::uint32_t points = simplePointCount(glyph, contours);
     work += contours + std::uint64_t{points};
-    if (work <= kMostOutlineWork) count += points;
-    if (count > most) most = count;
+    if (work <= kMostOutlineWork) totals.room += points;
+    if (totals.room > most) most = totals.room;
   }
-  void placeFrom(std::uint32_t first, ByteView, std::size_t) noexcept { work += count - first; }
+  void placeFrom(const OutlineTotals& first, ByteView, std::size_t) noexcept {
+    work += totals.room - first.room;
+  }
   bool withinBounds() const noexcept { return work <= kMostOutlineWork; }
+};
+
+// Counts as Measure does, and beside that what the outline will hold.
+struct Count : Measure {
+  void addSimple(ByteView glyph, std::uint32_t contours) noexcept {
+    Measure::addSimple(glyph, contours);
+    if (!withinBounds()) return;
+    const SimpleCounts counts = countSimple(glyph, contours);
+    totals.points += counts.points;
+    totals.contours += counts.contours;
+  }
 };
 
 // Fills an array that Measure has found large enough.
 struct Decode {
   GlyphPoint* points;
-  std::uint32_t count = 0;
+  OutlineTotals totals = {};
 
   bool enterRecord() noexcept { return true; }
   void addSimple(ByteView glyph, std::uint32_t contours) noexcept {
     const std::uint32_t added = simplePointCount(glyph, contours);
-    if (decodeSimplePoints(glyph, contours, added, points + count)) count += added;
+    if (decodeSimplePoints(glyph, contours, added, points + totals.points)) totals.points += added;
   }
-  void placeFrom(std::uint32_t first, ByteView glyph, std::size_t record) noexcept {
-    if (count != first) placePoints(readPlacement(glyph, record), points + first, count - first);
+  void placeFrom(const OutlineTotals& first, ByteView glyph, std::size_t record) noexcept {
+    const std::uint32_t count = totals.points - first.points;
+    if (count != 0) placePoints(readPlacement(glyph, record), points + first.points, count);
   }
   bool withinBounds() const noexcept { return true; }
 };
 
-// Visits all components of a composite, each before it is placed. False where the outermost chain
-// is cut, or a bound or memory ends the walk.
+// Visits all components of a composite, each before it is placed.
 template <class Sink>
-bool walkComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, ComponentPath& path,
-                    Sink& sink) noexcept {
+WalkEnd walkComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, ComponentPath& path,
+                       Sink& sink) noexcept {
   path.clear();
-  if (!path.push({glyphView(font, glyphIndex), 0, kFirstComponent, glyphIndex, 0})) return false;
+  ComponentFrame now = frameOf(glyphView(font, glyphIndex), glyphIndex, {});
   for (;;) {
-    ComponentFrame& top = path.top();
-    const std::uint32_t first = sink.count;
-    const std::size_t record = top.next;
     const std::optional<Component> component =
-        record == kNoRecord ? std::nullopt : readComponent(top.glyph, record);
+        now.next == kNoRecord ? std::nullopt : readComponent(now.glyph, now.next);
     if (!component) {  // this composite has ended, or its chain is cut
-      const bool cut = record != kNoRecord;
-      const std::uint32_t own = top.firstPoint;
-      if (cut) sink.count = own;
-      path.pop();
-      if (path.empty()) return !cut && sink.withinBounds();
-      sink.placeFrom(own, path.top().glyph, path.top().record);
+      const bool cut = now.next != kNoRecord;
+      const OutlineTotals before = now.before;
+      if (cut) sink.totals = before;
+      if (path.empty()) return !cut && sink.withinBounds() ? WalkEnd::kWhole : WalkEnd::kNoOutline;
+      now = path.pop();
+      sink.placeFrom(before, now.glyph, now.record);
       continue;
     }
-    if (!sink.enterRecord()) return false;
-    top.record = record;
-    top.next = (component->flags & kMoreComponents) != 0 ? record + componentSize(component->flags)
-                                                         : kNoRecord;
+    if (!sink.enterRecord()) return WalkEnd::kNoOutline;
+    now.record = now.next;
+    now.next = (component->flags & kMoreComponents) != 0
+                   ? now.record + componentSize(component->flags)
+                   : kNoRecord;
     const std::uint32_t index = component->glyphIndex;
-    if (index >= font.numGlyphs || path.contains(index)) continue;
+    if (index >= font.numGlyphs || path.leadsBack(now, index)) continue;
     const ByteView glyph = glyphView(font, index);
     const std::int32_t contours = glyph.readOrZero<std::int16_t>(0);
+    const OutlineTotals before = sink.totals;
     if (contours > 0) {
       sink.addSimple(glyph, static_cast<std::uint32_t>(contours));
-      sink.placeFrom(first, top.glyph, record);
+      sink.placeFrom(before, now.glyph, now.record);
     } else if (contours == -1) {
-      if (!path.push({glyph, 0, kFirstComponent, index, first})) return false;
+      if (!path.push(now)) return WalkEnd::kNoMemory;
+      now = frameOf(glyph, index, before);
     }
   }
 }
@@ -244,49 +348,61 @@ std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept 
 
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,
                         GlyphPoint* points) noexcept {
-  const std::size_t instructions = kContourEnds + 2 * std::size_t{contours};
-  std::size_t place = instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions);
-  if (count == 0 || place > glyph.size()) return false;
-  std::size_t xLength = 0, yLength = 0;
-  // Beyond the end flags read 0; the place reached tells afterwards that this has happened.
-  for (std::uint32_t i = 0; i < count;) {
-    const std::uint8_t flag = glyph.readOrZero<std::uint8_t>(place++);
-    const std::uint32_t repeats =
-        (flag & kRepeat) == 0 ? 0u : glyph.readOrZero<std::uint8_t>(place++);
-    if (repeats >= count - i) return false;
-    const PointForm& form = kPointForms.forms[formOf(flag)];
-    xLength += form.xLength * (repeats + 1);
-    yLength += form.yLength * (repeats + 1);
-    const std::uint32_t end = i + repeats + 1;
-    for (; i < end; ++i) points[i].flags = flag;
-  }
-  if (!glyph.holds(place, xLength + yLength)) return false;
-  if (glyph.holds(place, xLength + yLength + 2)) {
-    const auto read = [glyph](std::size_t at) -> std::uint32_t { return glyph.readHeld(at); };
-    decodeCoordinates(read, place, place + xLength, count, points);
+  const auto store = [points](std::uint32_t at, std::uint8_t flag) { points[at].flags = flag; };
+  const std::optional<CoordinatePlaces> places = readFlags(glyph, contours, count, store);
+  if (!places) return false;
+  if (glyph.holds(places->end, 2)) {
+    const auto read = [glyph](std::size_t at) -> std::uint32_t {
+      return glyph.readHeld<std::uint16_t>(at);
+    };
+    decodeCoordinates(read, places->x, places->y, count, points);
   } else {
     const auto read = [glyph](std::size_t at) -> std::uint32_t {
-      return glyph.readOrZero<std::uint8_t>(at);
+      return std::uint32_t{glyph.readOrZero<std::uint8_t>(at)} << 8 |
+             glyph.readOrZero<std::uint8_t>(at + 1);
     };
-    decodeCoordinates(read, place, place + xLength, count, points);
+    decodeCoordinates(read, places->x, places->y, count, points);
   }
   for (std::size_t i = 0; i < contours; ++i) {
-    points[glyph.readOrZero<std::uint16_t>(kContourEnds + 2 * i)].flags |= kPointEndsContour;
+    points[contourEnd(glyph, i)].flags |= kPointEndsContour;
   }
   return true;
 }
 
-std::optional<std::uint32_t> compositePointCount(const TrueTypeFont& font, std::uint32_t glyphIndex,
-                                                 ComponentPath& path) noexcept {
+WalkEnd measureComposite(const TrueTypeFont& font, std::uint32_t glyphIndex, ComponentPath& path,
+                         std::uint32_t* outRoom) noexcept {
   Measure measure;
-  if (!walkComponents(font, glyphIndex, path, measure)) return std::nullopt;
-  return measure.most;
+  const WalkEnd end = walkComponents(font, glyphIndex, path, measure);
+  *outRoom = measure.most;
+  return end;
 }
 
 std::uint32_t decodeCompositePoints(const TrueTypeFont& font, std::uint32_t glyphIndex,
                                     ComponentPath& path, GlyphPoint* points) noexcept {
   Decode decode{points};
-  return walkComponents(font, glyphIndex, path, decode) ? decode.count : 0;
+  return walkComponents(font, glyphIndex, path, decode) == WalkEnd::kWhole ? decode.totals.points
+                                                                           : 0;
+}
+
+bool countOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, std::uint32_t* outPoints,
+                  std::uint32_t* outContours) noexcept {
+  *outPoints = *outContours = 0;
+  const ByteView glyph = glyphView(font, glyphIndex);
+  const std::int32_t contours = glyph.readOrZero<std::int16_t>(0);
+  if (contours > 0) {
+    const SimpleCounts counts = countSimple(glyph, static_cast<std::uint32_t>(contours));
+    *outPoints = counts.points;
+    *outContours = counts.contours;
+  } else if (contours == -1) {
+    ComponentPath path(font, nullptr, true);
+    Count count;
+    const WalkEnd end = walkComponents(font, glyphIndex, path, count);
+    if (end == WalkEnd::kNoMemory) return false;
+    if (end != WalkEnd::kWhole) return true;
+    *outPoints = count.totals.points;
+    *outContours = count.totals.contours;
+  }
+  return true;
 }
 
 }  // namespace ulm::truetype::detail

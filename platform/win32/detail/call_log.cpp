@@ -2,11 +2,9 @@
 
 #include <mutex>
 #include <new>
-#include <optional>
 #include <string>
 #include <utility>
 
-#include "platform/win32/detail/text.h"
 #include "platform/win32/stand_in.h"
 
 namespace ulm::win32::detail {
@@ -42,15 +40,6 @@ void writeCall(const char* function, const char* argument) noexcept {
     if (argument != nullptr) line.append(1, ' ').append(argument);
     append(std::move(line));
   } catch (const std::bad_alloc&) {  // the log is short of a line; the call goes on
-  }
-}
-
-void writeCall(const char* function, const wchar_t* argument) noexcept {
-  if (argument == nullptr) return writeCall(function, static_cast<const char*>(nullptr));
-  try {
-    const std::optional<std::string> text = toSystem(argument);
-    writeCall(function, text ? text->c_str() : "(not text)");
-  } catch (const std::bad_alloc&) {
   }
 }
 

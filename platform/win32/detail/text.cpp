@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/win32/detail/best_fit.h"
+
 namespace ulm::win32::detail {
 
 namespace {
@@ -54,7 +56,9 @@ DecodedCharacter decodeUtf8(std::string_view bytes) noexcept {
     const auto byte = static_cast<unsigned char>(bytes[i]);
     const unsigned char low = i == 1 ? lead->secondLow : 0x80;
     const unsigned char high = i == 1 ? lead->secondHigh : 0xBF;
-    if (byte < low || byte > high) return {kReplacement, i, false};
+    // Windows takes a second byte that makes no character with the first for a part of it.
+    if (byte < 0x80 || byte > 0xBF) return {kReplacement, i, false};
+    if (byte < low || byte > high) return {kReplacement, i + 1, false};
     character = character << 6 | (byte & 0x3Fu);
   }
   return {character, lead->following + 1, true};
@@ -83,8 +87,14 @@ std::optional<char> toAnsi(wchar_t character) noexcept {
     return static_cast<char>(character);
   }
   const auto* found = std::find(std::begin(kAnsiUpper), std::end(kAnsiUpper), character);
-  if (found == std::end(kAnsiUpper)) return std::nullopt;
-  return static_cast<char>(0x80 + (found - kAnsiUpper));
+  if (found != std::end(kAnsiUpper)) return static_cast<char>(0x80 + (found - kAnsiUpper));
+  const auto code = static_cast<char32_t>(character);
+  if (code >= 0xFF01 && code <= 0xFF5E) return static_cast<char>(code - 0xFEE0);
+  const auto* fit = std::lower_bound(
+      std::begin(kBestFit), std::end(kBestFit), code,
+      [](const BestFit& entry, char32_t wanted) { return entry.character < wanted; });
+  if (fit == std::end(kBestFit) || fit->character != code) return std::nullopt;
+  return static_cast<char>(fit->byte);
 }
 
 std::wstring fromAnsi(std::string_view text) {

@@ -12,7 +12,7 @@ inline constexpr char32_t kReplacement = 0xFFFD;
 
 struct DecodedCharacter {
   char32_t character;  // kReplacement where `valid` is false
-  std::size_t length;  // bytes taken, at least 1; of bad bytes the longest run that starts well
+  std::size_t length;  // bytes taken, at least 1; of bad bytes the run that Windows takes for one
   bool valid;
 };
 
@@ -33,7 +33,8 @@ struct EncodedCharacter {
 EncodedCharacter encodeUtf8(char32_t value) noexcept;
 
 // Code page 1252. Its five unused bytes stand for the control characters of the same value, so that
-// every byte comes back.
+// every byte comes back. A letter that the page lacks becomes the nearest that it has; nothing
+// where there is none.
 wchar_t fromAnsi(char byte) noexcept;
 std::optional<char> toAnsi(wchar_t character) noexcept;
 std::wstring fromAnsi(std::string_view text);

@@ -1,26 +1,17 @@
 // A library with an export and resources, which calls the layer while it is being loaded and while
 // it leaves, and tells what it got in the environment block. At a wish there it fails to start.
-#include "platform/win32/resource_block.h"
+#include "platform/win32/export.h"
 #include "platform/win32/win32.h"
 
 extern "C" int sampleBaseAnswer();
-extern "C" [[gnu::visibility("default")]] int sampleAnswer() { return sampleBaseAnswer() + 35; }
+extern "C" ULM_EXPORT int sampleAnswer() { return sampleBaseAnswer() + 35; }
 
 namespace {
-
-ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion({1, 2, 3, 4}, {1, 5, 5798, 3294});
-
-struct Strings {
-  ulm::win32::StringEntry<5> plain{7, u"Plain"};
-  ulm::win32::StringEntry<6> mixed{300, u"\u20AC \u0416 \U0001F600"};
-  ulm::win32::StringEntry<6> second{7, u"Second"};
-};
-ULM_STRING_RESOURCE constexpr Strings kStrings;
 
 // Asks as a library that does not know its handle yet.
 void tell(const wchar_t* event) {
   MEMORY_BASIC_INFORMATION information{};
-  VirtualQuery(&kVersion, &information, sizeof information);
+  VirtualQuery(reinterpret_cast<const void*>(&sampleAnswer), &information, sizeof information);
   const auto self = static_cast<HMODULE>(information.AllocationBase);
   wchar_t name[2048] = {};
   char text[16] = {};

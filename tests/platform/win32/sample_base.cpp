@@ -1,2 +1,4 @@
 // What the sample library links: its export must not pass for one of the sample's.
-extern "C" [[gnu::visibility("default")]] int sampleBaseAnswer() { return 7; }
+#include "platform/win32/export.h"
+
+extern "C" ULM_EXPORT int sampleBaseAnswer() { return 7; }

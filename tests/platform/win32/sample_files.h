@@ -3,23 +3,20 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "platform/win32/win32.h"
+#include "tests/support/system_names.h"
+#include "tools/support/process.h"
 
 namespace ulm::win32::test {
 
-inline std::filesystem::path sampleFile() {
-  return std::filesystem::read_symlink("/proc/self/exe").replace_filename("Win32_Sample.so");
-}
+using ulm::test::windowsName;
 
-inline std::wstring windowsName(const std::filesystem::path& file) {
-  std::wstring name = L"Z:" + file.wstring();
-  std::replace(name.begin(), name.end(), L'/', L'\\');
-  return name;
+inline std::filesystem::path sampleFile() {
+  return tools::programFolder() / (std::string("Win32_Sample") + ulm::test::kLibraryEnding);
 }
 
 inline std::wstring fileNameOf(HMODULE module) {

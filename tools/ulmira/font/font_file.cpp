@@ -5,6 +5,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "tools/support/program.h"
 #include "truetype/reader/open.h"
 
 namespace ulm::tools {
@@ -13,7 +14,7 @@ namespace {
 using namespace ulm::truetype;
 
 std::vector<std::uint8_t> readFile(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
+  std::ifstream stream(fileNamed(file), std::ios::binary);
   std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
   if (!stream.is_open() || stream.bad()) throw std::runtime_error(file + ": cannot be read");
   if (bytes.empty()) throw std::runtime_error(file + ": empty, or no file");

@@ -60,10 +60,10 @@ std::string codeName(char32_t code);  // U+0041
 
 // The points of a glyph, and its outline as SVG path data with the y axis turned down.
 std::vector<truetype::GlyphPoint> outlineOf(const FontFile& font, std::uint32_t glyph);
-std::string svgPath(const std::vector<truetype::GlyphPoint>& points, int originX);
+std::string svgPath(const std::vector<truetype::GlyphPoint>& points, std::int64_t originX);
 // Writes a picture of paths in font units; box is [xMin, yMin, xMax, yMax] with the y axis up.
 struct Box {
-  int xMin, yMin, xMax, yMax;
+  std::int64_t xMin, yMin, xMax, yMax;
 };
 void writeSvg(const std::string& file, const Box& box, const std::string& paths);
 

@@ -3,6 +3,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tools/support/program.h"
 #include "tools/ulmira/font/font_file.h"
 #include "truetype/reader/glyphs.h"
 #include "truetype/reader/kerning.h"
@@ -22,7 +23,8 @@ Spot between(Spot a, Spot b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
 
 // A closed contour: points off the curve are control points, with a point on the curve halfway
 // between two that follow each other.
-void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count, int originX) {
+void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count,
+                std::int64_t originX) {
   const auto spot = [&](std::size_t i) -> Spot {
     return {static_cast<double>(points[i % count].x + originX),
             static_cast<double>(-points[i % count].y)};
@@ -63,8 +65,9 @@ std::vector<GlyphPoint> outlineOf(const FontFile& font, std::uint32_t glyph) {
   return count <= 0 ? std::vector<GlyphPoint>() : std::vector<GlyphPoint>(points, points + count);
 }
 
-std::string svgPath(const std::vector<GlyphPoint>& points, int originX) {
+std::string svgPath(const std::vector<GlyphPoint>& points, std::int64_t originX) {
   std::ostringstream path;
+  path.precision(15);  // a long text goes far to the right, in halves of units
   std::size_t start = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
     if ((points[i].flags & kPointEndsContour) == 0) continue;
@@ -75,7 +78,7 @@ std::string svgPath(const std::vector<GlyphPoint>& points, int originX) {
 }
 
 void writeSvg(const std::string& file, const Box& box, const std::string& paths) {
-  std::ofstream stream(file, std::ios::binary);
+  std::ofstream stream(fileNamed(file), std::ios::binary);
   stream << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"" << box.xMin << ' ' << -box.yMax
          << ' ' << box.xMax - box.xMin << ' ' << box.yMax - box.yMin << "\">\n"
          << paths << "</svg>\n";
@@ -90,10 +93,10 @@ Json outlineReport(const FontFile& font, const FontOptions& options) {
   for (const GlyphPoint& point : points) {
     rows.push_back({point.x, point.y, point.flags});
     const bool first = &point == points.data();
-    box.xMin = first ? point.x : std::min<int>(box.xMin, point.x);
-    box.yMin = first ? point.y : std::min<int>(box.yMin, point.y);
-    box.xMax = first ? point.x : std::max<int>(box.xMax, point.x);
-    box.yMax = first ? point.y : std::max<int>(box.yMax, point.y);
+    box.xMin = first ? point.x : std::min<std::int64_t>(box.xMin, point.x);
+    box.yMin = first ? point.y : std::min<std::int64_t>(box.yMin, point.y);
+    box.xMax = first ? point.x : std::max<std::int64_t>(box.xMax, point.x);
+    box.yMax = first ? point.y : std::max<std::int64_t>(box.yMax, point.y);
   }
   if (!options.svg.empty()) {
     writeSvg(options.svg, box, "<path d=\"" + svgPath(points, 0) + "\"/>\n");
@@ -114,7 +117,7 @@ Json specimenOf(const FontFile& font, const FontOptions& options) {
                   kerning.data());
   }
   std::string paths;
-  int x = 0;
+  std::int64_t x = 0;
   Box box{0, -font->unitsPerEm / 4, 0, font->unitsPerEm};
   for (std::size_t i = 0; i < glyphs.size(); ++i) {
     if (glyphs[i] >= font->numGlyphs) continue;
@@ -123,13 +126,13 @@ Json specimenOf(const FontFile& font, const FontOptions& options) {
     const std::vector<GlyphPoint> points = outlineOf(font, glyphs[i]);
     for (const GlyphPoint& point : points) {
       box.xMin = std::min(box.xMin, x + point.x);
-      box.yMin = std::min<int>(box.yMin, point.y);
+      box.yMin = std::min<std::int64_t>(box.yMin, point.y);
       box.xMax = std::max(box.xMax, x + point.x);
-      box.yMax = std::max<int>(box.yMax, point.y);
+      box.yMax = std::max<std::int64_t>(box.yMax, point.y);
     }
     if (!points.empty()) paths += "<path d=\"" + svgPath(points, x) + "\"/>\n";
-    const long long kern = i + 1 < glyphs.size() ? kerning[i].x : 0;
-    x += metrics.advanceWidth + static_cast<int>(kern * font->unitsPerEm / 1000);
+    const std::int64_t kern = i + 1 < glyphs.size() ? kerning[i].x : 0;
+    x += metrics.advanceWidth + kern * font->unitsPerEm / 1000;
     box.xMax = std::max(box.xMax, x);
   }
   writeSvg(options.svg, box, paths);

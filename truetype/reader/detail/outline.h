@@ -4,28 +4,36 @@
 #include <cstdint>
 
 #include "truetype/detail/byte_view.h"
-#include "truetype/reader/detail/component.h"
+#include "truetype/detail/glyph_data.h"
+#include "truetype/reader/detail/component_path.h"
 #include "truetype/records.h"
 
 namespace ulm::truetype::detail {
-
-// Room for the points of a simple glyph with `contours` of them, at least 1; 0 where its ends of
-// contours are cut.
-std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept;
 
 // Fills `count` points, as simplePointCount gave it. False where a repeat passes the last point or
 // the data is cut; the points are then worthless.
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,
                         GlyphPoint* points) noexcept;
 
-// Room for the points of a composite; components that turn out damaged may leave some of it
-// unused. Nothing where the chain of components is cut, the work is beyond its bound, or memory is.
-std::optional<std::uint32_t> compositePointCount(const TrueTypeFont& font, std::uint32_t glyphIndex,
-                                                 ComponentPath& path) noexcept;
+// How a walk through a composite ended: at its end; before it, where the chain of components is cut
+// or the work is beyond its bound, which leaves no outline; or where memory ran out.
+enum class WalkEnd { kWhole, kNoOutline, kNoMemory };
 
-// Fills the points of a composite that compositePointCount has measured on the same path; gives
-// their number.
+// Room for the points of a composite; components that turn out damaged may leave some of it
+// unused.
+WalkEnd measureComposite(const TrueTypeFont& font, std::uint32_t glyphIndex, ComponentPath& path,
+                         std::uint32_t* outRoom) noexcept;
+
+// Fills the points of a composite that measureComposite has measured on the same path; gives their
+// number.
 std::uint32_t decodeCompositePoints(const TrueTypeFont& font, std::uint32_t glyphIndex,
                                     ComponentPath& path, GlyphPoint* points) noexcept;
+
+// The points of the outline that getGlyphPoints resolves and the ends of contours among them, both
+// 0 for a glyph without an outline. No coordinate is read and no room for points taken; the
+// components of a composite are walked once. `glyphIndex` is below numGlyphs. False where memory
+// ran out.
+bool countOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, std::uint32_t* outPoints,
+                  std::uint32_t* outContours) noexcept;
 
 }  // namespace ulm::truetype::detail

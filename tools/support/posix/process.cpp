@@ -49,7 +49,8 @@ std::string readAll(int descriptor) {
 
 ProcessResult runProcess(const std::filesystem::path& program,
                          const std::vector<std::string>& arguments,
-                         const std::vector<std::string>& extraEnvironment) {
+                         const std::vector<std::string>& extraEnvironment, ErrorStream errors,
+                         const std::filesystem::path& folder) {
   std::vector<std::string> texts{program.string()};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
@@ -70,6 +71,10 @@ ProcessResult runProcess(const std::filesystem::path& program,
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, pipe.ends[1], STDOUT_FILENO);
+  if (errors == ErrorStream::Joined) {
+    posix_spawn_file_actions_adddup2(&actions, pipe.ends[1], STDERR_FILENO);
+  }
+  if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
   pid_t child = 0;
   const int failure =
       posix_spawn(&child, program.c_str(), &actions, nullptr, argv.data(), environment.data());

@@ -1,0 +1,24 @@
+// Chosen allocations of the library fail. The test program routes them here.
+#pragma once
+
+namespace ulm::test {
+
+inline long allocationsMade = 0;
+inline long failingAllocation = -1;  // the number of the allocation that fails
+
+inline bool allocationFails() { return allocationsMade++ == failingAllocation; }
+
+// Runs `operation` with each of its allocations failing in turn; the leak checker sees
+// the rest.
+template <class Operation>
+long withEachFailing(Operation operation) {
+  for (long number = 0;; ++number) {
+    allocationsMade = 0;
+    failingAllocation = number;
+    operation();
+    failingAllocation = -1;
+    if (allocationsMade <= number) return number;  // it needed no more than these
+  }
+}
+
+}  // namespace ulm::test

@@ -1,0 +1,68 @@
+#include "truetype/detail/swap_run.h"
+
+#include "truetype/bytes.h"
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#define ULM_SWAP_BY_SHUFFLE
+#include <immintrin.h>
+#endif
+
+namespace ulm::truetype::detail {
+namespace {
+
+#ifdef ULM_SWAP_BY_SHUFFLE
+
+constexpr std::size_t kLanes = 8;  // numbers in a vector
+
+// Both give how many numbers they have stored, whole vectors of them.
+[[gnu::target("avx2")]] std::size_t shuffle32(const std::uint8_t* bytes, std::size_t count,
+                                              std::uint32_t* out) noexcept {
+  const __m256i order = _mm256_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12,  //
+                                         3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
+  std::size_t done = 0;
+  for (; count - done >= kLanes; done += kLanes) {
+    const auto* from = reinterpret_cast<const __m256i*>(bytes + 4 * done);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done),
+                        _mm256_shuffle_epi8(_mm256_loadu_si256(from), order));
+  }
+  return done;
+}
+
+[[gnu::target("avx2")]] std::size_t shuffle16(const std::uint8_t* bytes, std::size_t count,
+                                              std::uint32_t* out) noexcept {
+  const __m256i order = _mm256_setr_epi8(1, 0, 2, 3, 5, 4, 6, 7, 9, 8, 10, 11, 13, 12, 14, 15,  //
+                                         1, 0, 2, 3, 5, 4, 6, 7, 9, 8, 10, 11, 13, 12, 14, 15);
+  std::size_t done = 0;
+  for (; count - done >= kLanes; done += kLanes) {
+    const auto* from = reinterpret_cast<const __m128i*>(bytes + 2 * done);
+    const __m256i number = _mm256_shuffle_epi8(_mm256_cvtepu16_epi32(_mm_loadu_si128(from)), order);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), _mm256_slli_epi32(number, 1));
+  }
+  return done;
+}
+
+bool canShuffle() noexcept { return __builtin_cpu_supports("avx2") != 0; }
+
+#else
+
+std::size_t shuffle32(const std::uint8_t*, std::size_t, std::uint32_t*) noexcept { return 0; }
+std::size_t shuffle16(const std::uint8_t*, std::size_t, std::uint32_t*) noexcept { return 0; }
+bool canShuffle() noexcept { return false; }
+
+#endif
+
+}  // namespace
+
+void storeRun32(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept {
+  for (std::size_t i = canShuffle() ? shuffle32(bytes, count, out) : 0; i < count; ++i) {
+    out[i] = readUInt32(bytes, 4 * i);
+  }
+}
+
+void storeDoubledRun16(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept {
+  for (std::size_t i = canShuffle() ? shuffle16(bytes, count, out) : 0; i < count; ++i) {
+    out[i] = 2u * readUInt16(bytes, 2 * i);
+  }
+}
+
+}  // namespace ulm::truetype::detail

@@ -1,0 +1,288 @@
+#include "truetype/writer/table.h"
+
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "truetype/writer/detail/payloads.h"
+
+namespace ulm::truetype {
+namespace {
+
+using detail::CBuffer;
+using detail::put16;
+using detail::put32;
+using detail::TableImage;
+
+constexpr std::uint32_t kHeadLength = 54;
+constexpr std::uint32_t kHheaLength = 36;
+constexpr std::uint32_t kMaxpLength = 32;
+constexpr std::uint32_t kPostLength = 32;
+constexpr std::uint32_t kVersion1 = 0x00010000;
+constexpr std::uint32_t kHeadMagic = 0x5F0F3CF5;
+constexpr std::uint32_t kFirstSubtables = 10;
+
+// An object that takes over its payload; null, the payload being freed, where either is missing.
+template <class Payload>
+WriterTable* makeTable(std::uint32_t tag, CBuffer<Payload> payload) noexcept {
+  if (payload == nullptr) return nullptr;
+  auto* table = static_cast<WriterTable*>(std::malloc(sizeof(WriterTable)));
+  if (table != nullptr) *table = {tag, nullptr, payload.release()};
+  return table;
+}
+
+// Room for the bytes of a table that is its own payload, all zero.
+CBuffer<std::uint8_t> makeBytes(std::uint32_t length) noexcept {
+  return detail::makeZeroedBuffer<std::uint8_t>(static_cast<std::size_t>(detail::padded(length)));
+}
+
+WriterResult giveRaw(WriterTable* table, TableImage* out) noexcept {
+  const auto& raw = *static_cast<const RawTableData*>(table->data);
+  *out = {raw.bytes, raw.length, raw.tag};
+  return WriterResultOk;
+}
+
+template <std::uint32_t kTag, std::uint32_t kLength>
+WriterResult giveBytes(WriterTable* table, TableImage* out) noexcept {
+  *out = {static_cast<const std::uint8_t*>(table->data), kLength, kTag};
+  return WriterResultOk;
+}
+
+WriterResult giveLoca(WriterTable* table, TableImage* out) noexcept {
+  const auto& loca = *static_cast<const LocaTableData*>(table->data);
+  if (loca.length == 0) return WriterResultEmptyTable;
+  *out = {loca.bytes, loca.length, kTagLoca};
+  return WriterResultOk;
+}
+
+WriterResult makePostImage(WriterTable* table, TableImage* out) noexcept {
+  const auto& post = *static_cast<const PostTableData*>(table->data);
+  out->tag = kTagPost;
+  if (post.format != kPostFormat) {
+    std::fprintf(stderr, "Unrecognized format of a post table: %08X.\n", post.format);
+    return WriterResultBadTable;
+  }
+  std::uint8_t* image = detail::makeImage(table, kPostLength);
+  if (image == nullptr) return WriterResultNoMemory;
+  std::memset(image, 0, kPostLength);
+  put32(image, 0, post.format);
+  put32(image, 4, post.italicAngle);
+  put16(image, 8, post.underlinePosition);
+  put16(image, 10, post.underlineThickness);
+  put32(image, 12, post.isFixedPitch);
+  *out = {image, kPostLength, kTagPost};
+  return WriterResultOk;
+}
+
+// The disposal handlers: each releases what a payload owns, and the payload.
+
+void disposeBytes(WriterTable* table) noexcept { std::free(table->data); }
+
+void disposeRaw(WriterTable* table) noexcept {
+  std::free(static_cast<RawTableData*>(table->data)->bytes);
+  std::free(table->data);
+}
+
+void disposeLoca(WriterTable* table) noexcept {
+  std::free(static_cast<LocaTableData*>(table->data)->bytes);
+  std::free(table->data);
+}
+
+void disposeGlyf(WriterTable* table) noexcept {
+  detail::disposeGlyphs(static_cast<detail::GlyfPayload*>(table->data));
+}
+
+void disposeCmap(WriterTable* table) noexcept {
+  auto* cmap = static_cast<CmapTableData*>(table->data);
+  for (std::uint32_t i = 0; i < cmap->subtableCount; ++i) {
+    std::free(cmap->subtables[i].charCodes);
+    std::free(cmap->subtables[i].glyphIds);
+  }
+  std::free(cmap->subtables);
+  std::free(cmap);
+}
+
+void disposeName(WriterTable* table) noexcept {
+  listClear(detail::listOf(table));
+  std::free(table->data);
+}
+
+void disposePost(WriterTable* table) noexcept {
+  const std::uint32_t format = static_cast<PostTableData*>(table->data)->format;
+  if (format != kPostFormat) {
+    std::fprintf(stderr, "Unsupported format of a 'post' table: %08X.\n", format);
+  }
+  std::free(table->data);
+}
+
+using ImageHandler = WriterResult (*)(WriterTable* table, TableImage* out) noexcept;
+using DisposalHandler = void (*)(WriterTable* table) noexcept;
+
+// Three tables of nine rows, indexed alike.
+constexpr std::size_t kKinds = 9;
+constexpr std::uint32_t kTags[kKinds] = {kTagRaw,  kTagHead, kTagHhea, kTagLoca, kTagMaxp,
+                                         kTagGlyf, kTagCmap, kTagName, kTagPost};
+constexpr ImageHandler kImageHandlers[kKinds] = {giveRaw,
+                                                 giveBytes<kTagHead, kHeadLength>,
+                                                 giveBytes<kTagHhea, kHheaLength>,
+                                                 giveLoca,
+                                                 giveBytes<kTagMaxp, kMaxpLength>,
+                                                 detail::makeGlyfImage,
+                                                 detail::makeCmapImage,
+                                                 detail::makeNameImage,
+                                                 makePostImage};
+constexpr DisposalHandler kDisposalHandlers[kKinds] = {disposeRaw,  disposeBytes, disposeBytes,
+                                                       disposeLoca, disposeBytes, disposeGlyf,
+                                                       disposeCmap, disposeName,  disposePost};
+
+std::size_t kindOf(std::uint32_t tag) noexcept {
+  std::size_t kind = 0;
+  while (kind < kKinds && kTags[kind] != tag) ++kind;
+  return kind;
+}
+
+}  // namespace
+
+WriterTable* createRawTable(std::uint32_t tag, std::uint32_t length,
+                            const std::uint8_t* bytes) noexcept {
+  CBuffer<std::uint8_t> copy;
+  if (length != 0) {
+    const auto room = static_cast<std::size_t>(detail::padded(length));
+    copy = detail::makeBuffer<std::uint8_t>(room);
+    if (copy == nullptr) return nullptr;
+    std::memcpy(copy.get(), bytes, length);
+    std::memset(copy.get() + length, 0, room - length);
+  }
+  auto payload = detail::makeBuffer<RawTableData>(1);
+  if (payload == nullptr) return nullptr;
+  RawTableData& raw = payload[0];
+  raw = {tag, length, nullptr};
+  WriterTable* table = makeTable(kTagRaw, std::move(payload));
+  if (table != nullptr) raw.bytes = copy.release();
+  return table;
+}
+
+WriterTable* createHeadTable(std::uint32_t fontRevision, std::uint16_t flags,
+                             std::uint16_t unitsPerEm, const std::uint8_t* created,
+                             std::uint16_t macStyle, std::uint16_t lowestRecPPEM,
+                             std::uint16_t fontDirectionHint) noexcept {
+  CBuffer<std::uint8_t> head = makeBytes(kHeadLength);
+  if (head == nullptr) return nullptr;
+  put32(head.get(), 0, kVersion1);
+  put32(head.get(), 4, fontRevision);
+  put32(head.get(), 12, kHeadMagic);
+  put16(head.get(), 16, flags);
+  put16(head.get(), 18, unitsPerEm);
+  std::memcpy(head.get() + 20, created, 8);
+  put16(head.get(), 44, macStyle);
+  put16(head.get(), 46, lowestRecPPEM);
+  put16(head.get(), 48, fontDirectionHint);
+  return makeTable(kTagHead, std::move(head));
+}
+
+WriterTable* createHheaTable(std::uint16_t ascender, std::uint16_t descender, std::uint16_t lineGap,
+                             std::uint16_t caretSlopeRise, std::uint16_t caretSlopeRun) noexcept {
+  CBuffer<std::uint8_t> hhea = makeBytes(kHheaLength);
+  if (hhea == nullptr) return nullptr;
+  put32(hhea.get(), 0, kVersion1);
+  put16(hhea.get(), 4, ascender);
+  put16(hhea.get(), 6, descender);
+  put16(hhea.get(), 8, lineGap);
+  put16(hhea.get(), 18, caretSlopeRise);
+  put16(hhea.get(), 20, caretSlopeRun);
+  return makeTable(kTagHhea, std::move(hhea));
+}
+
+WriterTable* createLocaTable() noexcept {
+  return makeTable(kTagLoca, detail::makeZeroedBuffer<LocaTableData>(1));
+}
+
+WriterTable* createMaxpTable(const std::uint8_t* bytes, std::uint32_t length) noexcept {
+  CBuffer<std::uint8_t> maxp = makeBytes(kMaxpLength);
+  if (maxp != nullptr && bytes != nullptr && length == kMaxpLength) {
+    std::memcpy(maxp.get(), bytes, kMaxpLength);
+  }
+  return makeTable(kTagMaxp, std::move(maxp));
+}
+
+WriterTable* createGlyfTable() noexcept {
+  CBuffer<std::uint8_t> room = detail::makeBuffer<std::uint8_t>(sizeof(detail::GlyfPayload));
+  if (room == nullptr) return nullptr;
+  auto* payload = new (room.get()) detail::GlyfPayload{};  // owns nothing yet
+  listSetDestructor(&payload->glyphs, detail::freeGlyphData);
+  return makeTable(kTagGlyf, std::move(room));
+}
+
+WriterTable* createCmapTable() noexcept {
+  auto payload = detail::makeZeroedBuffer<CmapTableData>(1);
+  auto subtables = detail::makeZeroedBuffer<CmapSubtable>(kFirstSubtables);
+  if (payload == nullptr || subtables == nullptr) return nullptr;
+  CmapTableData& cmap = payload[0];
+  cmap.capacity = kFirstSubtables;
+  WriterTable* table = makeTable(kTagCmap, std::move(payload));
+  if (table != nullptr) cmap.subtables = subtables.release();
+  return table;
+}
+
+WriterTable* createNameTable(std::int32_t count, const NameRecord* records) noexcept {
+  auto payload = detail::makeZeroedBuffer<detail::NamePayload>(1);
+  if (payload == nullptr) return nullptr;
+  listSetDestructor(&payload[0].records, detail::freeNameRecord);
+  WriterTable* table = makeTable(kTagName, std::move(payload));
+  for (std::int32_t i = 0; table != nullptr && i < count; ++i) {
+    if (!detail::appendNameRecord(table, records[i], records[i].data, records[i].length)) {
+      disposeWriterTable(table);
+      return nullptr;
+    }
+  }
+  return table;
+}
+
+WriterTable* createPostTable(std::uint32_t italicAngle, std::uint16_t underlinePosition,
+                             std::uint16_t underlineThickness,
+                             std::uint32_t isFixedPitch) noexcept {
+  auto payload = detail::makeBuffer<PostTableData>(1);
+  if (payload == nullptr) return nullptr;
+  payload[0] = {kPostFormat, italicAngle, underlinePosition, underlineThickness, isFixedPitch};
+  return makeTable(kTagPost, std::move(payload));
+}
+
+WriterResult getTableImage(WriterTable* table, const std::uint8_t** outBytes,
+                           std::uint32_t* outLength, std::uint32_t* outTag) noexcept {
+  TableImage image;
+  const WriterResult result = detail::makeTableImage(table, &image);
+  *outBytes = image.bytes;
+  *outLength = image.length;
+  *outTag = image.tag;
+  return result;
+}
+
+void disposeWriterTable(WriterTable* table) noexcept {
+  if (table == nullptr) return;
+  std::free(table->image);
+  const std::size_t kind = kindOf(table->tag);
+  if (kind < kKinds && table->data != nullptr) kDisposalHandlers[kind](table);
+  std::free(table);
+}
+
+namespace detail {
+
+WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept {
+  *out = {nullptr, 0, 0};
+  std::free(table->image);
+  table->image = nullptr;
+  const std::size_t kind = kindOf(table->tag);
+  return kind < kKinds ? kImageHandlers[kind](table, out) : WriterResultUnknownTable;
+}
+
+std::uint8_t* makeImage(WriterTable* table, std::uint32_t length) noexcept {
+  const auto room = static_cast<std::size_t>(padded(length));
+  CBuffer<std::uint8_t> image = makeBuffer<std::uint8_t>(room);
+  if (image == nullptr) return nullptr;
+  std::memset(image.get() + length, 0, room - length);
+  table->image = image.release();
+  return table->image;
+}
+
+}  // namespace detail
+}  // namespace ulm::truetype
