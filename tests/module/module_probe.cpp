@@ -181,7 +181,7 @@ void tryNew() {
 
 // Tells whether the heaps have grown since the first time: by more than a little that stays.
 void tellGrowth() {
-  constexpr std::size_t kSlack = 2048;
+  constexpr std::size_t kSlack = 1024;
   static const std::size_t first = ulm::test::heapBytes();
   const std::size_t now = ulm::test::heapBytes();
   if (now <= first + kSlack) return say("no growth");

@@ -45,9 +45,10 @@ inline std::vector<ProbeRow> readRows(const std::string& file) {
   return rows;
 }
 
-inline void runRow(const ProbeRow& row) {
+// Each of `environment` is "NAME=value", put before what this process has.
+inline void runRow(const ProbeRow& row, const std::vector<std::string>& environment = {}) {
   const tools::ProcessResult result =
-      tools::runProcess(tools::programFolder() / row.probe, row.steps);
+      tools::runProcess(tools::programFolder() / row.probe, row.steps, environment);
   EXPECT_EQ(result.ending, "");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.output, row.expected);
