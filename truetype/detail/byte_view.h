@@ -1,6 +1,7 @@
 // The one way by which font bytes are read: a run of bytes that knows its end.
 #pragma once
 
+#include <bit>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
@@ -78,13 +79,16 @@ class ByteView {
  private:
   template <class T>
   constexpr T load(std::size_t offset) const noexcept {
-    static_assert(std::is_integral_v<T> && (sizeof(T) == 1 || sizeof(T) == 2 || sizeof(T) == 4));
+    static_assert(std::is_integral_v<T> && std::has_single_bit(sizeof(T)) && sizeof(T) <= 8);
     if constexpr (sizeof(T) == 1) {
       return static_cast<T>(start_[offset]);
     } else if constexpr (sizeof(T) == 2) {
       return static_cast<T>(readUInt16(start_, offset));
-    } else {
+    } else if constexpr (sizeof(T) == 4) {
       return static_cast<T>(readUInt32(start_, offset));
+    } else {
+      return static_cast<T>(std::uint64_t{readUInt32(start_, offset)} << 32 |
+                            readUInt32(start_, offset + 4));
     }
   }
 

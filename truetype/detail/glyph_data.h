@@ -13,18 +13,22 @@
 
 namespace ulm::truetype::detail {
 
+// What a simple glyph has; all 0 for any other.
+struct SimpleShape {
+  std::uint32_t points, contours;  // of the outline; 0 where its data is damaged
+  std::uint32_t ends;              // of contours, as stored
+  std::uint32_t room;  // for its points, before they are decoded; 0 where `ends` are cut
+};
+SimpleShape simpleShape(ByteView glyph) noexcept;
+
 // The record of a glyph but for `data`, which would be a copy of `outBytes`, made even by a zero.
-// Points and contours of a composite are left 0: countGlyphData tells them.
-// FontResultBadArgument as below.
+// `outShape` is that of the bytes, or 0 for a composite, whose points and contours countGlyphData
+// tells. FontResultBadArgument as below.
 FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphIndex, GlyphData* out,
-                         ByteView* outBytes) noexcept;
+                         ByteView* outBytes, SimpleShape* outShape) noexcept;
 
 // The counts of the record's outline; false without memory, which only a composite needs.
 bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph) noexcept;
-
-// Room for the points of a simple glyph with `contours` of them, at least 1; 0 where its ends of
-// contours are cut.
-std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept;
 
 // `outData` receives an owned record (its holder frees `data`, then the record), or null on every
 // result but FontResultOk.

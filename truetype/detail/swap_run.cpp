@@ -14,17 +14,33 @@ namespace {
 
 constexpr std::size_t kLanes = 8;  // numbers in a vector
 
-// Both give how many numbers they have stored, whole vectors of them.
-[[gnu::target("avx2")]] std::size_t shuffle32(const std::uint8_t* bytes, std::size_t count,
-                                              std::uint32_t* out) noexcept {
+[[gnu::target("avx2")]] __m256i swapped32(const std::uint8_t* bytes) noexcept {
   const __m256i order = _mm256_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12,  //
                                          3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
+  return _mm256_shuffle_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes)), order);
+}
+
+// All three give how many numbers they have dealt with, whole vectors of them.
+[[gnu::target("avx2")]] std::size_t shuffle32(const std::uint8_t* bytes, std::size_t count,
+                                              std::uint32_t* out) noexcept {
   std::size_t done = 0;
   for (; count - done >= kLanes; done += kLanes) {
-    const auto* from = reinterpret_cast<const __m256i*>(bytes + 4 * done);
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done),
-                        _mm256_shuffle_epi8(_mm256_loadu_si256(from), order));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), swapped32(bytes + 4 * done));
   }
+  return done;
+}
+
+[[gnu::target("avx2")]] std::size_t addUp32(const std::uint8_t* bytes, std::size_t count,
+                                            std::uint32_t* sum) noexcept {
+  __m256i even = _mm256_setzero_si256(), odd = even;
+  std::size_t done = 0;
+  for (; count - done >= 2 * kLanes; done += 2 * kLanes) {
+    even = _mm256_add_epi32(even, swapped32(bytes + 4 * done));
+    odd = _mm256_add_epi32(odd, swapped32(bytes + 4 * (done + kLanes)));
+  }
+  std::uint32_t lanes[kLanes];
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), _mm256_add_epi32(even, odd));
+  for (const std::uint32_t lane : lanes) *sum += lane;
   return done;
 }
 
@@ -47,6 +63,7 @@ bool canShuffle() noexcept { return __builtin_cpu_supports("avx2") != 0; }
 
 std::size_t shuffle32(const std::uint8_t*, std::size_t, std::uint32_t*) noexcept { return 0; }
 std::size_t shuffle16(const std::uint8_t*, std::size_t, std::uint32_t*) noexcept { return 0; }
+std::size_t addUp32(const std::uint8_t*, std::size_t, std::uint32_t*) noexcept { return 0; }
 bool canShuffle() noexcept { return false; }
 
 #endif
@@ -63,6 +80,14 @@ void storeDoubledRun16(const std::uint8_t* bytes, std::size_t count, std::uint32
   for (std::size_t i = canShuffle() ? shuffle16(bytes, count, out) : 0; i < count; ++i) {
     out[i] = 2u * readUInt16(bytes, 2 * i);
   }
+}
+
+std::uint32_t sumRun32(const std::uint8_t* bytes, std::size_t count) noexcept {
+  std::uint32_t sum = 0;
+  for (std::size_t i = canShuffle() ? addUp32(bytes, count, &sum) : 0; i < count; ++i) {
+    sum += readUInt32(bytes, 4 * i);
+  }
+  return sum;
 }
 
 }  // namespace ulm::truetype::detail

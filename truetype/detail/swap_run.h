@@ -1,4 +1,5 @@
-// Runs of big-endian numbers made the host's, by the processor's byte shuffles where it has them.
+// Runs of big-endian numbers made the host's, or summed, by the processor's byte shuffles where it
+// has them.
 #pragma once
 
 #include <cstddef>
@@ -10,5 +11,8 @@ namespace ulm::truetype::detail {
 // may lie at any alignment, and for room for `count` numbers.
 void storeRun32(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept;
 void storeDoubledRun16(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept;
+
+// The sum of `count` numbers of 32 bits, modulo 2^32. The caller vouches for the bytes.
+std::uint32_t sumRun32(const std::uint8_t* bytes, std::size_t count) noexcept;
 
 }  // namespace ulm::truetype::detail

@@ -34,7 +34,7 @@ bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph) noexcept {
 }
 
 FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphIndex, GlyphData* out,
-                         ByteView* outBytes) noexcept {
+                         ByteView* outBytes, SimpleShape* outShape) noexcept {
   if (glyphIndex >= font.numGlyphs) return FontResultBadArgument;
   const std::uint32_t start = font.glyphOffsets[glyphIndex];
   const std::uint32_t next = font.glyphOffsets[glyphIndex + 1];
@@ -48,14 +48,19 @@ FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphIndex, Gly
     across =
         metricOf(tableView(font, kSlotHmtx), font.numberOfHMetrics, font.numGlyphs, glyphIndex);
   }
-  *out = {};
-  out->glyphIndex = glyphIndex;
-  out->byteCount = static_cast<std::uint16_t>((length + 1) & ~std::size_t{1});
-  out->isComposite = length > 0 && glyph.readOrZero<std::uint8_t>(0) >= 0x80;
-  if (out->isComposite == 0) countGlyphData(font, out);
-  out->advanceWidth = across.advance;
-  out->leftSideBearing = across.sideBearing;
-  *outBytes = glyph.sub(0, length).value_or(ByteView());
+  const bool isComposite = length > 0 && glyph.readOrZero<std::uint8_t>(0) >= 0x80;
+  const SimpleShape shape = isComposite ? SimpleShape{} : simpleShape(glyph);
+  *out = {.glyphIndex = glyphIndex,
+          .byteCount = static_cast<std::uint16_t>((length + 1) & ~std::size_t{1}),
+          .data = nullptr,
+          .advanceWidth = across.advance,
+          .leftSideBearing = across.sideBearing,
+          .isComposite = isComposite,
+          .pointCount = static_cast<std::uint16_t>(shape.points),
+          .contourCount = static_cast<std::uint16_t>(shape.contours),
+          .newIndex = 0};
+  *outBytes = ByteView(glyph.start(), length);
+  *outShape = shape;
   return FontResultOk;
 }
 
@@ -64,7 +69,8 @@ FontResult makeGlyphData(const TrueTypeFont& font, std::uint32_t glyphIndex,
   *outData = nullptr;
   GlyphData described;
   ByteView bytes;
-  const FontResult result = describeGlyph(font, glyphIndex, &described, &bytes);
+  SimpleShape shape;
+  const FontResult result = describeGlyph(font, glyphIndex, &described, &bytes, &shape);
   if (result != FontResultOk) return result;
   if (described.isComposite != 0 && !countGlyphData(font, &described)) return FontResultNoMemory;
   CBuffer<GlyphData> made = makeBuffer<GlyphData>(1);

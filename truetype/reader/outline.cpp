@@ -96,11 +96,24 @@ std::uint16_t contourEnd(ByteView glyph, std::size_t contour) noexcept {
   return glyph.readOrZero<std::uint16_t>(kContourEnds + 2 * contour);
 }
 
+// The ends of contours, of which there is at least one.
+struct ContourEnds {
+  std::uint32_t most = 0;
+  bool rising = true;
+};
+ContourEnds readContourEnds(ByteView glyph, std::uint32_t contours) noexcept {
+  ContourEnds ends{contourEnd(glyph, 0), true};
+  for (std::uint32_t i = 1, before = ends.most; i < contours; ++i) {
+    const std::uint32_t end = contourEnd(glyph, i);
+    ends.rising = ends.rising && end > before;
+    if (end > ends.most) ends.most = end;
+    before = end;
+  }
+  return ends;
+}
+
 // How many points end a contour: with ends that do not rise, several contours may share one.
-std::uint32_t countContourEnds(ByteView glyph, std::uint32_t contours) noexcept {
-  std::uint32_t rising = 1;
-  while (rising < contours && contourEnd(glyph, rising) > contourEnd(glyph, rising - 1)) ++rising;
-  if (rising == contours) return contours;
+std::uint32_t countDistinctEnds(ByteView glyph, std::uint32_t contours) noexcept {
   std::uint64_t marks[0x10000 / 64] = {};
   for (std::size_t i = 0; i < contours; ++i) {
     const std::uint16_t end = contourEnd(glyph, i);
@@ -112,45 +125,23 @@ std::uint32_t countContourEnds(ByteView glyph, std::uint32_t contours) noexcept 
   return distinct;
 }
 
-struct SimpleCounts {
-  std::uint32_t points, contours;
-};
-
-// Whether no repeat passes the last of `count` points, eight flags at a step. `flags` is long
-// enough for that many of two bytes each.
+// Whether no repeat passes the last of `count` points, eight flags at a step. `flags` has more
+// bytes than six for each of them, and they take two at the most.
 bool repeatsFit(ByteView flags, std::uint32_t count) noexcept {
   constexpr std::uint64_t kRepeats = 0x0101010101010101u * kRepeat;
   std::size_t place = 0;
   for (std::uint32_t i = 0; i < count;) {
-    const std::uint64_t repeats = (std::uint64_t{flags.readOrZero<std::uint32_t>(place)} << 32 |
-                                   flags.readOrZero<std::uint32_t>(place + 4)) &
-                                  kRepeats;
+    const std::uint64_t repeats = flags.readHeld<std::uint64_t>(place) & kRepeats;
     const auto plain = static_cast<std::uint32_t>(std::countl_zero(repeats)) / 8;
     place += plain;
     i += plain;
     if (plain == 8 || i >= count) continue;
-    const std::uint32_t more = flags.readOrZero<std::uint8_t>(place + 1);
+    const std::uint32_t more = flags.readHeld<std::uint8_t>(place + 1);
     if (more >= count - i) return false;
     place += 2;
     i += more + 1;
   }
   return true;
-}
-
-// What decodeSimplePoints would give. The lengths of coordinates matter near the end of glyf alone.
-SimpleCounts countSimple(ByteView glyph, std::uint32_t contours) noexcept {
-  const std::uint32_t count = simplePointCount(glyph, contours);
-  if (count == 0) return {};
-  const std::size_t instructions = kContourEnds + 2 * std::size_t{contours};
-  const ByteView flags =
-      glyph.from(instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions));
-  constexpr std::size_t kMostPointBytes = 6;  // a flag, its repeat and two words
-  if (flags.size() / kMostPointBytes > count) {
-    if (!repeatsFit(flags, count)) return {};
-  } else {
-    if (!readFlags(glyph, contours, count, [](std::uint32_t, std::uint8_t) {})) return {};
-  }
-  return {count, countContourEnds(glyph, contours)};
 }
 
 struct Placement {
@@ -273,9 +264,9 @@ struct Count : Measure {
   void addSimple(ByteView glyph, std::uint32_t contours) noexcept {
     Measure::addSimple(glyph, contours);
     if (!withinBounds()) return;
-    const SimpleCounts counts = countSimple(glyph, contours);
-    totals.points += counts.points;
-    totals.contours += counts.contours;
+    const SimpleShape shape = simpleShape(glyph);
+    totals.points += shape.points;
+    totals.contours += shape.contours;
   }
 };
 
@@ -338,12 +329,27 @@ WalkEnd walkComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, Compo
 
 std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept {
   if (!glyph.holds(kContourEnds, 2 * std::size_t{contours})) return 0;
-  std::uint32_t last = 0;
-  for (std::size_t i = 0; i < contours; ++i) {
-    const std::uint32_t end = glyph.readOrZero<std::uint16_t>(kContourEnds + 2 * i);
-    if (end > last) last = end;
-  }
-  return last + 1;
+  return readContourEnds(glyph, contours).most + 1;
+}
+
+// The lengths of coordinates matter near the end of glyf alone.
+SimpleShape simpleShape(ByteView glyph) noexcept {
+  const std::int32_t stored = glyph.readOrZero<std::int16_t>(0);
+  if (stored <= 0) return {};
+  const auto contours = static_cast<std::uint32_t>(stored);
+  if (!glyph.holds(kContourEnds, 2 * std::size_t{contours})) return {0, 0, contours, 0};
+  const ContourEnds ends = readContourEnds(glyph, contours);
+  const std::uint32_t count = ends.most + 1;
+  const std::size_t instructions = kContourEnds + 2 * std::size_t{contours};
+  const ByteView flags =
+      glyph.from(instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions));
+  constexpr std::size_t kMostPointBytes = 6;  // a flag, its repeat and two words
+  const bool isWhole =
+      flags.size() / kMostPointBytes > count
+          ? repeatsFit(flags, count)
+          : readFlags(glyph, contours, count, [](std::uint32_t, std::uint8_t) {}).has_value();
+  if (!isWhole) return {0, 0, contours, count};
+  return {count, ends.rising ? contours : countDistinctEnds(glyph, contours), contours, count};
 }
 
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,
@@ -390,9 +396,9 @@ bool countOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, std::uint3
   const ByteView glyph = glyphView(font, glyphIndex);
   const std::int32_t contours = glyph.readOrZero<std::int16_t>(0);
   if (contours > 0) {
-    const SimpleCounts counts = countSimple(glyph, static_cast<std::uint32_t>(contours));
-    *outPoints = counts.points;
-    *outContours = counts.contours;
+    const SimpleShape shape = simpleShape(glyph);
+    *outPoints = shape.points;
+    *outContours = shape.contours;
   } else if (contours == -1) {
     ComponentPath path(font, nullptr, true);
     Count count;

@@ -15,10 +15,10 @@ constexpr std::uint32_t kSubtableSteps = 10;
 constexpr std::uint32_t kMappingSteps = 500;
 constexpr std::uint16_t kLastCode = 0xFFFF;  // format 4 ends with a segment of this code
 
-// A larger copy in place of an array, the new entries zero. False without memory.
+// A larger copy in place of an array, the new entries unset. False without memory.
 template <class T>
 bool grow(T*& array, std::size_t count, std::size_t capacity) noexcept {
-  CBuffer<T> larger = detail::makeZeroedBuffer<T>(capacity);
+  CBuffer<T> larger = detail::makeBuffer<T>(capacity);
   if (larger == nullptr) return false;
   if (count != 0) std::memcpy(larger.get(), array, count * sizeof(T));
   std::free(array);
@@ -47,24 +47,25 @@ CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
   return subtable;
 }
 
-// The capacity grows in steps, the memory behind it to the next power of 2 of them, so that many
-// mappings are not copied over and over.
-bool growMappings(CmapSubtable& subtable) noexcept {
-  const std::uint32_t steps = subtable.capacity / kMappingSteps;
-  if (std::has_single_bit(steps)) {
-    const std::size_t room = std::size_t{2} * subtable.capacity;
-    if (!grow(subtable.charCodes, subtable.count, room) ||
-        !grow(subtable.glyphIds, subtable.count, room)) {
-      return false;
-    }
+// Room for `more` mappings. The capacity grows in steps, the memory behind it to the next power of
+// 2 of them, so that many mappings are not copied over and over. False without memory.
+bool expectMappings(CmapSubtable& subtable, std::size_t more) noexcept {
+  const std::size_t needed = subtable.count + more;
+  if (needed <= subtable.capacity) return true;
+  if (needed > UINT32_MAX - kMappingSteps) return false;
+  const std::size_t steps = (needed + kMappingSteps - 1) / kMappingSteps;
+  const std::size_t room = std::bit_ceil(steps) * kMappingSteps;
+  if (room > std::bit_ceil(std::size_t{subtable.capacity} / kMappingSteps) * kMappingSteps &&
+      (!grow(subtable.charCodes, subtable.count, room) ||
+       !grow(subtable.glyphIds, subtable.count, room))) {
+    return false;
   }
-  if (subtable.capacity > UINT32_MAX - kMappingSteps) return false;
-  subtable.capacity += kMappingSteps;
+  subtable.capacity = static_cast<std::uint32_t>(steps * kMappingSteps);
   return true;
 }
 
 bool append(CmapSubtable& subtable, std::uint32_t charCode, std::uint32_t glyphId) noexcept {
-  if (subtable.count == subtable.capacity && !growMappings(subtable)) return false;
+  if (!expectMappings(subtable, 1)) return false;
   subtable.charCodes[subtable.count] = charCode;
   subtable.glyphIds[subtable.count] = glyphId;
   ++subtable.count;
@@ -235,6 +236,7 @@ void writeMerged(const Stretches& stretches, const Format4& form, std::uint8_t* 
 WriterResult chooseForm(const CmapSubtable& subtable, Format4& form,
                         Stretches& stretches) noexcept {
   form = plainForm(subtable);
+  stretches = {};
   if (form.fits()) return WriterResultOk;
   switch (readStretches(subtable, stretches)) {
     case Reading::noMemory:
@@ -265,20 +267,21 @@ void addCharMappings(WriterTable* cmapTable, const std::uint16_t* charCodes,
                      const std::int32_t* glyphIds, std::size_t count) noexcept {
   auto& cmap = *static_cast<CmapTableData*>(cmapTable->data);
   CmapSubtable* subtable = subtableOf(cmap, kWindowsUnicodeSubtable);
-  cmap.incomplete = cmap.incomplete || subtable == nullptr;
+  cmap.incomplete = cmap.incomplete || subtable == nullptr || !expectMappings(*subtable, count);
   for (std::size_t k = 0; !cmap.incomplete && k < count; ++k) {
     cmap.incomplete = !append(*subtable, charCodes[k], static_cast<std::uint32_t>(glyphIds[k]));
   }
 }
 
-// A form is chosen twice, for the length and for the bytes, so that no list of forms is kept.
+// A form is chosen for the length and again for the bytes, so that no list of forms is kept; but
+// the last one is, and so the only one.
 WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
   const auto& cmap = *static_cast<const CmapTableData*>(table->data);
   if (cmap.incomplete) return WriterResultNoMemory;
   std::uint64_t length = 4 + std::uint64_t{8} * cmap.subtableCount;
+  Format4 form{};
+  Stretches stretches;
   for (std::uint32_t i = 0; i < cmap.subtableCount; ++i) {
-    Format4 form;
-    Stretches stretches;
     const WriterResult result = chooseForm(cmap.subtables[i], form, stretches);
     if (result != WriterResultOk) return result;
     length += form.length();
@@ -290,9 +293,8 @@ WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
   put16(image, 2, cmap.subtableCount);
   std::uint32_t place = 4 + 8 * cmap.subtableCount;
   for (std::uint32_t i = 0; i < cmap.subtableCount; ++i) {
-    Format4 form;
-    Stretches stretches;
-    const WriterResult result = chooseForm(cmap.subtables[i], form, stretches);
+    const WriterResult result =
+        cmap.subtableCount == 1 ? WriterResultOk : chooseForm(cmap.subtables[i], form, stretches);
     if (result != WriterResultOk) return result;
     put32(image, 4 + 8 * i, 0x00030001);  // Windows, Unicode
     put32(image, 8 + 8 * i, place);

@@ -19,6 +19,13 @@ using detail::GlyphEntry;
 using detail::kUnknownRecords;
 using detail::OpenComposite;
 using detail::OutlineCounts;
+using detail::SimpleShape;
+
+// Filled up to an even length by a zero.
+void copyEven(ByteView bytes, std::uint8_t* out) noexcept {
+  bytes.copy(0, bytes.size(), out);
+  if (bytes.size() % 2 != 0) out[bytes.size()] = 0;
+}
 
 struct FreeGlyphData {
   void operator()(GlyphData* glyph) const noexcept { detail::freeGlyphData(glyph); }
@@ -63,17 +70,16 @@ class Addition {
   }
   // Likewise of the glyph's own data, or kNoGlyph, or kGlyphTooLarge.
   std::int32_t append(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
-    GlyphData described;
-    ByteView bytes;
-    const FontResult result = detail::describeGlyph(font, glyphIndex, &described, &bytes);
-    if (result == FontResultNoMemory) return kGlyphNoMemory;
-    if (result != FontResultOk) return isTooLarge(font, glyphIndex) ? kGlyphTooLarge : kNoGlyph;
-    if (table_.store != nullptr) return appendBorrowed(described, bytes);
+    if (table_.store != nullptr) return appendBorrowed(font, glyphIndex);
     OwnedGlyph glyph(detail::makeBuffer<GlyphData>(1).release());
     if (glyph == nullptr) return kGlyphNoMemory;
-    *glyph = described;
+    ByteView bytes;
+    if (detail::describeGlyph(font, glyphIndex, glyph.get(), &bytes, &shape_) != FontResultOk) {
+      glyph->data = nullptr;
+      return whyNot(font, glyphIndex);
+    }
     if (bytes.size() != 0) {
-      glyph->data = detail::makeBuffer<std::uint8_t>(described.byteCount).release();
+      glyph->data = detail::makeBuffer<std::uint8_t>(glyph->byteCount).release();
       if (glyph->data == nullptr) return kGlyphNoMemory;
       copyEven(bytes, glyph->data);
     }
@@ -83,33 +89,33 @@ class Addition {
   // Of the glyph last appended: whether its components are still to be visited.
   bool isFirst() const noexcept { return first_; }
   GlyphEntry& entry() const noexcept { return *entry_; }
+  const SimpleShape& shape() const noexcept { return shape_; }
   GlyphData* last() const noexcept { return static_cast<GlyphData*>(table_.glyphs.last->item); }
 
  private:
-  // Whether the glyph has no record because that can't tell its bytes.
-  static bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
-    if (glyphIndex >= font.numGlyphs) return false;
+  // Of a glyph that has no record: kGlyphTooLarge if that couldn't tell its bytes, or kNoGlyph.
+  static std::int32_t whyNot(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
+    if (glyphIndex >= font.numGlyphs) return kNoGlyph;
     const std::uint32_t start = font.glyphOffsets[glyphIndex];
     const std::uint32_t next = font.glyphOffsets[glyphIndex + 1];
-    return next >= start && next - start >= 0xFFFF &&
-           detail::glyphView(font, glyphIndex).size() >= 0xFFFF;
-  }
-
-  // Filled up to an even length by a zero.
-  static void copyEven(ByteView bytes, std::uint8_t* out) noexcept {
-    bytes.copy(0, bytes.size(), out);
-    if (bytes.size() % 2 != 0) out[bytes.size()] = 0;
+    const bool isTooLarge = next >= start && next - start >= 0xFFFF &&
+                            detail::glyphView(font, glyphIndex).size() >= 0xFFFF;
+    return isTooLarge ? kGlyphTooLarge : kNoGlyph;
   }
 
   // Only composites are ever written to; all others can stay where they are if no byte is missing.
-  std::int32_t appendBorrowed(const GlyphData& described, ByteView bytes) noexcept {
-    const bool copies = described.isComposite != 0 || bytes.size() % 2 != 0;
-    auto* node = static_cast<TTListNode*>(
-        table_.store->records.take(sizeof(TTListNode) + sizeof(GlyphData)));
+  std::int32_t appendBorrowed(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
+    constexpr std::size_t kRecord = sizeof(TTListNode) + sizeof(GlyphData);
+    auto* node = static_cast<TTListNode*>(table_.store->records.take(kRecord));
     if (node == nullptr) return kGlyphNoMemory;
-    GlyphData* glyph = new (node + 1) GlyphData(described);
-    if (copies) {
-      glyph->data = static_cast<std::uint8_t*>(table_.store->bytes.take(described.byteCount));
+    GlyphData* glyph = new (node + 1) GlyphData;
+    ByteView bytes;
+    if (detail::describeGlyph(font, glyphIndex, glyph, &bytes, &shape_) != FontResultOk) {
+      table_.store->records.giveBack(kRecord);
+      return whyNot(font, glyphIndex);
+    }
+    if (glyph->isComposite != 0 || bytes.size() % 2 != 0) {
+      glyph->data = static_cast<std::uint8_t*>(table_.store->bytes.take(glyph->byteCount));
       if (glyph->data == nullptr) return kGlyphNoMemory;
       copyEven(bytes, glyph->data);
     } else if (bytes.size() != 0) {
@@ -119,7 +125,14 @@ class Addition {
     number(*glyph);
     if (!table_.index.reserve()) return kGlyphNoMemory;
     appendNode(table_.glyphs, node, glyph);
-    return enter(*glyph);
+    const std::int32_t newIndex = enter(*glyph);
+    if (glyph->isComposite != 0) {
+      // What is not walked through has references all the same.
+      const bool isWalked = bytes.readOrZero<std::int16_t>(0) == -1;
+      const bool isDone = first_ || detail::renumberComponents(*glyph, table_.index, 0);
+      if (!isWalked || !isDone) table_.lateReferences = true;
+    }
+    return newIndex;
   }
 
   void number(GlyphData& glyph) const noexcept {
@@ -135,47 +148,16 @@ class Addition {
   GlyfPayload& table_;
   std::uint32_t before_;
   TTListNode* cursor_;
+  SimpleShape shape_{};  // of the glyph last appended
   bool kept_ = false;
   bool first_ = false;
   GlyphEntry* entry_ = nullptr;
 };
 
-// Adds a component to its composite, as the reader walks through it.
-void addCounts(OutlineCounts& sum, const OutlineCounts& component) noexcept {
-  constexpr std::uint32_t kCap = 1u << 24;
-  static_assert(kCap > kMostComponentRecords && kCap > kMostOutlineWork);
-  const auto grow = [](std::uint32_t& value, std::uint32_t by) {
-    value = value + by < kCap ? value + by : kCap;
-  };
-  if (sum.records == kUnknownRecords || component.records == kUnknownRecords) {
-    sum.records = kUnknownRecords;
-    return;
-  }
-  grow(sum.records, component.records + 1);
-  grow(sum.work, component.work + component.room);  // once more, as they are placed
-  grow(sum.room, component.room);
-  sum.points = static_cast<std::uint16_t>(sum.points + component.points);
-  sum.contours = static_cast<std::uint16_t>(sum.contours + component.contours);
-}
-
-// What a glyph that is no composite of components brings to one. The reader goes by the bytes of
-// the font, which go on where the glyph's own end. `record` is the glyph's, or null.
-OutlineCounts plainCounts(const TrueTypeFont& font, std::uint32_t glyphIndex,
-                          const GlyphData* record) noexcept {
-  const ByteView glyph = detail::glyphView(font, glyphIndex);
-  const std::int32_t stored = glyph.readOrZero<std::int16_t>(0);
-  if (stored <= 0) return {};
-  GlyphData counted{};
-  if (record == nullptr) {
-    counted.glyphIndex = glyphIndex;
-    detail::countGlyphData(font, &counted);
-    record = &counted;
-  }
-  const std::uint16_t points = record->pointCount;
-  const auto ends = static_cast<std::uint32_t>(stored);
-  // None of 65,536, or of a damaged outline.
-  const std::uint32_t room = points != 0 ? points : detail::simplePointCount(glyph, ends);
-  return {0, ends + room, room, points, record->contourCount};
+// What a glyph that is no composite of components brings to one.
+OutlineCounts plainCounts(const SimpleShape& shape) noexcept {
+  return {0, shape.ends + shape.room, shape.room, static_cast<std::uint16_t>(shape.points),
+          static_cast<std::uint16_t>(shape.contours)};
 }
 
 // Counts are unknown on a cycle of components alone, where they differ with the glyph that the walk
@@ -207,70 +189,106 @@ class ComponentWalk {
   // From the glyph of `record`, whose counts are its giver's where it is `counted`. 0, or why the
   // whole addition fails.
   std::int32_t run(GlyphData* record, bool counted) noexcept {
-    std::int32_t failure = open(addition_.entry(), counted ? nullptr : record);
-    while (failure == 0 && !stack_.empty()) failure = step();
-    return failure;
+    GlyphEntry& first = addition_.entry();
+    const ByteView glyph = detail::compositeView(font_, first.glyph);
+    if (glyph.size() == 0) {
+      first.counts = plainCounts(detail::simpleShape(detail::glyphView(font_, first.glyph)));
+      return 0;
+    }
+    open(first, glyph, counted ? nullptr : record);
+    for (;;) {
+      while (now_.next != detail::kNoRecord && now_.glyph.holds(now_.next, 4)) {
+        const std::int32_t failure = step();
+        if (failure != 0) return failure;
+      }
+      const OutlineCounts counts = now_.sums.total(now_.cut || now_.next != detail::kNoRecord);
+      if (!giveCounts(table_, font_, counts, now_.record)) return kGlyphNoMemory;
+      index_.enter(now_.glyphIndex).counts = counts;
+      if (stack_.empty()) return 0;
+      now_ = stack_.pop();
+      pass(counts);
+    }
   }
 
  private:
   // `record` is the one that this addition has made, or null.
-  std::int32_t open(GlyphEntry& entry, GlyphData* record) noexcept {
-    const ByteView glyph = detail::compositeView(font_, entry.glyph);
-    if (glyph.size() != 0) {
-      const OpenComposite composite{glyph, detail::kFirstComponent, entry.glyph, {}, record, false};
-      return stack_.push(composite) ? 0 : kGlyphNoMemory;
+  void open(const GlyphEntry& entry, ByteView glyph, GlyphData* record) noexcept {
+    const bool renumbers = table_.store != nullptr && record != nullptr;
+    const std::uint16_t end = renumbers ? record->byteCount : std::uint16_t{0};
+    now_ = {glyph, detail::kFirstComponent, entry.glyph, end, false, record, {}};
+  }
+
+  // The component record at `at` is to refer to the new font's glyph.
+  void refer(std::size_t at, std::uint32_t newIndex) noexcept {
+    if (at + 4 > now_.referencesEnd) return;
+    // A record that the glyph's own end cuts may read otherwise there than in the font.
+    if (newIndex == detail::kNoRecordIndex || at + 4 == now_.referencesEnd) {
+      table_.lateReferences = true;
+    } else {
+      detail::put16(now_.record->data, at + 2, newIndex);
     }
-    entry.counts = plainCounts(font_, entry.glyph, record);
-    return pass(entry);
   }
 
-  // Tells what the glyph counts to the one that draws on it.
-  std::int32_t pass(const GlyphEntry& entry) noexcept {
-    if (!stack_.empty() && !stack_.top().cut) addCounts(stack_.top().counts, entry.counts);
-    return 0;
+  // Tells what a component counts to the one that draws on it.
+  void pass(const OutlineCounts& counts) noexcept {
+    if (!now_.cut) now_.sums.add(counts);
   }
 
+  // Takes the component record at now_.next, the first 4 bytes of which are there.
   std::int32_t step() noexcept {
-    OpenComposite& top = stack_.top();
-    const std::size_t record = top.next;
-    if (record == detail::kNoRecord || !top.glyph.holds(record, 4)) return close();
-    const std::uint16_t flags = top.glyph.readOrZero<std::uint16_t>(record);
-    const std::uint16_t glyphIndex = top.glyph.readOrZero<std::uint16_t>(record + 2);
+    const std::size_t record = now_.next;
+    const auto head = now_.glyph.readHeld<std::uint32_t>(record);
+    const auto flags = static_cast<std::uint16_t>(head >> 16);
+    const std::uint32_t glyphIndex = head & 0xFFFF;
     const std::size_t size = detail::componentSize(flags);
-    top.cut = !top.glyph.holds(record, size);  // its glyph is named all the same
-    top.next = (flags & detail::kMoreComponents) != 0 ? record + size : detail::kNoRecord;
+    now_.cut = !now_.glyph.holds(record, size);  // its glyph is named all the same
+    now_.next = (flags & detail::kMoreComponents) != 0 ? record + size : detail::kNoRecord;
     if (glyphIndex >= font_.numGlyphs) {
-      if (!top.cut) addCounts(top.counts, {});
+      refer(record, detail::kNoRecordIndex);
+      pass({});
       return 0;
     }
     if (!index_.reserve()) return kGlyphNoMemory;
     GlyphEntry& entry = index_.enter(glyphIndex);
     // One on the way to itself has no counts yet.
-    if (!index_.visit(entry)) return pass(entry);
-    if (entry.record() != detail::kNoRecordIndex) return open(entry, nullptr);
+    const bool first = index_.visit(entry);
+    if (!first || entry.record() != detail::kNoRecordIndex) {
+      refer(record, entry.record());
+      if (first) return enter(entry, nullptr);
+      pass(entry.counts);
+      return 0;
+    }
     const std::int32_t added = addition_.append(font_, glyphIndex);
     if (added < kNoGlyph) return added;
-    return added == kNoGlyph ? open(index_.enter(glyphIndex), nullptr)
-                             : open(addition_.entry(), addition_.last());
+    GlyphEntry& now = index_.enter(glyphIndex);
+    refer(record, now.record());
+    return enter(now, added == kNoGlyph ? nullptr : addition_.last());
   }
 
-  std::int32_t close() noexcept {
-    OpenComposite closed = stack_.top();
-    stack_.pop();
-    if (closed.cut || closed.next != detail::kNoRecord) {
-      closed.counts.room = closed.counts.points = closed.counts.contours = 0;
+  // Goes down to a component that has been visited for the first time.
+  std::int32_t enter(GlyphEntry& entry, GlyphData* record) noexcept {
+    if (record != nullptr && record->isComposite == 0) {
+      entry.counts = plainCounts(addition_.shape());
+      pass(entry.counts);
+      return 0;
     }
-    if (!giveCounts(table_, font_, closed.counts, closed.record)) return kGlyphNoMemory;
-    GlyphEntry& entry = index_.enter(closed.glyphIndex);
-    entry.counts = closed.counts;
-    return pass(entry);
+    const ByteView glyph = detail::compositeView(font_, entry.glyph);
+    if (glyph.size() == 0) {
+      entry.counts = plainCounts(detail::simpleShape(detail::glyphView(font_, entry.glyph)));
+      pass(entry.counts);
+      return 0;
+    }
+    if (!stack_.push(now_)) return kGlyphNoMemory;
+    open(entry, glyph, record);
+    return 0;
   }
 
   GlyfPayload& table_;
   detail::GlyphIndex& index_;
   Addition& addition_;
   const TrueTypeFont& font_;
-  ComponentStack stack_;
+  OpenComposite now_;
+  ComponentStack stack_;  // of those above it
 };
 
 // What follows the append of the glyph itself, of which `newIndex` is the result. One visited
@@ -279,7 +297,9 @@ std::int32_t finish(GlyfPayload& table, Addition& addition, const TrueTypeFont& 
                     std::int32_t newIndex) noexcept {
   if (newIndex < 0) return newIndex;
   GlyphData* record = addition.last();
-  if (addition.isFirst() && record->glyphIndex < font.numGlyphs) {
+  if (!counted && addition.isFirst() && record->isComposite == 0) {
+    addition.entry().counts = plainCounts(addition.shape());
+  } else if (addition.isFirst() && record->glyphIndex < font.numGlyphs) {
     const std::int32_t failure = ComponentWalk(table, addition, font).run(record, counted);
     if (failure != 0) return failure;
   }
@@ -326,6 +346,38 @@ std::int32_t addFontGlyph(WriterTable* glyfTable, const TrueTypeFont& font,
   Addition addition(table);
   const std::int32_t newIndex = addition.append(font, glyphIndex);
   return finish(table, addition, font, false, newIndex);
+}
+
+bool renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
+                        std::uint32_t absent) noexcept {
+  const ByteView data(glyph.data, glyph.byteCount);
+  bool all = true;
+  std::uint16_t flags = kMoreComponents;
+  std::size_t record = kFirstComponent;
+  for (; (flags & kMoreComponents) != 0; record += componentSize(flags)) {
+    if (!data.holds(record, 4)) break;
+    const auto head = data.readHeld<std::uint32_t>(record);
+    flags = static_cast<std::uint16_t>(head >> 16);
+    const std::uint32_t place = index.find(head & 0xFFFF);
+    all = all && place != kNoRecordIndex;
+    put16(glyph.data, record + 2, place == kNoRecordIndex ? absent : place);
+  }
+  return all;
+}
+
+void renumberGlyphs(GlyfPayload& payload) noexcept {
+  for (const TTListNode* node = payload.glyphs.first; node != nullptr; node = node->next) {
+    const auto& glyph = *static_cast<const GlyphData*>(node->item);
+    if (glyph.isComposite == 0) continue;
+    if (payload.store != nullptr) {
+      GlyphData source;
+      ByteView bytes;
+      SimpleShape shape;
+      describeGlyph(*payload.index.font(), glyph.glyphIndex, &source, &bytes, &shape);
+      copyEven(bytes, glyph.data);
+    }
+    renumberComponents(glyph, payload.index, payload.glyphs.count);
+  }
 }
 
 void freeGlyphData(void* glyph) noexcept {

@@ -1,6 +1,8 @@
 #include "truetype/writer/detail/glyph_tables.h"
 
-#include "truetype/detail/component.h"
+#include <cstring>
+#include <utility>
+
 #include "truetype/writer/detail/payloads.h"
 
 namespace ulm::truetype::detail {
@@ -9,105 +11,70 @@ namespace {
 constexpr std::uint32_t kTagHmtx = 0x686D7478;
 constexpr std::uint32_t kMostGlyphs = 0xFFFF;
 
-// What the glyphs come to.
-struct Totals {
-  std::uint64_t bytes = 0;
-  std::uint16_t points = 0, contours = 0, compositePoints = 0, compositeContours = 0;
-};
-
 void raise(std::uint16_t& most, std::uint16_t value) noexcept {
   if (value > most) most = value;
 }
-// False where a glyph has an odd number of bytes.
-bool addUp(const TTList& glyphs, Totals& totals) noexcept {
-  for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-    const auto& glyph = *static_cast<const GlyphData*>(node->item);
-    if (glyph.byteCount % 2 != 0) return false;
-    totals.bytes += glyph.byteCount;
-    if (glyph.isComposite == 0) {
-      raise(totals.points, glyph.pointCount);
-      raise(totals.contours, glyph.contourCount);
-    } else {
-      raise(totals.compositePoints, glyph.pointCount);
-      raise(totals.compositeContours, glyph.contourCount);
+
+// What the glyphs come to, read in one pass over them.
+struct Totals {
+  std::uint64_t bytes = 0;
+  std::uint16_t points = 0, contours = 0, compositePoints = 0, compositeContours = 0;
+  // Glyphs from here on have the advance of the last one, which is stored once.
+  std::uint32_t longMetrics = 1;
+  bool odd = false;  // the bytes of one of them
+
+  // `offsets` gets where each glyph begins and the last one ends, `metrics` a long entry of each.
+  void read(const TTList& glyphs, std::uint32_t* offsets, std::uint8_t* metrics) noexcept {
+    std::uint32_t place = 0;
+    std::uint16_t advance = 0;
+    for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next, ++place) {
+      const auto& glyph = *static_cast<const GlyphData*>(node->item);
+      offsets[place] = static_cast<std::uint32_t>(bytes);
+      bytes += glyph.byteCount;
+      odd = odd || glyph.byteCount % 2 != 0;
+      put32(metrics, std::size_t{4} * place,
+            std::uint32_t{glyph.advanceWidth} << 16 |
+                static_cast<std::uint16_t>(glyph.leftSideBearing));
+      if (glyph.advanceWidth != advance) longMetrics = place + 1;
+      advance = glyph.advanceWidth;
+      raise(glyph.isComposite == 0 ? points : compositePoints, glyph.pointCount);
+      raise(glyph.isComposite == 0 ? contours : compositeContours, glyph.contourCount);
     }
+    offsets[place] = static_cast<std::uint32_t>(bytes);
+    if (glyphs.count < 3) longMetrics = glyphs.count;
   }
-  return true;
-}
+};
 
-// Makes the references of a composite those of the new font.
-void renumber(const GlyphData& glyph, const GlyphIndex& index, std::uint32_t glyphs) noexcept {
-  const ByteView data(glyph.data, glyph.byteCount);
-  std::uint16_t flags = kMoreComponents;
-  std::size_t record = kFirstComponent;
-  for (; (flags & kMoreComponents) != 0; record += componentSize(flags)) {
-    if (!data.holds(record, 4)) return;
-    flags = data.readOrZero<std::uint16_t>(record);
-    const std::uint32_t place = index.find(data.readOrZero<std::uint16_t>(record + 2));
-    put16(glyph.data, record + 2, place == kNoRecordIndex ? glyphs : place);
-  }
-}
-
-// Glyphs from the result on have the advance of the last one, which is stored once.
-std::uint32_t countLongMetrics(const TTList& glyphs) noexcept {
-  if (glyphs.count < 3) return glyphs.count;
-  const TTListNode* node = glyphs.last;
-  std::uint32_t last = glyphs.count - 1;
-  for (; last > 0; --last, node = node->previous) {
-    if (static_cast<const GlyphData*>(node->item)->advanceWidth !=
-        static_cast<const GlyphData*>(node->previous->item)->advanceWidth) {
-      break;
-    }
-  }
-  return last + 1;
-}
-
-// The offset of each glyph and the end of the last, halved in the short form.
-WriterResult addLoca(TrueTypeWriter* writer, const TTList& glyphs, bool isLong) noexcept {
+// Short offsets are halved.
+WriterResult addLoca(TrueTypeWriter* writer, const std::uint32_t* offsets, std::uint32_t count,
+                     bool isLong) noexcept {
   WriterTable* table = createLocaTable();
   if (table == nullptr) return WriterResultNoMemory;
   auto& loca = *static_cast<LocaTableData*>(table->data);
-  const std::uint32_t length = (glyphs.count + 1) * (isLong ? 4 : 2);
+  const std::uint32_t length = count * (isLong ? 4 : 2);
   loca.bytes = makeZeroedBuffer<std::uint8_t>(static_cast<std::size_t>(padded(length))).release();
   if (loca.bytes == nullptr) {
     disposeWriterTable(table);
     return WriterResultNoMemory;
   }
   loca.length = length;
-  std::uint32_t offset = 0;
-  std::size_t place = 0;
-  const auto store = [&] {
-    if (isLong) {
-      put32(loca.bytes, 4 * place++, offset);
-    } else {
-      put16(loca.bytes, 2 * place++, offset / 2);
-    }
-  };
-  for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-    store();
-    offset += static_cast<const GlyphData*>(node->item)->byteCount;
+  if (isLong) {
+    for (std::size_t i = 0; i < count; ++i) put32(loca.bytes, 4 * i, offsets[i]);
+  } else {
+    for (std::size_t i = 0; i < count; ++i) put16(loca.bytes, 2 * i, offsets[i] / 2);
   }
-  store();
   return static_cast<WriterResult>(addWriterTable(writer, table));
 }
 
-WriterResult addHmtx(TrueTypeWriter* writer, const TTList& glyphs,
+// Of the metrics behind the long ones the bearings are left.
+WriterResult addHmtx(TrueTypeWriter* writer, CBuffer<std::uint8_t> metrics, std::uint32_t count,
                      std::uint32_t longMetrics) noexcept {
-  const std::uint32_t length = 4 * longMetrics + 2 * (glyphs.count - longMetrics);
-  const CBuffer<std::uint8_t> bytes = makeBuffer<std::uint8_t>(length);
-  if (bytes == nullptr) return WriterResultNoMemory;
-  std::size_t place = 0;
-  std::uint32_t glyph = 0;
-  for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next, ++glyph) {
-    const auto& metrics = *static_cast<const GlyphData*>(node->item);
-    if (glyph < longMetrics) {
-      put16(bytes.get(), place, metrics.advanceWidth);
-      place += 2;
-    }
-    put16(bytes.get(), place, static_cast<std::uint16_t>(metrics.leftSideBearing));
-    place += 2;
+  std::size_t length = std::size_t{4} * longMetrics;
+  for (std::size_t i = longMetrics; i < count; ++i, length += 2) {
+    std::memmove(metrics.get() + length, metrics.get() + 4 * i + 2, 2);
   }
-  WriterTable* table = createRawTable(kTagHmtx, length, bytes.get());
+  WriterTable* table =
+      adoptRawTable(kTagHmtx, static_cast<std::uint32_t>(length), std::move(metrics));
   if (table == nullptr) return WriterResultNoMemory;
   return static_cast<WriterResult>(addWriterTable(writer, table));
 }
@@ -133,23 +100,26 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer) noexcept {
   removeWriterTable(writer, kTagLoca);
   removeWriterTable(writer, kTagHmtx);
 
+  const std::size_t count = glyphs.count;
+  const CBuffer<std::uint32_t> offsets = makeBuffer<std::uint32_t>(count + 1);
+  CBuffer<std::uint8_t> metrics = makeBuffer<std::uint8_t>(4 * count);
+  if (offsets == nullptr || metrics == nullptr) return WriterResultNoMemory;
   Totals totals;
-  if (!addUp(glyphs, totals)) return WriterResultBadTable;
+  totals.read(glyphs, offsets.get(), metrics.get());
+  if (totals.odd) return WriterResultBadTable;
   if (totals.bytes > UINT32_MAX) return WriterResultFileTooLarge;
-  // What has been done to the list between two glyphs can't be seen at its end.
-  if (payload.store == nullptr) payload.index.forget();
-  if (!payload.index.follow(glyphs)) return WriterResultNoMemory;
-  for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-    const auto& glyph = *static_cast<const GlyphData*>(node->item);
-    if (glyph.isComposite != 0) renumber(glyph, payload.index, glyphs.count);
-  }
   GlyphExtent extent = payload.extent;
-  for (const TTListNode* node = glyphs.first; payload.store == nullptr && node != nullptr;
-       node = node->next) {
-    extent.include(*static_cast<const GlyphData*>(node->item));
+  if (payload.store == nullptr) {
+    // What has been done to the list between two glyphs can't be seen at its end.
+    payload.index.forget();
+    if (!payload.index.follow(glyphs)) return WriterResultNoMemory;
+    for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
+      extent.include(*static_cast<const GlyphData*>(node->item));
+    }
   }
+  if (payload.store == nullptr || payload.lateReferences) renumberGlyphs(payload);
   const bool isLong = totals.bytes / 2 > 0xFFFF;
-  const WriterResult loca = addLoca(writer, glyphs, isLong);
+  const WriterResult loca = addLoca(writer, offsets.get(), glyphs.count + 1, isLong);
   if (loca != WriterResultOk) return loca;
 
   put16(bytesOf(head), 36, static_cast<std::uint16_t>(extent.xMin));
@@ -163,9 +133,8 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer) noexcept {
   put16(bytesOf(maxp), 10, totals.compositePoints);
   put16(bytesOf(maxp), 12, totals.compositeContours);
 
-  const std::uint32_t longMetrics = countLongMetrics(glyphs);
-  put16(bytesOf(hhea), 34, longMetrics);
-  return addHmtx(writer, glyphs, longMetrics);
+  put16(bytesOf(hhea), 34, totals.longMetrics);
+  return addHmtx(writer, std::move(metrics), glyphs.count, totals.longMetrics);
 }
 
 }  // namespace ulm::truetype::detail

@@ -147,19 +147,11 @@ WriterTable* createRawTable(std::uint32_t tag, std::uint32_t length,
                             const std::uint8_t* bytes) noexcept {
   CBuffer<std::uint8_t> copy;
   if (length != 0) {
-    const auto room = static_cast<std::size_t>(detail::padded(length));
-    copy = detail::makeBuffer<std::uint8_t>(room);
+    copy = detail::makeBuffer<std::uint8_t>(static_cast<std::size_t>(detail::padded(length)));
     if (copy == nullptr) return nullptr;
     std::memcpy(copy.get(), bytes, length);
-    std::memset(copy.get() + length, 0, room - length);
   }
-  auto payload = detail::makeBuffer<RawTableData>(1);
-  if (payload == nullptr) return nullptr;
-  RawTableData& raw = payload[0];
-  raw = {tag, length, nullptr};
-  WriterTable* table = makeTable(kTagRaw, std::move(payload));
-  if (table != nullptr) raw.bytes = copy.release();
-  return table;
+  return detail::adoptRawTable(tag, length, std::move(copy));
 }
 
 WriterTable* createHeadTable(std::uint32_t fontRevision, std::uint16_t flags,
@@ -266,6 +258,18 @@ void disposeWriterTable(WriterTable* table) noexcept {
 }
 
 namespace detail {
+
+WriterTable* adoptRawTable(std::uint32_t tag, std::uint32_t length,
+                           CBuffer<std::uint8_t> bytes) noexcept {
+  auto payload = makeBuffer<RawTableData>(1);
+  if (payload == nullptr) return nullptr;
+  for (std::size_t i = length; i < padded(length); ++i) bytes[i] = 0;
+  RawTableData& raw = payload[0];
+  raw = {tag, length, nullptr};
+  WriterTable* table = makeTable(kTagRaw, std::move(payload));
+  if (table != nullptr) raw.bytes = bytes.release();
+  return table;
+}
 
 WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept {
   *out = {nullptr, 0, 0};

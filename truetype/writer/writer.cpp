@@ -1,10 +1,9 @@
 #include "truetype/writer/writer.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
-#include "truetype/bytes.h"
+#include "truetype/detail/swap_run.h"
 #include "truetype/writer/detail/glyph_tables.h"
 #include "truetype/writer/detail/payloads.h"
 
@@ -97,31 +96,6 @@ void writeTables(std::uint8_t* file, const Entry* entries, std::uint32_t count) 
   put32(head, kHeadAdjustment, kWholeFileSum - sum);
 }
 
-// Eight bytes at a step, whose sums grow in lanes of 16 bits: that many steps can't fill one.
-constexpr std::size_t kChecksumStep = 8;
-constexpr std::size_t kMostLaneSteps = 256;
-
-std::uint32_t sumOfWords(const std::uint8_t* bytes, std::size_t steps) noexcept {
-  constexpr std::uint64_t kLanes = 0x00FF00FF00FF00FF;
-  std::uint64_t low = 0, high = 0;  // of the low and the high bytes of the lanes
-  for (std::size_t i = 0; i < steps; ++i) {
-    std::uint64_t eight;
-    std::memcpy(&eight, bytes + i * kChecksumStep, kChecksumStep);
-    low += eight & kLanes;
-    high += eight >> 8 & kLanes;
-  }
-  // Which byte a lane has summed depends on the order in which this machine loads them.
-  constexpr bool kLittle = std::endian::native == std::endian::little;
-  std::uint32_t sum = 0;
-  for (std::uint32_t lane = 0; lane < 4; ++lane) {
-    const std::uint32_t lowByte = kLittle ? 2 * lane : 7 - 2 * lane;
-    const std::uint32_t highByte = kLittle ? 2 * lane + 1 : 6 - 2 * lane;
-    sum += static_cast<std::uint32_t>(low >> 16 * lane & 0xFFFF) << (24 - lowByte % 4 * 8);
-    sum += static_cast<std::uint32_t>(high >> 16 * lane & 0xFFFF) << (24 - highByte % 4 * 8);
-  }
-  return sum;
-}
-
 }  // namespace
 
 void createTrueTypeWriter(TrueTypeWriter** outWriter) noexcept {
@@ -208,16 +182,7 @@ WriterResult assembleFont(TrueTypeWriter* writer, std::uint8_t** outImage,
 }
 
 std::uint32_t tableChecksum(const std::uint8_t* bytes, std::uint32_t length) noexcept {
-  const auto size = static_cast<std::size_t>(detail::padded(length));
-  std::uint32_t sum = 0;
-  std::size_t place = 0;
-  while (size - place >= kChecksumStep) {
-    const std::size_t steps = (size - place) / kChecksumStep;
-    const std::size_t some = steps < kMostLaneSteps ? steps : kMostLaneSteps;
-    sum += sumOfWords(bytes + place, some);
-    place += some * kChecksumStep;
-  }
-  return place < size ? sum + readUInt32(bytes, place) : sum;
+  return detail::sumRun32(bytes, static_cast<std::size_t>(detail::padded(length) / 4));
 }
 
 }  // namespace ulm::truetype

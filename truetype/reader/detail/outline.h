@@ -10,6 +10,10 @@
 
 namespace ulm::truetype::detail {
 
+// Room for the points of a simple glyph with `contours` of them, at least 1; 0 where its ends of
+// contours are cut.
+std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept;
+
 // Fills `count` points, as simplePointCount gave it. False where a repeat passes the last point or
 // the data is cut; the points are then worthless.
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,

@@ -10,19 +10,48 @@
 
 #include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/reader/glyphs.h"
 #include "truetype/records.h"
 #include "truetype/writer/detail/glyph_index.h"
 
 namespace ulm::truetype::detail {
 
+// The counts of components as they add up. So many of them can't pass 64 bits.
+struct CountSums {
+  std::uint64_t records, work, room;
+  std::uint32_t points, contours;
+  bool unknown;
+
+  void add(const OutlineCounts& component) noexcept {
+    records += std::uint64_t{component.records} + 1;
+    work += std::uint64_t{component.work} + component.room;  // once more, as they are placed
+    room += component.room;
+    points += component.points;
+    contours += component.contours;
+    unknown = unknown || component.records == kUnknownRecords;
+  }
+  // With no points of its own where its chain of components is cut.
+  OutlineCounts total(bool cut) const noexcept {
+    constexpr std::uint64_t kCap = 1u << 24;
+    static_assert(kCap > kMostComponentRecords && kCap > kMostOutlineWork);
+    const auto capped = [](std::uint64_t value) {
+      return static_cast<std::uint32_t>(value < kCap ? value : kCap);
+    };
+    return {unknown ? kUnknownRecords : capped(records), capped(work), cut ? 0 : capped(room),
+            static_cast<std::uint16_t>(cut ? 0 : points),
+            static_cast<std::uint16_t>(cut ? 0 : contours)};
+  }
+};
+
 // One composite on the way down.
 struct OpenComposite {
   ByteView glyph;
-  std::size_t next;  // the record to come
+  std::size_t next;  // the record to come, or kNoRecord
   std::uint32_t glyphIndex;
-  OutlineCounts counts;  // of the components so far
-  GlyphData* record;     // to be given the counts, or null
-  bool cut;              // its chain of components, by the end of glyf
+  std::uint16_t referencesEnd;  // of the bytes in `record` whose references are made new ones
+  bool cut;                     // its chain of components, by the end of glyf
+  GlyphData* record;            // to be given the counts, or null
+  CountSums sums;               // of the components so far
 };
 static_assert(std::is_trivially_copyable_v<OpenComposite>);
 
@@ -34,8 +63,7 @@ class ComponentStack {
   ComponentStack& operator=(const ComponentStack&) = delete;
 
   bool empty() const noexcept { return depth_ == 0; }
-  OpenComposite& top() noexcept { return frames_[depth_ - 1]; }
-  void pop() noexcept { --depth_; }
+  OpenComposite pop() noexcept { return frames_[--depth_]; }
 
   // False without memory.
   bool push(const OpenComposite& frame) noexcept {

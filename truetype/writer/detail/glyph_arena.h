@@ -24,7 +24,7 @@ class GlyphArena {
 
   // Aligned for pointers; null without memory.
   void* take(std::size_t bytes) noexcept {
-    const std::size_t room = (bytes + alignof(Block) - 1) & ~(alignof(Block) - 1);
+    const std::size_t room = roomOf(bytes);
     if (blocks_ == nullptr || room > blocks_->left) {
       // A large piece has a block of its own, behind the present one, whose rest is not wasted.
       const bool isLarge = room > kMostBlock / 8;
@@ -41,6 +41,11 @@ class GlyphArena {
     blocks_->left -= room;
     return reinterpret_cast<std::uint8_t*>(blocks_ + 1) + blocks_->left;
   }
+  // The piece last taken, of so many bytes; a large one stays until the end.
+  void giveBack(std::size_t bytes) noexcept {
+    const std::size_t room = roomOf(bytes);
+    if (room <= kMostBlock / 8) blocks_->left += room;
+  }
 
  private:
   struct Block {
@@ -51,6 +56,9 @@ class GlyphArena {
   static constexpr std::size_t kFirstBlock = std::size_t{1} << 13;
   static constexpr std::size_t kMostBlock = std::size_t{1} << 16;
 
+  static constexpr std::size_t roomOf(std::size_t bytes) noexcept {
+    return (bytes + alignof(Block) - 1) & ~(alignof(Block) - 1);
+  }
   static Block* makeBlock(std::size_t bytes) noexcept {
     auto* block = static_cast<Block*>(std::malloc(sizeof(Block) + bytes));
     if (block != nullptr) *block = {nullptr, bytes};

@@ -1,13 +1,11 @@
 #include "truetype/writer/detail/glyph_index.h"
 
-#include <cstring>
-
 #include "truetype/detail/c_buffer.h"
 
 namespace ulm::truetype::detail {
 namespace {
 
-// Makes room for `count` more behind those in use; what is new is zero. False without memory.
+// Makes room for `count` more behind those in use. False without memory.
 template <class T>
 bool grow(T*& items, std::uint32_t used, std::uint32_t count, std::uint32_t most, std::size_t size,
           std::uint32_t& capacity) noexcept {
@@ -16,7 +14,7 @@ bool grow(T*& items, std::uint32_t used, std::uint32_t count, std::uint32_t most
   const std::uint32_t needed = count > most - used ? most : used + count;
   if (needed <= capacity) return true;
   const std::uint32_t larger = first > most ? most : first > needed ? first : needed;
-  CBuffer<T> moved = makeZeroedBuffer<T>(larger * size);
+  CBuffer<T> moved = makeBuffer<T>(larger * size);
   if (moved == nullptr) return false;
   if (used != 0) std::memcpy(moved.get(), items, used * size * sizeof(T));
   std::free(items);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "truetype/font.h"
 #include "truetype/list.h"
@@ -64,6 +65,8 @@ class GlyphIndex {
     ++round_;
   }
 
+  const TrueTypeFont* font() const noexcept { return font_; }
+
   // Room for about as many glyph numbers at once; false without memory.
   bool expect(std::uint32_t count) noexcept { return makeRoom(count, count / 8 + 1); }
   // Room for one more, so that the next add or enter can't fail. Entries move.
@@ -109,11 +112,14 @@ class GlyphIndex {
 
 inline GlyphEntry& GlyphIndex::enter(std::uint32_t glyph) noexcept {
   std::uint16_t& page = pageOf_[glyph / kPageSize];
-  if (page == 0) page = static_cast<std::uint16_t>(++pageCount_);
+  if (page == 0) {
+    page = static_cast<std::uint16_t>(++pageCount_);
+    std::memset(pages_ + (page - 1) * kPageSize, 0, kPageSize * sizeof(std::uint16_t));
+  }
   std::uint16_t& place = pages_[(page - 1) * kPageSize + glyph % kPageSize];
   if (place == 0) {
     place = static_cast<std::uint16_t>(++entryCount_);
-    entries_[place - 1].glyph = glyph;
+    entries_[place - 1] = {glyph, 0, 0, {}};
   }
   return entries_[place - 1];
 }

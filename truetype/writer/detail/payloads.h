@@ -42,6 +42,9 @@ struct GlyfPayload {
   GlyphStore* store;
   GlyphExtent extent;           // of a borrowing table's glyphs, read while their bytes are at hand
   std::uint32_t cyclesCounted;  // composites with a cycle that the reader has counted
+  // The references of a borrowing table are made those of the new font as its composites come, or,
+  // where one can't be told before the list is whole, all at the end.
+  bool lateReferences;
 };
 static_assert(std::is_standard_layout_v<GlyfPayload>);
 
@@ -59,6 +62,11 @@ struct TableImage {
   std::uint32_t length;
   std::uint32_t tag;
 };
+
+// A raw table of `length` of the bytes, for which there is room up to a multiple of 4; they may be
+// null where that is 0. Null without memory, the bytes being freed.
+WriterTable* adoptRawTable(std::uint32_t tag, std::uint32_t length,
+                           CBuffer<std::uint8_t> bytes) noexcept;
 
 // A glyf table that borrows from the font, which is to outlive it; to be filled from that by
 // addFontGlyph alone. It has no list operations but to walk over it. Room for `glyphs` is made at
@@ -84,6 +92,13 @@ WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept;
 
 // As getTableImage.
 WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept;
+
+// Makes the references of a composite those of the new font: to the first records of the glyphs, or
+// to `absent` where one has none, which gives false.
+bool renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
+                        std::uint32_t absent) noexcept;
+// The same of a whole table, each glyph of which is as it was in the font.
+void renumberGlyphs(GlyfPayload& payload) noexcept;
 
 void disposeGlyphs(GlyfPayload* payload) noexcept;
 void freeGlyphData(void* glyph) noexcept;
