@@ -27,13 +27,27 @@ inline ByteView compositeView(const TrueTypeFont& font, std::uint32_t glyphIndex
   return glyph.readOrZero<std::int16_t>(0) == -1 ? glyph : ByteView();
 }
 
+inline constexpr std::uint16_t kSizeFlags =
+    kArgumentsAreWords | kHasScale | kHasTwoScales | kHasMatrix;
+
+struct ComponentSizes {
+  std::uint8_t bytes[kSizeFlags + 1] = {};
+  constexpr ComponentSizes() noexcept {
+    for (std::uint32_t flags = 0; flags <= kSizeFlags; ++flags) {
+      const int words = (flags & kArgumentsAreWords) != 0 ? 2 : 1;
+      const int scales = (flags & kHasScale) != 0       ? 1
+                         : (flags & kHasTwoScales) != 0 ? 2
+                         : (flags & kHasMatrix) != 0    ? 4
+                                                        : 0;
+      bytes[flags] = static_cast<std::uint8_t>(4 + 2 * words + 2 * scales);
+    }
+  }
+};
+inline constexpr ComponentSizes kComponentSizes;
+
 // Bytes of a record with these flags, of which the lower ones rule.
 constexpr std::size_t componentSize(std::uint16_t flags) noexcept {
-  // By matrix, two scales and scale, the bits 2, 1 and 0 of the index.
-  constexpr std::uint8_t kScaleBytes[8] = {0, 2, 4, 2, 8, 2, 4, 2};
-  static_assert(kHasScale == 8 && kHasTwoScales == 0x40 && kHasMatrix == 0x80);
-  const std::size_t scales = (std::size_t{flags} >> 3 & 1) | (std::size_t{flags} >> 5 & 6);
-  return 6 + 2 * (std::size_t{flags} & kArgumentsAreWords) + kScaleBytes[scales];
+  return kComponentSizes.bytes[flags & kSizeFlags];
 }
 
 }  // namespace ulm::truetype::detail

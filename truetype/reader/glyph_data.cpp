@@ -6,7 +6,6 @@
 #include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
 #include "truetype/reader/detail/component_path.h"
-#include "truetype/reader/detail/metric.h"
 #include "truetype/reader/detail/outline.h"
 #include "truetype/reader/glyphs.h"
 
@@ -31,37 +30,6 @@ bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph) noexcept {
   glyph->pointCount = static_cast<std::uint16_t>(points);
   glyph->contourCount = static_cast<std::uint16_t>(contours);
   return true;
-}
-
-FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphIndex, GlyphData* out,
-                         ByteView* outBytes, SimpleShape* outShape) noexcept {
-  if (glyphIndex >= font.numGlyphs) return FontResultBadArgument;
-  const std::uint32_t start = font.glyphOffsets[glyphIndex];
-  const std::uint32_t next = font.glyphOffsets[glyphIndex + 1];
-  if (next < start) return FontResultBadArgument;
-  const ByteView glyph = glyphView(font, glyphIndex);
-  const std::size_t length = glyph.size() < next - start ? glyph.size() : next - start;
-  if (length >= 0xFFFF) return FontResultBadArgument;
-
-  Metric across{0, 0};
-  if (font.tables[kSlotHmtx] != nullptr && font.numberOfHMetrics != 0) {
-    across =
-        metricOf(tableView(font, kSlotHmtx), font.numberOfHMetrics, font.numGlyphs, glyphIndex);
-  }
-  const bool isComposite = length > 0 && glyph.readOrZero<std::uint8_t>(0) >= 0x80;
-  const SimpleShape shape = isComposite ? SimpleShape{} : simpleShape(glyph);
-  *out = {.glyphIndex = glyphIndex,
-          .byteCount = static_cast<std::uint16_t>((length + 1) & ~std::size_t{1}),
-          .data = nullptr,
-          .advanceWidth = across.advance,
-          .leftSideBearing = across.sideBearing,
-          .isComposite = isComposite,
-          .pointCount = static_cast<std::uint16_t>(shape.points),
-          .contourCount = static_cast<std::uint16_t>(shape.contours),
-          .newIndex = 0};
-  *outBytes = ByteView(glyph.start(), length);
-  *outShape = shape;
-  return FontResultOk;
 }
 
 FontResult makeGlyphData(const TrueTypeFont& font, std::uint32_t glyphIndex,

@@ -2,7 +2,7 @@
 
 #include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
-#include "truetype/reader/detail/metric.h"
+#include "truetype/detail/metric.h"
 
 namespace ulm::truetype {
 namespace {

@@ -268,9 +268,12 @@ void addCharMappings(WriterTable* cmapTable, const std::uint16_t* charCodes,
   auto& cmap = *static_cast<CmapTableData*>(cmapTable->data);
   CmapSubtable* subtable = subtableOf(cmap, kWindowsUnicodeSubtable);
   cmap.incomplete = cmap.incomplete || subtable == nullptr || !expectMappings(*subtable, count);
-  for (std::size_t k = 0; !cmap.incomplete && k < count; ++k) {
-    cmap.incomplete = !append(*subtable, charCodes[k], static_cast<std::uint32_t>(glyphIds[k]));
+  if (cmap.incomplete) return;
+  for (std::size_t k = 0; k < count; ++k) {
+    subtable->charCodes[subtable->count + k] = charCodes[k];
+    subtable->glyphIds[subtable->count + k] = static_cast<std::uint32_t>(glyphIds[k]);
   }
+  subtable->count += static_cast<std::uint32_t>(count);
 }
 
 // A form is chosen for the length and again for the bytes, so that no list of forms is kept; but

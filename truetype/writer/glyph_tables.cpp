@@ -21,7 +21,7 @@ struct Totals {
   std::uint16_t points = 0, contours = 0, compositePoints = 0, compositeContours = 0;
   // Glyphs from here on have the advance of the last one, which is stored once.
   std::uint32_t longMetrics = 1;
-  bool odd = false;  // the bytes of one of them
+  std::uint16_t allLengths = 0;  // or-ed together
 
   // `offsets` gets where each glyph begins and the last one ends, `metrics` a long entry of each.
   void read(const TTList& glyphs, std::uint32_t* offsets, std::uint8_t* metrics) noexcept {
@@ -31,7 +31,7 @@ struct Totals {
       const auto& glyph = *static_cast<const GlyphData*>(node->item);
       offsets[place] = static_cast<std::uint32_t>(bytes);
       bytes += glyph.byteCount;
-      odd = odd || glyph.byteCount % 2 != 0;
+      allLengths |= glyph.byteCount;
       put32(metrics, std::size_t{4} * place,
             std::uint32_t{glyph.advanceWidth} << 16 |
                 static_cast<std::uint16_t>(glyph.leftSideBearing));
@@ -106,7 +106,7 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer) noexcept {
   if (offsets == nullptr || metrics == nullptr) return WriterResultNoMemory;
   Totals totals;
   totals.read(glyphs, offsets.get(), metrics.get());
-  if (totals.odd) return WriterResultBadTable;
+  if (totals.allLengths % 2 != 0) return WriterResultBadTable;
   if (totals.bytes > UINT32_MAX) return WriterResultFileTooLarge;
   GlyphExtent extent = payload.extent;
   if (payload.store == nullptr) {

@@ -10,9 +10,6 @@ namespace {
 using detail::ByteView;
 using detail::CBuffer;
 
-constexpr std::int32_t kNotTaken = -1;
-constexpr std::uint32_t kMostGlyphs = 0xFFFF;
-
 constexpr std::uint8_t kGenericText[] = {'T', 'r', 'u', 'e', 'T', 'y', 'p',
                                          'e', 'S', 'u', 'b', 's', 'e', 't'};
 constexpr std::uint8_t kGenericUnits[] = {0, 'T', 0, 'r', 0, 'u', 0, 'e', 0, 'T', 0, 'y', 0, 'p',
@@ -105,20 +102,6 @@ WriterResult addCopy(TrueTypeWriter* writer, const TrueTypeFont& font, TableSlot
   return add(writer, OwnedTable(createRawTable(tag, font.tableLengths[slot], font.tables[slot])));
 }
 
-// Takes the glyphs; newIndices receives their new numbers or kNotTaken. Any failure is one that
-// leaves the caller's list as it was.
-WriterResult takeGlyphs(WriterTable* glyf, const TrueTypeFont& font, const std::uint16_t* glyphIds,
-                        std::int32_t count, std::int32_t* newIndices) noexcept {
-  for (std::int32_t k = 0; k < count; ++k) {
-    newIndices[k] = kNotTaken;
-    if (glyphCount(glyf) > kMostGlyphs) continue;
-    newIndices[k] = detail::addFontGlyph(glyf, font, glyphIds[k]);
-    if (newIndices[k] == kGlyphNoMemory) return WriterResultNoMemory;
-    if (newIndices[k] == kGlyphTooLarge) return WriterResultGlyphTooLarge;
-  }
-  return WriterResultOk;
-}
-
 }  // namespace
 
 WriterResult createTrueTypeSubset(const TrueTypeFont* font, std::uint8_t** outImage,
@@ -153,8 +136,11 @@ WriterResult createTrueTypeSubset(const TrueTypeFont* font, std::uint8_t** outIm
     return WriterResultNoMemory;
   }
 
-  result = takeGlyphs(glyf.get(), *font, glyphIds, glyphCount, newIndices.get());
-  if (result != WriterResultOk) return result;
+  // Any failure is one that leaves the caller's list as it was.
+  const std::int32_t taken =
+      detail::addFontGlyphs(glyf.get(), *font, glyphIds, count, newIndices.get());
+  if (taken == kGlyphTooLarge) return WriterResultGlyphTooLarge;
+  if (taken != 0) return WriterResultNoMemory;
   for (std::size_t k = 0; k < count; ++k) glyphIds[k] = static_cast<std::uint16_t>(newIndices[k]);
   if (truetype::glyphCount(glyf.get()) == 0) return WriterResultNoData;
 

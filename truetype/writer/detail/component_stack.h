@@ -46,8 +46,8 @@ struct CountSums {
 // One composite on the way down.
 struct OpenComposite {
   ByteView glyph;
-  std::size_t next;  // the record to come, or kNoRecord
-  std::uint32_t glyphIndex;
+  std::size_t next;             // the record to come, or kNoRecord
+  std::uint32_t place;          // in the index
   std::uint16_t referencesEnd;  // of the bytes in `record` whose references are made new ones
   bool cut;                     // its chain of components, by the end of glyf
   GlyphData* record;            // to be given the counts, or null

@@ -1,5 +1,7 @@
 #include "truetype/writer/detail/glyph_index.h"
 
+#include <cstring>
+
 #include "truetype/detail/c_buffer.h"
 
 namespace ulm::truetype::detail {
@@ -33,22 +35,33 @@ bool GlyphIndex::readList(const TTList& list) noexcept {
     ++position;
     const std::uint32_t glyph = static_cast<const GlyphData*>(node->item)->glyphIndex;
     if (glyph >= kGlyphNumbers) continue;
-    if (!reserve()) {
+    GlyphEntry* entry = enter(glyph);
+    if (entry == nullptr) {
       forget();
       return false;
     }
-    GlyphEntry& entry = enter(glyph);
-    if (entry.recordPlusOne == 0) entry.recordPlusOne = position;
+    if (entry->recordPlusOne == 0) entry->recordPlusOne = position;
   }
-  followed_ = list.count;
-  last_ = list.last;
-  lastGlyph_ = lastGlyphOf(list);
+  noteEnd(list, lastGlyphOf(list));
   return true;
 }
 
 bool GlyphIndex::makeRoom(std::uint32_t entries, std::uint32_t pages) noexcept {
   return grow(entries_, entryCount_, entries, kGlyphNumbers, 1, entryCapacity_) &&
          grow(pages_, pageCount_, pages, kPages, kPageSize, pageCapacity_);
+}
+
+GlyphEntry* GlyphIndex::make(std::uint32_t glyph) noexcept {
+  const bool isFull = entryCount_ == entryCapacity_ || pageCount_ == pageCapacity_;
+  if (isFull && !makeRoom(1, 1)) return nullptr;
+  std::uint16_t& page = pageOf_[glyph / kPageSize];
+  if (page == 0) {
+    page = static_cast<std::uint16_t>(++pageCount_);
+    std::memset(pages_ + (page - 1) * kPageSize, 0, kPageSize * sizeof(std::uint16_t));
+  }
+  entries_[entryCount_] = {glyph, 0, 0, {}};
+  placeIn(page, glyph) = static_cast<std::uint16_t>(++entryCount_);
+  return &entries_[entryCount_ - 1];
 }
 
 void GlyphIndex::forget() noexcept {

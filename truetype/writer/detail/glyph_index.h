@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
 #include "truetype/font.h"
 #include "truetype/list.h"
@@ -24,8 +23,8 @@ struct OutlineCounts {
 };
 inline constexpr std::uint32_t kUnknownRecords = 0xFFFFFFFF;
 
-// What the index knows of a glyph number.
-struct GlyphEntry {
+// What the index knows of a glyph number. Its size is a power of 2.
+struct alignas(16) GlyphEntry {
   std::uint32_t glyph;
   std::uint32_t recordPlusOne;  // the place of its first record in the list; 0 for none
   std::uint32_t visitedIn;      // a round; 0 never
@@ -69,15 +68,25 @@ class GlyphIndex {
 
   // Room for about as many glyph numbers at once; false without memory.
   bool expect(std::uint32_t count) noexcept { return makeRoom(count, count / 8 + 1); }
-  // Room for one more, so that the next add or enter can't fail. Entries move.
-  bool reserve() noexcept {
-    return (entryCount_ < entryCapacity_ && pageCount_ < pageCapacity_) || makeRoom(1, 1);
+  // The glyph's entry, made if there is none, which may move the others; null without memory. The
+  // number is below kGlyphNumbers.
+  GlyphEntry* enter(std::uint32_t glyph) noexcept {
+    const std::uint32_t page = pageOf_[glyph / kPageSize];
+    const std::uint32_t place = page == 0 ? 0 : placeIn(page, glyph);
+    return place != 0 ? &entries_[place - 1] : make(glyph);
   }
-  // The glyph's entry, made if there is none. The number is below kGlyphNumbers.
-  GlyphEntry& enter(std::uint32_t glyph) noexcept;
-  // The list has just got a record of this number, which may be any, at its end. Its entry, or null
-  // for a number that is in no font.
-  GlyphEntry* add(const TTList& list, std::uint32_t glyph) noexcept;
+  // An entry's place among them, which stays as it is, and back.
+  std::uint32_t placeOf(const GlyphEntry& entry) const noexcept {
+    return static_cast<std::uint32_t>(&entry - entries_);
+  }
+  GlyphEntry& at(std::uint32_t place) noexcept { return entries_[place]; }
+
+  // The list has just got a record of this number at its end; it has that entry, or none where it
+  // is in no font.
+  void added(const TTList& list, std::uint32_t glyph, GlyphEntry* entry) noexcept {
+    noteEnd(list, glyph);
+    if (entry != nullptr && entry->recordPlusOne == 0) entry->recordPlusOne = list.count;
+  }
   // Marks the entry, without counts; false where it was marked before.
   bool visit(GlyphEntry& entry) const noexcept;
   // To be read anew; what was visited may rest on records that the list has lost.
@@ -90,8 +99,17 @@ class GlyphIndex {
   static std::uint32_t lastGlyphOf(const TTList& list) noexcept {
     return list.last == nullptr ? 0 : static_cast<const GlyphData*>(list.last->item)->glyphIndex;
   }
+  void noteEnd(const TTList& list, std::uint32_t lastGlyph) noexcept {
+    followed_ = list.count;
+    last_ = list.last;
+    lastGlyph_ = lastGlyph;
+  }
   bool readList(const TTList& list) noexcept;
   bool makeRoom(std::uint32_t entries, std::uint32_t pages) noexcept;
+  GlyphEntry* make(std::uint32_t glyph) noexcept;
+  std::uint16_t& placeIn(std::uint32_t page, std::uint32_t glyph) const noexcept {
+    return pages_[(page - 1) * kPageSize + glyph % kPageSize];
+  }
 
   static constexpr std::uint32_t kPageSize = 32;
   static constexpr std::uint32_t kPages = (kGlyphNumbers + kPageSize - 1) / kPageSize;
@@ -110,30 +128,6 @@ class GlyphIndex {
   const std::uint8_t* image_ = nullptr;
 };
 
-inline GlyphEntry& GlyphIndex::enter(std::uint32_t glyph) noexcept {
-  std::uint16_t& page = pageOf_[glyph / kPageSize];
-  if (page == 0) {
-    page = static_cast<std::uint16_t>(++pageCount_);
-    std::memset(pages_ + (page - 1) * kPageSize, 0, kPageSize * sizeof(std::uint16_t));
-  }
-  std::uint16_t& place = pages_[(page - 1) * kPageSize + glyph % kPageSize];
-  if (place == 0) {
-    place = static_cast<std::uint16_t>(++entryCount_);
-    entries_[place - 1] = {glyph, 0, 0, {}};
-  }
-  return entries_[place - 1];
-}
-
-inline GlyphEntry* GlyphIndex::add(const TTList& list, std::uint32_t glyph) noexcept {
-  followed_ = list.count;
-  last_ = list.last;
-  lastGlyph_ = glyph;
-  if (glyph >= kGlyphNumbers) return nullptr;
-  GlyphEntry& entry = enter(glyph);
-  if (entry.recordPlusOne == 0) entry.recordPlusOne = list.count;
-  return &entry;
-}
-
 inline bool GlyphIndex::visit(GlyphEntry& entry) const noexcept {
   if (entry.visitedIn == round_) return false;
   entry.visitedIn = round_;
@@ -144,8 +138,7 @@ inline bool GlyphIndex::visit(GlyphEntry& entry) const noexcept {
 inline std::uint32_t GlyphIndex::find(std::uint32_t glyph) const noexcept {
   if (glyph >= kGlyphNumbers) return kNoRecordIndex;
   const std::uint32_t page = pageOf_[glyph / kPageSize];
-  if (page == 0) return kNoRecordIndex;
-  const std::uint32_t place = pages_[(page - 1) * kPageSize + glyph % kPageSize];
+  const std::uint32_t place = page == 0 ? 0 : placeIn(page, glyph);
   return place == 0 ? kNoRecordIndex : entries_[place - 1].record();
 }
 

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "truetype/bytes.h"
+#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
 #include "truetype/list.h"
 #include "truetype/writer/detail/big_endian.h"
@@ -69,13 +70,15 @@ WriterTable* adoptRawTable(std::uint32_t tag, std::uint32_t length,
                            CBuffer<std::uint8_t> bytes) noexcept;
 
 // A glyf table that borrows from the font, which is to outlive it; to be filled from that by
-// addFontGlyph alone. It has no list operations but to walk over it. Room for `glyphs` is made at
+// addFontGlyphs alone. It has no list operations but to walk over it. Room for `glyphs` is made at
 // once. A composite that is added again has no counts: its first record has them.
 WriterTable* createBorrowingGlyfTable(const TrueTypeFont& font, std::uint32_t glyphs) noexcept;
-// addGlyph of the glyph's own data to a borrowing table, which on failure is to be disposed of.
-// kNoGlyph where there is none, kGlyphTooLarge where it is.
-std::int32_t addFontGlyph(WriterTable* glyfTable, const TrueTypeFont& font,
-                          std::uint32_t glyphIndex) noexcept;
+// addGlyph of each glyph's own data to a borrowing table. newIndices receives the results, kNoGlyph
+// too where there is no glyph, and once the table has more than 65,535. 0, or the first of the
+// other failures; then the table is to be disposed of.
+std::int32_t addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
+                           const std::uint16_t* glyphIds, std::size_t count,
+                           std::int32_t* newIndices) noexcept;
 
 // The bytes of a glyf table's image, which are one glyph after the other.
 std::uint64_t glyfLength(const TTList& glyphs) noexcept;
@@ -92,6 +95,11 @@ WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept;
 
 // As getTableImage.
 WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept;
+
+// Copies a glyph, filled up to an even length by a zero.
+void copyEven(ByteView bytes, std::uint8_t* out) noexcept;
+// Whether a glyph that describeGlyph refuses has more bytes than a record can tell.
+bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept;
 
 // Makes the references of a composite those of the new font: to the first records of the glyphs, or
 // to `absent` where one has none, which gives false.
