@@ -101,8 +101,8 @@ std::int32_t addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
     } else if (isFirst) {
       const std::int32_t failure = walk.run(entry, record);
       if (failure != 0) return failure;
-    } else if (!renumberComponents(*record, index, 0)) {
-      table.lateReferences = true;
+    } else {
+      renumberComponents(*record, index, 0);  // what is absent the first one has told
     }
   }
   return 0;

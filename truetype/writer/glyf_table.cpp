@@ -123,21 +123,18 @@ bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
   return next >= start && next - start >= 0xFFFF && glyphView(font, glyphIndex).size() >= 0xFFFF;
 }
 
-bool renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
+void renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
                         std::uint32_t absent) noexcept {
   const ByteView data(glyph.data, glyph.byteCount);
-  bool all = true;
   std::uint16_t flags = kMoreComponents;
   std::size_t record = kFirstComponent;
   for (; (flags & kMoreComponents) != 0; record += componentSize(flags)) {
-    if (!data.holds(record, 4)) break;
+    if (!data.holds(record, 4)) return;
     const auto head = data.readHeld<std::uint32_t>(record);
     flags = static_cast<std::uint16_t>(head >> 16);
     const std::uint32_t place = index.find(head & 0xFFFF);
-    all = all && place != kNoRecordIndex;
     put16(glyph.data, record + 2, place == kNoRecordIndex ? absent : place);
   }
-  return all;
 }
 
 void renumberGlyphs(GlyfPayload& payload) noexcept {

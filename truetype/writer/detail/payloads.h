@@ -102,8 +102,8 @@ void copyEven(ByteView bytes, std::uint8_t* out) noexcept;
 bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept;
 
 // Makes the references of a composite those of the new font: to the first records of the glyphs, or
-// to `absent` where one has none, which gives false.
-bool renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
+// to `absent` where one has none.
+void renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
                         std::uint32_t absent) noexcept;
 // The same of a whole table, each glyph of which is as it was in the font.
 void renumberGlyphs(GlyfPayload& payload) noexcept;
