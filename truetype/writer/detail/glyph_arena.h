@@ -28,7 +28,7 @@ class GlyphArena {
     if (blocks_ == nullptr || room > blocks_->left) {
       // A large piece has a block of its own, behind the present one, whose rest is not wasted.
       const bool isLarge = room > kMostBlock / 8;
-      Block* block = makeBlock(isLarge ? room : nextBlock_);
+      Block* block = makeBlock(isLarge || room > nextBlock_ ? room : nextBlock_);
       if (block == nullptr) return nullptr;
       if (isLarge && blocks_ != nullptr) {
         block->left = 0;
@@ -52,8 +52,7 @@ class GlyphArena {
     Block* next;
     std::size_t left;  // bytes not yet handed out, at the block's front
   };
-  // A piece that is not large fits any block.
-  static constexpr std::size_t kFirstBlock = std::size_t{1} << 13;
+  static constexpr std::size_t kFirstBlock = std::size_t{1} << 11;
   static constexpr std::size_t kMostBlock = std::size_t{1} << 16;
 
   static constexpr std::size_t roomOf(std::size_t bytes) noexcept {
