@@ -85,7 +85,7 @@ std::uint8_t* bytesOf(WriterTable* table) noexcept {
 
 }  // namespace
 
-WriterResult prepareGlyphTables(TrueTypeWriter* writer) noexcept {
+WriterResult prepareGlyphTables(TrueTypeWriter* writer, std::uint32_t* outBytes) noexcept {
   WriterTable* glyf = findWriterTable(writer, kTagGlyf);
   WriterTable* head = findWriterTable(writer, kTagHead);
   WriterTable* maxp = findWriterTable(writer, kTagMaxp);
@@ -108,6 +108,7 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer) noexcept {
   totals.read(glyphs, offsets.get(), metrics.get());
   if (totals.allLengths % 2 != 0) return WriterResultBadTable;
   if (totals.bytes > UINT32_MAX) return WriterResultFileTooLarge;
+  *outBytes = static_cast<std::uint32_t>(totals.bytes);
   GlyphExtent extent = payload.extent;
   if (payload.store == nullptr) {
     // What has been done to the list between two glyphs can't be seen at its end.

@@ -36,14 +36,16 @@ struct Entry {
   std::uint32_t place;
 };
 
-// Glyphs go straight to the file: no other table is as large.
-WriterResult makeEntry(WriterTable* table, Entry& entry) noexcept {
+// Glyphs go straight to the file: no other table is as large. Those of `glyf` have `glyfLength`
+// bytes.
+WriterResult makeEntry(WriterTable* table, const WriterTable* glyf, std::uint64_t glyfLength,
+                       Entry& entry) noexcept {
   entry.glyphs = nullptr;
   if (table->tag != kTagGlyf) return detail::makeTableImage(table, &entry.image);
   std::free(table->image);
   table->image = nullptr;
   entry.glyphs = detail::listOf(table);
-  const std::uint64_t length = detail::glyfLength(*entry.glyphs);
+  const std::uint64_t length = table == glyf ? glyfLength : detail::glyfLength(*entry.glyphs);
   if (entry.glyphs->count == 0) return WriterResultEmptyTable;
   if (detail::padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
   entry.image = {nullptr, static_cast<std::uint32_t>(length), kTagGlyf};
@@ -152,8 +154,10 @@ WriterTable* findWriterTable(const TrueTypeWriter* writer, std::uint32_t tag) no
 WriterResult assembleFont(TrueTypeWriter* writer, std::uint8_t** outImage,
                           std::uint32_t* outLength) noexcept {
   if (listIsEmpty(writer->tables) != 0) return WriterResultBadTable;
-  const WriterResult prepared = detail::prepareGlyphTables(writer);
+  std::uint32_t glyfLength = 0;
+  const WriterResult prepared = detail::prepareGlyphTables(writer, &glyfLength);
   if (prepared != WriterResultOk) return prepared;
+  const WriterTable* glyf = findWriterTable(writer, kTagGlyf);
 
   const std::uint32_t count = listCount(writer->tables);
   const CBuffer<Entry> entries = detail::makeBuffer<Entry>(count);
@@ -163,7 +167,8 @@ WriterResult assembleFont(TrueTypeWriter* writer, std::uint8_t** outImage,
   for (const TTListNode* node = writer->tables->first; node != nullptr; node = node->next) {
     Entry& entry = entries[place];
     entry.place = place++;
-    const WriterResult made = makeEntry(static_cast<WriterTable*>(node->item), entry);
+    const WriterResult made =
+        makeEntry(static_cast<WriterTable*>(node->item), glyf, glyfLength, entry);
     if (made != WriterResultOk) return made;
     length += detail::padded(entry.image.length);
   }
