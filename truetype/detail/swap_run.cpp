@@ -2,7 +2,8 @@
 
 #include "truetype/bytes.h"
 
-#if defined(__x86_64__) && defined(__GNUC__)
+// Not where vectors go over the stack on Windows, which the compiler does not align for them.
+#if defined(__x86_64__) && defined(__GNUC__) && (defined(__OPTIMIZE__) || !defined(_WIN32))
 #define ULM_SWAP_BY_SHUFFLE
 #include <immintrin.h>
 #endif
