@@ -57,7 +57,7 @@ GlyphEntry* GlyphIndex::make(std::uint32_t glyph) noexcept {
   std::uint16_t& page = pageOf_[glyph / kPageSize];
   if (page == 0) {
     page = static_cast<std::uint16_t>(++pageCount_);
-    std::memset(pages_ + (page - 1) * kPageSize, 0, kPageSize * sizeof(std::uint16_t));
+    std::memset(&placeIn(page, 0), 0, kPageSize * sizeof(std::uint16_t));
   }
   entries_[entryCount_] = {glyph, 0, 0, {}};
   placeIn(page, glyph) = static_cast<std::uint16_t>(++entryCount_);
