@@ -100,7 +100,7 @@ void startAndStop(OdRxModule* object, RunReport& report) {
 // Gives the whole name of the library, which is unloaded again.
 std::wstring liveOnce(const std::string& file, RunReport& report) {
   const LoadedLibrary module(file);
-  const std::wstring fullName = moduleName(module.get());
+  std::wstring fullName = moduleName(module.get());
   const auto need = [&](auto* entry, const char* name) {
     if (entry == nullptr) throw RunError(file + " lacks the entry " + name);
     return entry;

@@ -72,10 +72,10 @@ Json tablesOf(const FontFile& font) {
   Json tables = Json::object();
   const std::uint8_t* directory = font->image + font->directoryOffset + 12;
   for (std::uint32_t i = 0; i < font->tableCount; ++i) {
+    const std::uint8_t* entry = directory + std::size_t{16} * i;
     std::string tag;
-    for (std::size_t c = 0; c < 4; ++c) tag += encodeUtf8(directory[16 * i + c]);
-    tables[tag] = {{"offset", readUInt32(directory, 16 * i + 8)},
-                   {"length", readUInt32(directory, 16 * i + 12)}};
+    for (std::size_t c = 0; c < 4; ++c) tag += encodeUtf8(entry[c]);
+    tables[tag] = {{"offset", readUInt32(entry, 8)}, {"length", readUInt32(entry, 12)}};
   }
   return tables;
 }
