@@ -384,8 +384,9 @@ TEST(Subset, EqualsTheWriterByHand) {
         glyphs.push_back(made);
       }
     }
-    const OpenFont font(
-        FontImage().glyphs(glyphs).longMetrics("hhea", "hmtx", 1, Bytes().u16({5, 6})));
+    FontImage image;
+    image.glyphs(glyphs).longMetrics("hhea", "hmtx", 1, Bytes().u16({5, 6}));
+    const OpenFont font(round % 2 == 0 ? image : image.last("glyf"));
     Request request;
     if (round == 0) request.glyphs = {99, 2999, 2500, 149, 2990};
     for (unsigned left = 1 + random() % 8; left > 0; --left) {

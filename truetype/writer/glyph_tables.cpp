@@ -17,7 +17,8 @@ void raise(std::uint16_t& most, std::uint16_t value) noexcept {
 
 // What the glyphs come to, read in one pass over them.
 struct Totals {
-  std::uint64_t bytes = 0;
+  std::uint32_t bytes = 0;
+  static_assert(std::uint64_t{kMostGlyphs} * 0xFFFF <= UINT32_MAX);
   std::uint16_t points = 0, contours = 0, compositePoints = 0, compositeContours = 0;
   // Glyphs from here on have the advance of the last one, which is stored once.
   std::uint32_t longMetrics = 1;
@@ -29,7 +30,7 @@ struct Totals {
     std::uint16_t advance = 0;
     for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next, ++place) {
       const auto& glyph = *static_cast<const GlyphData*>(node->item);
-      offsets[place] = static_cast<std::uint32_t>(bytes);
+      offsets[place] = bytes;
       bytes += glyph.byteCount;
       allLengths |= glyph.byteCount;
       put32(metrics, std::size_t{4} * place,
@@ -40,7 +41,7 @@ struct Totals {
       raise(glyph.isComposite == 0 ? points : compositePoints, glyph.pointCount);
       raise(glyph.isComposite == 0 ? contours : compositeContours, glyph.contourCount);
     }
-    offsets[place] = static_cast<std::uint32_t>(bytes);
+    offsets[place] = bytes;
     if (glyphs.count < 3) longMetrics = glyphs.count;
   }
 };
@@ -107,8 +108,7 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer, std::uint32_t* outBytes)
   Totals totals;
   totals.read(glyphs, offsets.get(), metrics.get());
   if (totals.allLengths % 2 != 0) return WriterResultBadTable;
-  if (totals.bytes > UINT32_MAX) return WriterResultFileTooLarge;
-  *outBytes = static_cast<std::uint32_t>(totals.bytes);
+  *outBytes = totals.bytes;
   GlyphExtent extent = payload.extent;
   if (payload.store == nullptr) {
     // What has been done to the list between two glyphs can't be seen at its end.

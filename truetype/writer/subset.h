@@ -33,6 +33,7 @@ enum SubsetFlag : std::uint32_t {
 // font the rest of the list counts as glyphs that could not be taken, and the result is
 // WriterResultTooManyGlyphs. glyphIds is replaced before WriterResultNoData and before whatever the
 // assembly refuses; it is as it was where memory ran out, or a glyph was too large, before that.
+// The counts in maxp are those of addGlyph's records.
 // Time grows with the bytes that are taken, the glyphs and their components; of a damaged outline
 // that runs on past its own bytes, also with how far.
 WriterResult createTrueTypeSubset(const TrueTypeFont* font, std::uint8_t** outImage,

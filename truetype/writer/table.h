@@ -104,8 +104,9 @@ void addCharMapping(WriterTable* cmapTable, std::uint32_t charCode, std::uint32_
 inline constexpr std::int32_t kNoGlyph = -1;  // `glyph` is null
 inline constexpr std::int32_t kGlyphNoMemory = -2;
 inline constexpr std::int32_t kGlyphTooLarge = -3;  // a component of 65,535 bytes or more
-// Components get the counts of getGlyphData, but for composites on a cycle, which draw on
-// themselves: beyond 256 of those in a table they are 0.
+// Components get the counts of getGlyphData, but for composites that draw on a cycle of components:
+// beyond 256 of those in a table they are 0. The number 0xFFFF is in no font, and a reference to it
+// finds no record.
 // Time grows with the component records not seen in earlier calls for the same font. `byteCount` is
 // even; `font` stays open until the table has all its glyphs.
 std::int32_t addGlyph(WriterTable* glyfTable, GlyphData* glyph, const TrueTypeFont* font) noexcept;

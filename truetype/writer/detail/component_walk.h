@@ -21,9 +21,10 @@ inline OutlineCounts plainCounts(const SimpleShape& shape) noexcept {
           static_cast<std::uint16_t>(shape.contours)};
 }
 
-// Counts are unknown on a cycle of components alone, where they differ with the glyph that the walk
-// begins with. They are the reader's work then, up to its bounds for each glyph, and so for a few
-// glyphs only: the rest count as empty. False without memory. `record` may be null.
+// Counts are unknown where a cycle of components is drawn on, since on that they differ with the
+// glyph that the walk begins with. They are the reader's work then, up to its bounds for each
+// glyph, and so for a few glyphs only: the rest count as empty. False without memory. `record` may
+// be null.
 inline bool giveCounts(GlyfPayload& table, const TrueTypeFont& font, const OutlineCounts& counts,
                        GlyphData* record) noexcept {
   constexpr std::uint32_t kMostCycles = 256;
@@ -42,8 +43,8 @@ inline bool giveCounts(GlyfPayload& table, const TrueTypeFont& font, const Outli
 // Visits the components of a glyph in the order of first use, and theirs before the next, each
 // glyph number once: what a visited one draws on is in the table or on its way, so that a second
 // walk would add nothing that the table does not have by then. So the records come in the order in
-// which collectGlyphComponents would first list their glyphs. On the way back it counts the
-// outlines.
+// which collectGlyphComponents would first list their glyphs, had it no bound. On the way back it
+// counts the outlines.
 //
 // An Adder has these for the glyphs that the table lacks:
 //   std::int32_t append(GlyphEntry& entry)   the record of that glyph, at the end of the list: its
@@ -69,6 +70,10 @@ class ComponentWalk {
       while (now_.next != kNoRecord && now_.glyph.holds(now_.next, 4)) {
         const std::int32_t failure = step();
         if (failure != 0) return failure;
+      }
+      // A record that its padding alone makes whole is one in the new font, and none in this.
+      if (now_.next != kNoRecord && now_.next + 4 == now_.referencesEnd) {
+        table_.lateReferences = true;
       }
       const OutlineCounts counts = now_.sums.total(now_.cut || now_.next != kNoRecord);
       if (!giveCounts(table_, font_, counts, now_.record)) return kGlyphNoMemory;
