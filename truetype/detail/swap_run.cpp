@@ -2,8 +2,8 @@
 
 #include "truetype/bytes.h"
 
-// Not in a build for Windows without optimisation, where vectors go over a stack that is not aligned
-// for them.
+// Not in a build for Windows without optimisation, where vectors go over a stack that is not
+// aligned for them.
 #if defined(__x86_64__) && defined(__GNUC__) && (defined(__OPTIMIZE__) || !defined(_WIN32))
 #define ULM_SWAP_BY_SHUFFLE
 #include <immintrin.h>
