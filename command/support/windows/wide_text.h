@@ -1,9 +1,15 @@
 // UTF-8 and the system's wide text.
 #pragma once
 
-#include <string>
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
 
-#include "hostsdk/win32/win32.h"
+#include <string>
 
 namespace ulm::tools {
 
