@@ -1,6 +1,6 @@
 #include "module/functional_modules.h"
 
-#include "hostsdk/hostcmd/lang_engine_man.h"
+#include "hostsdk/hostcmd/hostcmd.h"
 #include "module/glue/exceptions.h"
 
 bool loadFunctionalModules() {

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "hostsdk/odrx/export.h"
+#include "hostsdk/export.h"
 
 // `bytes` bytes, aligned for any type of the language up to 16 bytes; null where there is no
 // memory. A size of 0 gives a block of its own as well. Any thread may call.

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "hostsdk/odrx/export.h"
+#include "hostsdk/export.h"
 #include "hostsdk/odrx/od_error.h"
 
 // What stands before the elements of a buffer.

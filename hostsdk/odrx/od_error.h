@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <exception>
 
-#include "hostsdk/odrx/export.h"
+#include "hostsdk/export.h"
 
 // Result codes; a host knows them by number.
 inline constexpr std::int32_t kOdResultNoMemory = 9;

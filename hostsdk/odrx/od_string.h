@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "hostsdk/odrx/export.h"
+#include "hostsdk/export.h"
 
 class ULM_ODRX_CLASS OdString {
  public:

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "hostsdk/odrx/export.h"
+#include "hostsdk/export.h"
 #include "hostsdk/odrx/od_string.h"
 #include "hostsdk/win32/win32.h"
 

@@ -6,7 +6,7 @@
 
 #include "core/iface/iheap.h"
 #include "core/iface/iparam.h"
-#include "hostsdk/qlcore/export.h"
+#include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
 // An empty keyed set in memory, with one reference for the caller; null where there is no memory.

@@ -5,7 +5,7 @@
 // memory, and then the string is as it was.
 #pragma once
 
-#include "hostsdk/qlcore/export.h"
+#include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
 class ULM_QLCORE_CLASS CXString {

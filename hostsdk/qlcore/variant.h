@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "hostsdk/qlcore/export.h"
+#include "hostsdk/export.h"
 #include "hostsdk/qlcore/strings.h"
 #include "hostsdk/win32/win32.h"
 

@@ -40,7 +40,8 @@
 #include <cstdint>
 #include <cwchar>
 
-#define ULM_WIN32_API extern "C" [[gnu::visibility("default")]]
+#include "hostsdk/export.h"
+
 #define WINAPI
 
 using BOOL = std::int32_t;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "hostsdk/hostcmd/lang_engine_man.h"
+#include "hostsdk/hostcmd/hostcmd.h"
 
 struct HostcmdLoad {
   const wchar_t* file;

@@ -1,4 +1,4 @@
-#include "hostsdk/hostcmd/lang_engine_man.h"
+#include "hostsdk/hostcmd/hostcmd.h"
 
 #include <list>
 #include <string>

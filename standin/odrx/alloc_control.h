@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "hostsdk/odrx/export.h"
+#include "hostsdk/export.h"
 
 struct OdrxAllocCounts {
   std::uint64_t liveBlocks;  // blocks handed out and not given back

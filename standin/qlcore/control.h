@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <typeinfo>
 
-#include "hostsdk/qlcore/export.h"
+#include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
 // The .wld names given so far, in order; null beyond the end. Valid until the next Supp_AddWld.

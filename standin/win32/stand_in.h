@@ -6,14 +6,6 @@
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
-#ifdef _WIN32
-#ifdef ulmwin32_EXPORTS
-#define ULM_WIN32_API extern "C" ULM_EXPORT
-#else
-#define ULM_WIN32_API extern "C" __declspec(dllimport)
-#endif
-#endif
-
 // Opens a window of that class, which FindWindowW then finds; null for a null name and where memory
 // runs out. On Windows it is a message-only one, which needs no display.
 ULM_WIN32_API HWND ulmWin32OpenWindow(const wchar_t* className);
