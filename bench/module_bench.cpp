@@ -2,8 +2,8 @@
 #include <benchmark/benchmark.h>
 
 #include "module/entry.h"
-#include "platform/qlcore/control.h"
-#include "tools/host/host_calls.h"
+#include "standin/host/host_calls.h"
+#include "standin/qlcore/control.h"
 
 namespace {
 

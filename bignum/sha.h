@@ -11,7 +11,7 @@
 #include <cstdint>
 
 #include "bignum/digest.h"
-#include "platform/odrx/alloc.h"
+#include "hostsdk/odrx/alloc.h"
 
 namespace ulm::bignum {
 

@@ -5,7 +5,7 @@
 #include <new>
 
 #include "bignum/kernel/kernel.h"
-#include "platform/odrx/alloc.h"
+#include "hostsdk/odrx/alloc.h"
 
 namespace ulm::bignum {
 

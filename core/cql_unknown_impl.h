@@ -6,7 +6,7 @@
 #include <typeinfo>
 
 #include "core/iface/iql_unknown.h"
-#include "platform/odrx/alloc.h"
+#include "hostsdk/odrx/alloc.h"
 
 // Implements IQLUnknown for an interface T (or for IQLUnknown itself). The count is plain and
 // starts at 1, for the creator: an object belongs to one thread at a time. Objects are made with

@@ -13,9 +13,9 @@
 #include "core/cql_unknown_impl.h"
 #include "core/iface/iheap.h"
 #include "core/iface/iql_unknown.h"
+#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/qlcore/services.h"
 #include "module/glue/allocation.h"
-#include "platform/odrx/alloc.h"
-#include "platform/qlcore/services.h"
 
 // The links of a node. The chain is a circle: the tail's next is the head, the head's previous the
 // tail. A walk ends by comparing with the tail.

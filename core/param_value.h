@@ -5,8 +5,8 @@
 #include <type_traits>
 
 #include "core/iface/iparam.h"
-#include "platform/qlcore/strings.h"
-#include "platform/qlcore/variant.h"
+#include "hostsdk/qlcore/strings.h"
+#include "hostsdk/qlcore/variant.h"
 
 namespace ulm::core {
 

@@ -1,8 +1,8 @@
 // The wide string of a string number: each library loads from its own resources.
 #pragma once
 
+#include "hostsdk/qlcore/strings.h"
 #include "module/glue/instance.h"
-#include "platform/qlcore/strings.h"
 
 inline CXStringW::CXStringW(UINT number) {
   Init();

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "platform/qlcore/services.h"
-#include "platform/win32/win32.h"
+#include "hostsdk/qlcore/services.h"
+#include "hostsdk/win32/win32.h"
 
 namespace ulm::core {
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
+#include "hostsdk/export.h"
 #include "module/main_module.h"
-#include "platform/win32/export.h"
 
 // Writes the API version of the runtime that the library was built against: 21, 8, 0, 0.
 extern "C" ULM_EXPORT void odrxGetAPIVersion(std::uint32_t* major, std::uint32_t* minor,

@@ -1,7 +1,7 @@
 #include "module/functional_modules.h"
 
+#include "hostsdk/hostcmd/hostcmd.h"
 #include "module/glue/exceptions.h"
-#include "platform/hostcmd/lang_engine_man.h"
 
 bool loadFunctionalModules() {
   try {

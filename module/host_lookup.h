@@ -10,7 +10,7 @@
 
 #include "core/iface/app.h"
 #include "core/iface/host_object.h"
-#include "platform/win32/win32.h"
+#include "hostsdk/win32/win32.h"
 
 // The application, with one reference for the caller. The first of these decides:
 //   1. `QlHostApp.dll`, when it is in the process and exports `GetApp`;

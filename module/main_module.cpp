@@ -1,10 +1,10 @@
 #include "module/main_module.h"
 
+#include "hostsdk/qlcore/services.h"
 #include "module/functional_modules.h"
 #include "module/product.h"
 #include "module/product_identity.h"
 #include "module/search_path.h"
-#include "platform/qlcore/services.h"
 
 bool ULMMainModule::initApp() {
   publishProductIdentity();

@@ -1,8 +1,8 @@
 // The product's one module object.
 #pragma once
 
-#include "platform/odrx/rx_object.h"
-#include "platform/odrx/win32_module.h"
+#include "hostsdk/odrx/rx_object.h"
+#include "hostsdk/odrx/win32_module.h"
 
 // Its start and stop. It has no state: what a start does stands outside it, and nothing here reads
 // whether a start succeeded.

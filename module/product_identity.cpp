@@ -6,10 +6,10 @@
 #include "core/iface_holder.h"
 #include "core/param_value.h"
 #include "core/query_checked.h"
+#include "hostsdk/qlcore/services.h"
 #include "module/glue/instance.h"
 #include "module/host_lookup.h"
 #include "module/product.h"
-#include "platform/qlcore/services.h"
 
 namespace {
 

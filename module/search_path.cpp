@@ -3,9 +3,9 @@
 #include <cwchar>
 #include <string_view>
 
+#include "hostsdk/qlcore/strings.h"
+#include "hostsdk/win32/win32.h"
 #include "module/glue/instance.h"
-#include "platform/qlcore/strings.h"
-#include "platform/win32/win32.h"
 
 namespace {
 

@@ -41,8 +41,8 @@ quietly cmake --preset gcc
 quietly cmake --build --preset gcc
 
 echo "== windows: testing"
-python3 tools/checks/windows_library.py build/windows/bin/ULM_Main.dll
+python3 tests/structure/windows_library.py build/windows/bin/ULM_Main.dll
 trap 'rm -f "$log"; WINEPREFIX=$PWD/build/wine wineserver -k || true' EXIT
-python3 tools/checks/windows_tests.py build/gcc build/windows
+python3 tests/structure/windows_tests.py build/gcc build/windows
 # Rarely Wine fails to start a program, which then has printed nothing: one that failed has another go.
 ctest --preset windows --repeat until-pass:3

@@ -11,7 +11,7 @@
 #include <new>
 #include <utility>
 
-#include "platform/odrx/alloc.h"
+#include "hostsdk/odrx/alloc.h"
 
 namespace ulm::glue {
 

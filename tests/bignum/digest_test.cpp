@@ -13,7 +13,7 @@
 #include "bignum/detail/sha_transform.h"
 #include "bignum/sha.h"
 #include "bignum/text.h"
-#include "platform/odrx/alloc_control.h"
+#include "standin/odrx/alloc_control.h"
 #include "tests/bignum/sha_model.h"
 #include "tests/support/table_place.h"
 #include "tests/support/vector_blocks.h"

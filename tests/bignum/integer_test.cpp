@@ -12,7 +12,7 @@
 
 #include "bignum/constants.h"
 #include "bignum/number_theory.h"
-#include "platform/odrx/alloc_control.h"
+#include "standin/odrx/alloc_control.h"
 #include "tests/bignum/operands.h"
 
 namespace ulm::bignum::test {

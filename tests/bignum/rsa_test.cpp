@@ -10,7 +10,7 @@
 
 #include "bignum/rsa.h"
 #include "bignum/text.h"
-#include "platform/odrx/alloc_control.h"
+#include "standin/odrx/alloc_control.h"
 #include "tests/support/table_place.h"
 #include "tests/support/vector_blocks.h"
 

@@ -10,7 +10,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
-#include "platform/odrx/alloc_control.h"
+#include "standin/odrx/alloc_control.h"
 #include "tests/bignum/operands.h"
 #include "tests/support/vector_blocks.h"
 

@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "platform/odrx/alloc_control.h"
+#include "standin/odrx/alloc_control.h"
 
 namespace ulm::clip {
 namespace {

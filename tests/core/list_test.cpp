@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/list.h"
-#include "platform/odrx/alloc_control.h"
+#include "standin/odrx/alloc_control.h"
 
 namespace {
 

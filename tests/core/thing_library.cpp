@@ -1,8 +1,8 @@
 #include "core/cql_unknown_impl.h"
 #include "core/iface_holder.h"
 #include "core/query_checked.h"
+#include "hostsdk/export.h"
 #include "module/glue/allocation.h"
-#include "platform/win32/export.h"
 #include "tests/core/thing.h"
 
 namespace {

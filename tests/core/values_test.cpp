@@ -11,9 +11,9 @@
 #include "core/param_value.h"
 #include "core/string_number.h"
 #include "core/wide_text.h"
-#include "platform/odrx/alloc_control.h"
-#include "platform/qlcore/control.h"
-#include "platform/qlcore/services.h"
+#include "hostsdk/qlcore/services.h"
+#include "standin/odrx/alloc_control.h"
+#include "standin/qlcore/control.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // A library under a host's name with none of its exports, but with a string table of its own.
-#include "platform/win32/resource_block.h"
+#include "hostsdk/win32/resource_block.h"
 
 namespace {
 

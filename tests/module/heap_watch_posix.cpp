@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <new>
 
-#include "platform/odrx/alloc.h"
-#include "platform/odrx/alloc_control.h"
+#include "hostsdk/odrx/alloc.h"
+#include "standin/odrx/alloc_control.h"
 #include "tests/module/heap_watch.h"
 
 namespace {

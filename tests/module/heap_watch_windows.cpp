@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/odrx/alloc.h"
-#include "platform/odrx/alloc_control.h"
-#include "platform/win32/win32.h"
+#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/win32/win32.h"
+#include "standin/odrx/alloc_control.h"
 #include "tests/module/heap_watch.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/win32/win32.h"
+#include "hostsdk/win32/win32.h"
 
 namespace {
 

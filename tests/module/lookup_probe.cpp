@@ -5,15 +5,15 @@
 #include <typeinfo>
 
 #include "core/iface/app.h"
+#include "hostsdk/export.h"
+#include "hostsdk/win32/win32.h"
 #include "module/glue/debug_switches.h"
 #include "module/glue/exceptions.h"
 #include "module/glue/instance.h"
 #include "module/glue/procedure.h"
 #include "module/glue/translation.h"
 #include "module/host_lookup.h"
-#include "platform/win32/export.h"
-#include "platform/win32/stand_in.h"
-#include "platform/win32/win32.h"
+#include "standin/win32/stand_in.h"
 #include "tests/support/script.h"
 
 namespace {

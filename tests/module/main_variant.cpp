@@ -7,12 +7,12 @@
 #include <functional>
 #include <new>
 
+#include "hostsdk/export.h"
 #include "module/glue/instance.h"
 #include "module/glue/load_order.h"
 #include "module/glue/switch_flags.h"
-#include "platform/odrx/alloc_control.h"
-#include "platform/win32/export.h"
-#include "platform/win32/stand_in.h"
+#include "standin/odrx/alloc_control.h"
+#include "standin/win32/stand_in.h"
 
 // The sized forms, which some compilers declare only on request.
 void operator delete(void* block, std::size_t bytes) noexcept;

@@ -1,4 +1,4 @@
-#include "platform/win32/resource_block.h"
+#include "hostsdk/win32/resource_block.h"
 
 namespace {
 

@@ -7,19 +7,19 @@
 #include <string_view>
 #include <vector>
 
+#include "hostsdk/win32/win32.h"
 #include "module/entry.h"
 #include "module/glue/exceptions.h"
-#include "platform/hostapp/control.h"
-#include "platform/hostcmd/control.h"
-#include "platform/odrx/alloc_control.h"
-#include "platform/qlcore/control.h"
-#include "platform/win32/stand_in.h"
-#include "platform/win32/win32.h"
+#include "standin/host/host_calls.h"
+#include "standin/hostapp/control.h"
+#include "standin/hostcmd/control.h"
+#include "standin/odrx/alloc_control.h"
+#include "standin/qlcore/control.h"
+#include "standin/win32/stand_in.h"
 #include "tests/module/heap_watch.h"
 #include "tests/module/main_variant.h"
 #include "tests/support/script.h"
 #include "tests/support/system_names.h"
-#include "tools/host/host_calls.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "command/support/program.h"
 #include "tests/support/probe_rows.h"
 #include "tests/support/system_names.h"
-#include "tools/support/program.h"
 
 namespace {
 

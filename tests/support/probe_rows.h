@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "command/support/process.h"
 #include "tests/support/system_names.h"
-#include "tools/support/process.h"
 
 namespace ulm::test {
 

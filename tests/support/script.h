@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "tools/support/program.h"
+#include "command/support/program.h"
 
 namespace ulm::test {
 

@@ -17,9 +17,9 @@
 #include <random>
 #include <sstream>
 
+#include "command/support/process.h"
 #include "tests/support/font_image.h"
 #include "tests/truetype/subset_check.h"
-#include "tools/support/process.h"
 #include "truetype/reader/kerning.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include "bignum/integer.h"
 #include "clip/growable/polygon_array.h"
 #include "clip/segment.h"
-#include "platform/odrx/alloc.h"
+#include "hostsdk/odrx/alloc.h"
 #include "truetype/reader/open.h"
 
 int main() {

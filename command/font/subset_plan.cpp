@@ -1,0 +1,233 @@
+// From a user's list of characters or glyphs to glyphs and their codes.
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <numeric>
+#include <stdexcept>
+
+#include "command/font/subset.h"
+#include "command/support/program.h"
+
+namespace ulm::tools {
+namespace {
+
+constexpr std::uint32_t kFirstPrivate = 0xE000;
+constexpr std::uint32_t kLastPrivate = 0xF8FF;
+constexpr std::uint32_t kMostGlyphBytes = 65534;  // what a glyph's record can tell
+
+using Numbers = std::vector<std::uint32_t>;
+
+std::u32string textOfFile(const std::string& file) {
+  std::ifstream stream(fileNamed(file), std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+  if (!stream.is_open() || stream.bad()) throw std::runtime_error(file + ": cannot be read");
+  std::u32string text;
+  try {
+    text = decodeUtf8(bytes);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(file + ": " + error.what());
+  }
+  if (!text.empty() && text[0] == U'\uFEFF') text.erase(0, 1);
+  return text;
+}
+
+std::uint32_t numberOf(const std::string& word, int radix, std::uint32_t most) {
+  const char* digits = radix == 16 ? "0123456789abcdefABCDEF" : "0123456789";
+  if (!word.empty() && word.size() <= 8 && word.find_first_not_of(digits) == std::string::npos) {
+    const unsigned long value = std::stoul(word, nullptr, radix);
+    if (value <= most) return static_cast<std::uint32_t>(value);
+  }
+  throw std::runtime_error('"' + word + "\": no " +
+                           (radix == 16 ? "character (as U+0041)" : "glyph number"));
+}
+
+// Numbers and ranges of them, between commas or blanks; each number once, ascending.
+Numbers parseList(const std::string& list, int radix, std::uint32_t most) {
+  const auto parse = [&](std::string word) {
+    if (radix == 16 && word.size() > 2 && (word[0] == 'U' || word[0] == 'u') && word[1] == '+') {
+      word.erase(0, 2);
+    }
+    return numberOf(word, radix, most);
+  };
+  std::vector<bool> listed(most + std::size_t{1});
+  for (std::size_t end = 0, at = 0; at < list.size(); at = end + 1) {
+    end = std::min(list.find_first_of(", \t\r\n", at), list.size());
+    if (end == at) continue;
+    const std::string word = list.substr(at, end - at);
+    const std::size_t dash = word.find('-');
+    const std::uint32_t first = parse(word.substr(0, dash));
+    const std::uint32_t last = dash == std::string::npos ? first : parse(word.substr(dash + 1));
+    if (last < first) throw std::runtime_error('"' + word + "\": a range that runs backwards");
+    std::fill(listed.begin() + first, listed.begin() + last + 1, true);
+  }
+  Numbers numbers;
+  for (std::uint32_t number = 0; number <= most; ++number) {
+    if (listed[number]) numbers.push_back(number);
+  }
+  return numbers;
+}
+
+// Ascending numbers, long runs of neighbours as their ends.
+std::string told(const Numbers& numbers, std::string (*name)(std::uint32_t)) {
+  constexpr std::size_t kLongRun = 16;
+  std::string text;
+  for (std::size_t i = 0; i < numbers.size();) {
+    std::size_t run = 1;
+    while (i + run < numbers.size() && numbers[i + run] == numbers[i] + run) ++run;
+    text += ' ' + name(numbers[i]);
+    if (run > kLongRun) text += '-' + name(numbers[i + run - 1]);
+    i += run > kLongRun ? run : 1;
+  }
+  return text;
+}
+std::string characterName(std::uint32_t code) { return codeName(code); }
+std::string glyphName(std::uint32_t glyph) { return std::to_string(glyph); }
+
+// 0xFFFF closes every character map of the new font's kind, and 0 is .notdef's.
+std::uint16_t glyphOfCode(const FontFile& font, std::uint32_t code) {
+  return code == 0 || code >= 0xFFFF ? std::uint16_t{0} : font.glyphOf(code);
+}
+
+// That the writer finds bytes for it: the font has it, and its place in glyf makes sense.
+bool canBeTaken(const FontFile& font, std::uint32_t glyph) {
+  if (glyph >= font->numGlyphs) return false;
+  const std::uint32_t begin = font->glyphOffsets[glyph], end = font->glyphOffsets[glyph + 1];
+  return begin <= end && end - begin <= kMostGlyphBytes;
+}
+
+class Planner {
+ public:
+  explicit Planner(const FontFile& font) : font_(font) {
+    if (!canBeTaken(font, 0)) throw std::runtime_error("the font's glyph 0, .notdef, is damaged");
+    plan_.glyphs.push_back(0);
+    plan_.codes.push_back(0);
+  }
+
+  void takeCharacters(const Numbers& codes) {
+    Numbers unmapped, beyond, damaged;
+    for (const std::uint32_t code : codes) {
+      const std::uint16_t glyph = glyphOfCode(font_, code);
+      if (code > 0xFFFF) {
+        beyond.push_back(code);
+      } else if (glyph == 0) {
+        unmapped.push_back(code);
+      } else if (!canBeTaken(font_, glyph)) {
+        damaged.push_back(code);
+      } else {
+        add(code, glyph);
+      }
+    }
+    leaveOut("not mapped by the font:", unmapped, characterName);
+    leaveOut("beyond U+FFFF, where the new font's character map ends:", beyond, characterName);
+    leaveOut("mapped to damaged glyphs:", damaged, characterName);
+  }
+
+  void takeGlyphs(Numbers glyphs) {
+    const auto taken =
+        std::stable_partition(glyphs.begin(), glyphs.end(),
+                              [&](std::uint32_t glyph) { return canBeTaken(font_, glyph); });
+    leaveOut("not in the font, or damaged:", Numbers(taken, glyphs.end()), glyphName);
+    glyphs.erase(taken, glyphs.end());
+    asksForNotdef_ = !glyphs.empty() && glyphs[0] == 0;
+
+    std::vector<std::uint16_t> lowestCode(font_->numGlyphs);
+    std::vector<bool> used(0x10000);  // codes that stand for a character of the source
+    for (std::uint32_t code = 0xFFFE; code > 0; --code) {
+      const std::uint16_t glyph = glyphOfCode(font_, code);
+      used[code] = glyph != 0;
+      if (glyph < font_->numGlyphs) lowestCode[glyph] = static_cast<std::uint16_t>(code);
+    }
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs;
+    Numbers unreached;
+    for (const std::uint32_t glyph : glyphs) {
+      if (glyph == 0) continue;
+      if (lowestCode[glyph] == 0) {
+        unreached.push_back(glyph);
+      } else {
+        pairs.emplace_back(lowestCode[glyph], glyph);
+      }
+    }
+    const auto room = static_cast<std::size_t>(
+        std::count(used.begin() + kFirstPrivate, used.begin() + kLastPrivate + 1, false));
+    if (unreached.size() > room) {
+      throw std::runtime_error(
+          std::to_string(unreached.size()) + " of the glyphs are reached by no character, and " +
+          codeName(kFirstPrivate) + " to " + codeName(kLastPrivate) + " have room for " +
+          std::to_string(room) + "; glyph " + std::to_string(unreached[room]) + " is the first " +
+          "that does not fit");
+    }
+    std::uint32_t next = kFirstPrivate;
+    for (const std::uint32_t glyph : unreached) {
+      while (used[next]) ++next;
+      plan_.assigned.push_back(next);
+      pairs.emplace_back(next++, glyph);
+    }
+    std::sort(pairs.begin(), pairs.end());
+    for (const auto& [code, glyph] : pairs) add(code, static_cast<std::uint16_t>(glyph));
+  }
+
+  SubsetPlan finish() {
+    if (plan_.glyphs.size() == 1 && !asksForNotdef_) {
+      std::string why;
+      for (const std::string& line : plan_.leftOut) why += "; " + line;
+      throw std::runtime_error("no glyphs to take" + why);
+    }
+    return std::move(plan_);
+  }
+
+ private:
+  void add(std::uint32_t code, std::uint16_t glyph) {
+    plan_.codes.push_back(static_cast<std::uint16_t>(code));
+    plan_.glyphs.push_back(glyph);
+  }
+  void leaveOut(const char* why, const Numbers& numbers, std::string (*name)(std::uint32_t)) {
+    if (!numbers.empty()) plan_.leftOut.push_back("left out, " + (why + told(numbers, name)));
+  }
+
+  const FontFile& font_;
+  SubsetPlan plan_;
+  bool asksForNotdef_ = false;
+};
+
+Numbers charactersOf(std::u32string text) {
+  std::sort(text.begin(), text.end());
+  text.erase(std::unique(text.begin(), text.end()), text.end());
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+SubsetPlan planSubset(const FontFile& font, const SubsetOptions& options) {
+  Planner planner(font);
+  std::u32string text;
+  switch (options.input) {
+    case SubsetInput::Text:
+      text = decodeUtf8(options.list);
+      planner.takeCharacters(charactersOf(text));
+      break;
+    case SubsetInput::TextFile: {
+      text = textOfFile(options.list);
+      std::u32string characters = text;
+      std::erase_if(characters, [](char32_t code) { return code == U'\n' || code == U'\r'; });
+      planner.takeCharacters(charactersOf(std::move(characters)));
+      break;
+    }
+    case SubsetInput::Unicodes:
+      planner.takeCharacters(parseList(options.list, 16, 0x10FFFF));
+      break;
+    case SubsetInput::Glyphs:
+      planner.takeGlyphs(parseList(options.list, 10, 0xFFFF));
+      break;
+  }
+  SubsetPlan plan = planner.finish();
+  if (text.empty()) {
+    std::copy_if(plan.codes.begin() + 1, plan.codes.end(), std::back_inserter(text),
+                 [&](char32_t code) {
+                   return !std::binary_search(plan.assigned.begin(), plan.assigned.end(), code);
+                 });
+  }
+  plan.text = std::move(text);
+  return plan;
+}
+
+}  // namespace ulm::tools

@@ -1,0 +1,137 @@
+// `ulmira host`: shows one life of the module in a stand-in host process.
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "command/commands.h"
+#include "command/support/process.h"
+#include "command/support/program.h"
+
+namespace ulm::tools {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct HostOptions {
+  std::string module;
+  std::vector<std::string> without;
+  bool json = false;
+};
+
+constexpr const char* kIndent = "  ";
+constexpr int kLabelWidth = 16;
+
+std::ostream& label(const char* text) {
+  return std::cout << kIndent << std::left << std::setw(kLabelWidth) << text;
+}
+
+void printRecord(const Json& record) {
+  if (record.is_null()) {
+    label("identity") << "not published: the host offers no place for it\n";
+    return;
+  }
+  label("identity") << "published\n";
+  for (const Json& entry : record) {
+    std::cout << kIndent;
+    label(entry[0].get_ref<const std::string&>().c_str())
+        << entry[1].get_ref<const std::string&>() << '\n';
+  }
+}
+
+void printPath(const std::string& before, const std::string& after) {
+  if (before == after) {
+    label("PATH") << "unchanged\n";
+  } else if (after.compare(0, before.size(), before) == 0) {
+    label("PATH") << "added at the end: " << after.substr(before.size()) << '\n';
+  } else {
+    label("PATH") << "changed to: " << after << '\n';
+  }
+}
+
+void printLoads(const Json& loads) {
+  label("modules") << loads.size() << " load calls\n";
+  std::size_t row = 0;
+  for (const Json& load : loads) {
+    std::cout << kIndent << kIndent << std::right << std::setw(2) << ++row << "  " << std::left
+              << std::setw(4) << load["engine"].get_ref<const std::string&>() << ' '
+              << load["file"].get_ref<const std::string&>() << "  (" << load["number"].get<int>()
+              << ")\n";
+  }
+}
+
+void printReport(const Json& report) {
+  const Json& version = report["apiVersion"];
+  std::cout << "Taken up\n";
+  label("API version") << version[0] << '.' << version[1] << '.' << version[2] << '.' << version[3]
+                       << '\n';
+  label("module path") << report["modulePath"].get_ref<const std::string&>() << '\n';
+  std::cout << "Started\n";
+  printRecord(report["record"]);
+  label(".wld file") << (report["wld"].is_null() ? "none" : report["wld"].get<std::string>())
+                     << '\n';
+  printPath(report["pathBefore"], report["pathAfter"]);
+  printLoads(report["loads"]);
+  label("initApp gave") << (report["started"].get<bool>() ? "true" : "false") << '\n';
+  std::cout << "Stopped and unloaded\n";
+  label("references");
+  if (report["unbalanced"].empty()) std::cout << "all came back";
+  for (const Json& name : report["unbalanced"]) {
+    std::cout << name.get_ref<const std::string&>() << " did not come back; ";
+  }
+  std::cout << '\n';
+}
+
+// The neighbours of this program: beside it, or where an installation keeps them.
+std::filesystem::path findNeighbour(const std::string& name) {
+  const std::filesystem::path folder = programFolder();
+  const std::filesystem::path installed = folder / ULMIRA_LIBRARY_FOLDER / name;
+  return exists(folder / name) || !exists(installed) ? folder / name : installed;
+}
+
+int runHost(const HostOptions& options) {
+  // A file is the user's, from the folder they are in, and never searched for.
+  const std::filesystem::path module = options.module.empty()
+                                           ? findNeighbour(ULMIRA_MODULE)
+                                           : std::filesystem::absolute(fileNamed(options.module));
+  std::vector<std::string> arguments{"--module=" + textOf(module)};
+  for (const std::string& name : options.without) arguments.push_back("--without=" + name);
+  const ProcessResult result = runProcess(findNeighbour(ULMIRA_HOST), arguments);
+  if (!result.ending.empty()) {
+    throw std::runtime_error("the host process failed: " + result.ending);
+  }
+  if (result.exitCode != 0) return 1;  // the host process has said why
+  const Json report = Json::parse(result.output, nullptr, false);
+  if (!report.is_object()) throw std::runtime_error("the host process ended without a report");
+  if (options.json) {
+    std::cout << result.output;
+  } else {
+    printReport(report);
+  }
+  if (!std::cout.flush()) throw std::runtime_error("the report cannot be written");
+  return 0;
+}
+
+}  // namespace
+
+void addHostCommand(CLI::App& app, int& status) {
+  const auto options = std::make_shared<HostOptions>();
+  CLI::App* command =
+      app.add_subcommand("host", "Start a stand-in host with ULM_Main and report every effect");
+  command->add_option("--module", options->module, "The library to take up (the built ULM_Main)");
+  command
+      ->add_option("--without", options->without,
+                   "Leave a host library out: QlHostApp, qlview, qlsupport, qlhostcmd")
+      ->check(CLI::IsMember({"QlHostApp", "qlview", "qlsupport", "qlhostcmd"}))
+      ->take_all()
+      ->allow_extra_args(false);
+  command->add_flag("--json", options->json, "Print one JSON object");
+  command->callback([options, &status] { status = runHost(*options); });
+}
+
+}  // namespace ulm::tools

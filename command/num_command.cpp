@@ -1,0 +1,217 @@
+// `ulmira num`: arithmetic on numbers of any size.
+#include <CLI/CLI.hpp>
+#include <cstring>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bignum/integer.h"
+#include "bignum/number_theory.h"
+#include "command/commands.h"
+#include "command/number_argument.h"
+
+namespace ulm::tools {
+namespace {
+
+using namespace ulm::bignum;
+
+using Operands = std::vector<QLInteger>;
+using Texts = std::vector<std::string>;
+
+struct Operation {
+  std::size_t operands;
+  std::function<Texts(const Operands&, std::uint32_t radix)> run;  // the words of a line
+};
+
+const QLInteger& divisorOf(const QLInteger& number) {
+  if (!number.IsNonZero()) throw std::runtime_error("division by zero");
+  return number;
+}
+
+const QLInteger& exponentOf(const QLInteger& number) {
+  if (number.IsNegative()) throw std::runtime_error("the exponent is negative");
+  return number;
+}
+
+// An operation whose result is one number.
+template <class Compute>
+Operation numeric(std::size_t operands, Compute compute) {
+  return {operands, [compute](const Operands& n, std::uint32_t radix) {
+            return Texts{toText(compute(n), radix)};
+          }};
+}
+
+QLInteger remainderOf(const Operands& n) {
+  QLInteger remainder(n[0]);
+  remainder %= divisorOf(n[1]);
+  return remainder;
+}
+
+// What a power may have in bits. Its text takes a division a digit, so that time grows with the
+// square of the length: this much is some seconds.
+constexpr std::uint32_t kLargestPower = 1u << 16;
+
+QLInteger powerOf(const Operands& n) {
+  const QLInteger& exponent = exponentOf(n[1]);
+  // A factor brings BitLength bits at the most, and all of them but one at the least.
+  if (exponent * QLInteger::fromUint64(n[0].BitLength()) > QLInteger::fromUint64(kLargestPower) &&
+      n[0].CompareMagnitude(1u) > 0) {
+    throw std::runtime_error("the power may be longer than " + std::to_string(kLargestPower) +
+                             " bits");
+  }
+  return Pow(n[0], exponent);
+}
+
+QLInteger modularPower(const Operands& n) {
+  QLInteger result;
+  ModPow(n[0], exponentOf(n[1]), divisorOf(n[2]), result);
+  return result;
+}
+
+QLInteger commonDivisor(const Operands& n) {
+  QLInteger divisor;
+  if (!Gcd(n[0], n[1], divisor))
+    throw std::runtime_error("there is no common divisor where a number is zero");
+  return divisor;
+}
+
+Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
+  QLInteger g, x, y;
+  ExtendedGcd(n[0], n[1], g, x, y);
+  return {toText(g, radix), toText(x, radix), toText(y, radix)};
+}
+
+QLInteger rootOf(const Operands& n) {
+  if (n[0].IsNegative()) throw std::runtime_error("the root of a negative number");
+  return IntegerSqrt(n[0]);
+}
+
+Texts primality(const Operands& n, std::uint32_t) {
+  // With every base in both kinds of round the primes that are bases themselves are told as prime.
+  return {IsProbablePrime(n[0], 18, 18) ? "true" : "false"};
+}
+
+QLInteger primeFrom(const Operands& n) {
+  QLInteger prime;
+  NextPrime(n[0], prime);
+  return prime;
+}
+
+const std::map<std::string, Operation>& operations() {
+  static const std::map<std::string, Operation> table = {
+      {"add", numeric(2, [](const Operands& n) { return n[0] + n[1]; })},
+      {"sub", numeric(2, [](const Operands& n) { return n[0] - n[1]; })},
+      {"mul", numeric(2, [](const Operands& n) { return n[0] * n[1]; })},
+      {"div", numeric(2, [](const Operands& n) { return n[0] / divisorOf(n[1]); })},
+      {"rem", numeric(2, remainderOf)},
+      {"pow", numeric(2, powerOf)},
+      {"modpow", numeric(3, modularPower)},
+      {"gcd", numeric(2, commonDivisor)},
+      {"egcd", {2, extendedDivisor}},
+      {"sqrt", numeric(1, rootOf)},
+      {"isprime", {1, primality}},
+      {"nextprime", numeric(1, primeFrom)},
+      {"convert", numeric(1, [](const Operands& n) { return n[0]; })}};
+  return table;
+}
+
+// The numbers of the command line; a '-' stands for those of standard input, a line each.
+Operands readNumbers(const Texts& texts) {
+  Operands numbers;
+  for (const std::string& text : texts) {
+    if (text != "-") {
+      numbers.push_back(parseNumber(text));
+      continue;
+    }
+    for (std::string line; std::getline(std::cin, line);) {
+      if (!line.empty() && line.back() == '\r') line.pop_back();
+      if (line.empty()) continue;
+      numbers.push_back(parseNumber(line));
+    }
+  }
+  return numbers;
+}
+
+void printResults(const std::string& name, std::uint32_t radix, const Texts& texts) {
+  const auto found = operations().find(name);
+  if (found == operations().end()) throw CLI::ValidationError("OPERATION", "there is no " + name);
+  const std::size_t taken = found->second.operands;
+  const Operands numbers = readNumbers(texts);
+  if (numbers.empty() || numbers.size() % taken != 0) {
+    throw CLI::ValidationError(name, "takes " + std::to_string(taken) +
+                                         " for each result, and the numbers are " +
+                                         std::to_string(numbers.size()));
+  }
+  for (auto first = numbers.begin(); first != numbers.end();) {
+    const auto last = first + static_cast<std::ptrdiff_t>(taken);
+    const Texts words = found->second.run(Operands(first, last), radix);
+    for (std::size_t i = 0; i < words.size(); ++i) std::cout << (i == 0 ? "" : " ") << words[i];
+    std::cout << '\n';
+    first = last;
+  }
+  if (!std::cout.flush()) throw std::runtime_error("the result cannot be written");
+}
+
+// What stands behind the operation. The parser would take a negative number for an option, so it
+// leaves all of this alone, and the few options are told from the numbers here.
+Texts withoutOptions(const Texts& arguments, CLI::Option& radix) {
+  Texts numbers;
+  bool optionsOver = false;
+  for (auto next = arguments.begin(); next != arguments.end(); ++next) {
+    if (!optionsOver && *next == "--") {
+      optionsOver = true;
+    } else if (!optionsOver && (*next == "-h" || *next == "--help")) {
+      throw CLI::CallForHelp();
+    } else if (!optionsOver && (*next == "--radix" || next->rfind("--radix=", 0) == 0)) {
+      const bool joined = next->size() > std::strlen("--radix");
+      if (!joined && std::next(next) == arguments.end()) {
+        throw CLI::ArgumentMismatch::AtLeast("--radix", 1, 0);
+      }
+      radix.clear();
+      radix.add_result(joined ? next->substr(std::strlen("--radix=")) : *++next);
+      radix.run_callback();
+    } else {
+      numbers.push_back(*next);
+    }
+  }
+  return numbers;
+}
+
+}  // namespace
+
+void addNumCommand(CLI::App& app, int& status) {
+  CLI::App* num = app.add_subcommand("num", "Arithmetic on numbers of any size");
+  std::string names;
+  for (const auto& [name, operation] : operations()) names += ' ' + name;
+  num->footer(
+      "Then OPERATION NUMBER..., the operation one of:" + names +
+      "\nNumbers: decimal, 0x1F or 1Fh, 17o, 101b, a sign in front if need be, or behind\n"
+      "'--'; '-' reads them from standard input, a line each. More numbers than one result\n"
+      "takes give a line for each group. egcd gives the divisor and the two factors, isprime\n"
+      "true or false.");
+  const auto radix = std::make_shared<std::uint32_t>(10);
+  CLI::Option* radixOption =
+      num->add_option("--radix", *radix, "Radix of the results")->check(CLI::Range(2, 16));
+  num->prefix_command();
+  num->callback([num, radix, radixOption, &status] {
+    Texts arguments = num->remaining();
+    if (arguments.empty()) throw CLI::RequiredError("OPERATION");
+    const std::string name = arguments.front();
+    arguments.erase(arguments.begin());
+    const Texts numbers = withoutOptions(arguments, *radixOption);
+    try {
+      printResults(name, *radix, numbers);
+    } catch (const CLI::ParseError&) {
+      throw;
+    } catch (const std::exception& error) {
+      std::cerr << "ulmira num: " << error.what() << '\n';
+      status = 1;
+    }
+  });
+}
+
+}  // namespace ulm::tools

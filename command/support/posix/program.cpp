@@ -1,0 +1,38 @@
+#include "command/support/program.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+namespace ulm::tools {
+
+ProgramArguments::ProgramArguments(int argc, char** argv) : texts_(argv, argv + argc) {
+  for (std::string& text : texts_) pointers_.push_back(text.data());
+  pointers_.push_back(nullptr);
+}
+
+std::FILE* openToRead(const std::string& name) { return std::fopen(name.c_str(), "rb"); }
+
+std::FILE* openFresh(const std::filesystem::path& name) { return std::fopen(name.c_str(), "wbx"); }
+
+bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && fsync(fileno(file)) == 0; }
+
+std::optional<std::uint64_t> regularSize(std::FILE* file) {
+  struct stat about;
+  if (fstat(fileno(file), &about) != 0 || !S_ISREG(about.st_mode)) return std::nullopt;
+  return static_cast<std::uint64_t>(about.st_size);
+}
+
+bool errorStreamIsTerminal() { return isatty(STDERR_FILENO) == 1; }
+
+std::FILE* takeStandardOutput() {
+  const int own = ::dup(STDOUT_FILENO);
+  std::FILE* report = own >= 0 ? ::fdopen(own, "w") : nullptr;
+  if (report == nullptr || ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
+    throw std::runtime_error("there is no standard output to report to");
+  }
+  return report;
+}
+
+}  // namespace ulm::tools

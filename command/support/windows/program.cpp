@@ -1,0 +1,64 @@
+#include "command/support/program.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <stdexcept>
+
+#include "command/support/windows/wide_text.h"
+
+// The C run-time's own cut of the command line; its headers keep it to themselves.
+struct UlmStartupInfo {
+  int newMode;
+};
+extern "C" __declspec(dllimport) int __wgetmainargs(int* argc, wchar_t*** argv,
+                                                    wchar_t*** environment, int expandNames,
+                                                    UlmStartupInfo* info);
+
+namespace ulm::tools {
+
+ProgramArguments::ProgramArguments(int /*argc*/, char** /*argv*/) {
+  // main's own arguments have lost the letters that the ANSI code page lacks.
+  int count = 0;
+  wchar_t** values = nullptr;
+  wchar_t** environment = nullptr;
+  UlmStartupInfo info{0};
+  if (__wgetmainargs(&count, &values, &environment, 0, &info) != 0) count = 0;
+  for (int i = 0; i < count; ++i) texts_.push_back(utf8Of(values[i]));
+  for (std::string& text : texts_) pointers_.push_back(text.data());
+  pointers_.push_back(nullptr);
+  for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+}
+
+std::FILE* openToRead(const std::string& name) { return _wfopen(wideOf(name).c_str(), L"rb"); }
+
+std::FILE* openFresh(const std::filesystem::path& name) {
+  // The C run-time's streams have no way of their own to ask for a file that is not there.
+  const int file =
+      _wopen(name.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
+  return file >= 0 ? _fdopen(file, "wb") : nullptr;
+}
+
+bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
+
+std::optional<std::uint64_t> regularSize(std::FILE* file) {
+  struct _stat64 about;
+  if (_fstat64(_fileno(file), &about) != 0 || (about.st_mode & _S_IFMT) != _S_IFREG) {
+    return std::nullopt;
+  }
+  return static_cast<std::uint64_t>(about.st_size);
+}
+
+bool errorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
+
+std::FILE* takeStandardOutput() {
+  const int own = _dup(_fileno(stdout));
+  std::FILE* report = own >= 0 ? _fdopen(own, "wb") : nullptr;
+  if (report == nullptr || _dup2(_fileno(stderr), _fileno(stdout)) != 0) {
+    throw std::runtime_error("there is no standard output to report to");
+  }
+  return report;
+}
+
+}  // namespace ulm::tools

@@ -1,0 +1,61 @@
+// A stand-in host as a process of its own: `ulmira host` runs it and shows what it prints, one JSON
+// object. Errors are one line on the error stream and the exit code 1.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+
+#include "command/support/program.h"
+#include "standin/host/module_run.h"
+
+namespace {
+
+nlohmann::ordered_json toJson(const ulm::tools::RunReport& report) {
+  using nlohmann::ordered_json;
+  ordered_json record;  // null where the host took none
+  if (report.record) {
+    record = ordered_json::array();
+    for (const auto& [key, value] : *report.record) {
+      record.push_back(ordered_json::array({key, value}));
+    }
+  }
+  ordered_json loads = ordered_json::array();
+  for (const auto& load : report.loads) {
+    loads.push_back({{"file", load.file}, {"engine", load.engine}, {"number", load.number}});
+  }
+  return {{"apiVersion", report.apiVersion},
+          {"modulePath", report.modulePath},
+          {"record", record},
+          {"wld", report.wld ? ordered_json(*report.wld) : ordered_json()},
+          {"pathBefore", report.pathBefore},
+          {"pathAfter", report.pathAfter},
+          {"loads", loads},
+          {"started", report.started},
+          {"unbalanced", report.unbalanced}};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    ulm::tools::ProgramArguments arguments(argc, argv);
+    ulm::tools::RunOptions options;
+    CLI::App app("A stand-in host process for one life of ULM_Main");
+    app.allow_windows_style_options(false);
+    app.add_option("--module", options.moduleFile, "the library to take up")->required();
+    app.add_option("--without", options.without, "host libraries to leave out")->take_all();
+    CLI11_PARSE(app, arguments.count(), arguments.values());
+    std::FILE* const output = ulm::tools::takeStandardOutput();
+    const std::string report = toJson(ulm::tools::runModule(options))
+                                   .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    std::fprintf(output, "%s\n", report.c_str());
+    if (std::fclose(output) != 0) throw std::runtime_error("the report cannot be written");
+    return 0;
+  } catch (const std::exception& error) {
+    std::cerr << "ulmira host: " << error.what() << '\n';
+    return 1;
+  }
+}

@@ -1,4 +1,0 @@
-// What the sample library links: its export must not pass for one of the sample's.
-#include "platform/win32/export.h"
-
-extern "C" ULM_EXPORT int sampleBaseAnswer() { return 7; }
