@@ -12,6 +12,7 @@
 #include <string>
 
 #include "platform/win32/detail/call_log.h"
+#include "platform/win32/detail/elf_file.h"
 #include "platform/win32/detail/module_list.h"
 #include "platform/win32/detail/path.h"
 #include "platform/win32/detail/text.h"
@@ -192,6 +193,10 @@ HMODULE LoadLibraryW(const wchar_t* fileName) {
     const std::optional<std::string> path = libraryFile(fileName);
     if (!path) {
       tellLoadError("not a name that a file can have");
+      return nullptr;
+    }
+    if (const char* fault = libraryFault(*path)) {
+      tellLoadError(fault);
       return nullptr;
     }
     return openLibrary(path->c_str());
