@@ -128,8 +128,8 @@ TEST(HostCommand, RefusesInOneLine) {
   const RefusalCase cases[] = {
       {{"--module", "/no/such/library.so"}, 1, "cannot load "},
       {{"--module", text}, 1, "lacks the entry odrxGetAPIVersion"},
-      {{"--module", cut}, 1, layer ? "cut.dll: the file is incomplete" : "cut.dll: the library "},
-      {{"--module", foreign}, 1, layer ? "for another architecture" : "foreign.dll: the library "},
+      {{"--module", cut}, 1, layer ? "cut.dll: the file is incomplete" : "the library"},
+      {{"--module", foreign}, 1, layer ? "for another architecture" : "the library"},
       {{"--module", "/etc/passwd"}, 1, "passwd"},
       {{"--without", "qlcore"}, 2, "--without"},
       {{"--nonsense"}, 2, "--nonsense"},
