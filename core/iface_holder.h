@@ -10,8 +10,10 @@ class IfaceHolder {
  public:
   explicit IfaceHolder(Interface* owned = nullptr) noexcept : pointer_(owned) {}
   IfaceHolder(IfaceHolder&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
+  // The reference held so far goes back at once.
   IfaceHolder& operator=(IfaceHolder&& other) noexcept {
-    std::swap(pointer_, other.pointer_);
+    IfaceHolder taken(std::move(other));
+    std::swap(pointer_, taken.pointer_);
     return *this;
   }
   ~IfaceHolder() {

@@ -12,18 +12,15 @@ namespace {
 constexpr DWORD kNameSize = 2048;  // in characters
 constexpr DWORD kPathSize = 8320;
 
-// The folder of this library with a backslash behind it; empty where the platform knows no instance
-// or no whole name of it. What a cut name starts with may be somebody else's folder.
+// The folder of this library; empty where the platform knows no instance or no whole name of it.
+// What a cut name starts with may be somebody else's folder.
 CXStringW moduleFolder() {
-  CXStringW folder;
   const HINSTANCE instance = Module_GetInstance();
-  if (instance == nullptr) return folder;
+  if (instance == nullptr) return {};
   wchar_t name[kNameSize + 1] = {};  // a cut name may come without a terminator
   const DWORD length = GetModuleFileNameW(instance, name, kNameSize);
-  if (length == 0 || length >= kNameSize) return folder;
-  folder = CXStringW(CXString(name).FilePath().text);
-  folder.ConcatCopy(L"\\", 1);
-  return folder;
+  if (length == 0 || length >= kNameSize) return {};
+  return ulm::module::folderOf(name);
 }
 
 // Writes the parts one behind the other, with a terminator. False, with nothing of use written,
@@ -43,6 +40,12 @@ bool compose(wchar_t (&buffer)[kPathSize], Parts... parts) noexcept {
 }
 
 }  // namespace
+
+CXStringW ulm::module::folderOf(const wchar_t* fileName) {
+  CXStringW folder(CXString(fileName).FilePath().text);
+  folder.ConcatCopy(L"\\", 1);
+  return folder;
+}
 
 void addModuleFolderToPath() {
   const CXStringW folder = moduleFolder();

@@ -38,7 +38,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cwchar>
 
 #include "hostsdk/export.h"
 

@@ -24,9 +24,13 @@ ULM_QLCORE_API void qlcoreSetAnsiCodePage(UINT codePage) noexcept;
 // one.
 ULM_QLCORE_API std::int64_t qlcoreTranslationUsers() noexcept;
 ULM_QLCORE_API HINSTANCE qlcoreTranslationInstance() noexcept;
+// Whether _InitResTranslation raises an exception of its own, an int.
+ULM_QLCORE_API void qlcoreSetTranslationThrows(bool throws) noexcept;
 
 // Makes objects of a class for CreateObjectC: writes an object with a reference, or leaves the
 // pointer.
 using QlcoreFactory = void (*)(const std::type_info& wanted, void** outObject);
 // One class is registered at a time; a null factory takes it away. `className` must stay valid.
 ULM_QLCORE_API void qlcoreRegisterClass(const char* className, QlcoreFactory factory) noexcept;
+// What CreateObjectC gives from now on where it made an object: 1 at the start.
+ULM_QLCORE_API void qlcoreSetFactoryResult(int result) noexcept;

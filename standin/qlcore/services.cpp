@@ -24,8 +24,10 @@ std::vector<CXStringW> wldNames;
 UINT ansiCodePage = GetACP();
 std::int64_t translationUsers = 0;
 HINSTANCE translationInstance = nullptr;
+bool translationThrows = false;
 const char* registeredClass = nullptr;
 QlcoreFactory registeredFactory = nullptr;
+int factoryResult = 1;
 
 }  // namespace
 
@@ -50,11 +52,12 @@ int CreateObjectC(const char* className, void* /*outer*/, const std::type_info& 
   registeredFactory(wanted, &made);
   if (made == nullptr) return 0;
   *outObject = made;
-  return 1;
+  return factoryResult;
 }
 
 int _InitResTranslation(HINSTANCE instance) {
   ulmWin32LogCall("_InitResTranslation");
+  if (translationThrows) throw 7;
   ++translationUsers;
   translationInstance = instance;
   return 1;
@@ -80,7 +83,9 @@ void qlcoreForgetWlds() noexcept {
 void qlcoreSetAnsiCodePage(UINT codePage) noexcept { ansiCodePage = codePage; }
 std::int64_t qlcoreTranslationUsers() noexcept { return translationUsers; }
 HINSTANCE qlcoreTranslationInstance() noexcept { return translationInstance; }
+void qlcoreSetTranslationThrows(bool throws) noexcept { translationThrows = throws; }
 void qlcoreRegisterClass(const char* className, QlcoreFactory factory) noexcept {
   registeredClass = className;
   registeredFactory = className != nullptr ? factory : nullptr;
 }
+void qlcoreSetFactoryResult(int result) noexcept { factoryResult = result; }

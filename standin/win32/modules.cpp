@@ -12,7 +12,9 @@
 #include <string>
 
 #include "hostsdk/win32/win32.h"
+#include "standin/qlcore/detail/text.h"
 #include "standin/win32/detail/call_log.h"
+#include "standin/win32/detail/elf_file.h"
 #include "standin/win32/detail/module_list.h"
 #include "standin/win32/detail/path.h"
 #include "standin/win32/detail/text.h"
@@ -192,6 +194,10 @@ HMODULE LoadLibraryW(const wchar_t* fileName) {
     const std::optional<std::string> path = libraryFile(fileName);
     if (!path) {
       tellLoadError("not a name that a file can have");
+      return nullptr;
+    }
+    if (const char* fault = libraryFault(*path)) {
+      tellLoadError(fault);
       return nullptr;
     }
     return openLibrary(path->c_str());

@@ -12,8 +12,9 @@ ULM_WIN32_API HWND ulmWin32OpenWindow(const wchar_t* className);
 // Closes it; false where there is no such window.
 ULM_WIN32_API bool ulmWin32CloseWindow(HWND window);
 
-// Why this thread's last LoadLibraryW failed, in one line; empty where it did not. On Windows it is
-// the thread's last error that is told, so ask at once, and only behind a failure.
+// Why this thread's last LoadLibraryW failed, as one line of UTF-8; empty where it did not. Valid
+// until the thread's next load, or next call of this. On Windows it is the text of the thread's
+// last error, so ask at once, and only after a failure.
 ULM_WIN32_API const char* ulmWin32LoadError();
 
 // Makes GetModuleFileNameW cut names as newer Windows does, by one character more and with a

@@ -1,8 +1,11 @@
 // `ulmira host` as a user calls it.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -15,6 +18,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 using ulm::tools::ProcessResult;
 using ulm::tools::programFolder;
@@ -99,12 +103,33 @@ struct RefusalCase {
   const char* message;  // in what it prints, the error stream included
 };
 
+// A copy of the module's file with its first `size` bytes, or made for another processor.
+std::string damagedModule(const fs::path& folder, const char* name, std::size_t size,
+                          bool foreign) {
+  std::ifstream whole(programFolder() / (std::string("ULM_Main") + ulm::test::kLibraryEnding),
+                      std::ios::binary);
+  std::string bytes(std::istreambuf_iterator<char>(whole), {});
+  bytes.resize(std::min(size, bytes.size()));
+  // The machine's number: in the file header, or after the mark "PE".
+  const std::size_t machine = ulm::test::kOnLayer ? 18 : bytes.find(std::string("PE\0\0", 4)) + 4;
+  if (foreign) bytes[machine] = static_cast<char>(bytes[machine] ^ 3);
+  std::ofstream(folder / name, std::ios::binary) << bytes;
+  return textOf(folder / name);
+}
+
 TEST(HostCommand, RefusesInOneLine) {
   const std::string text =
       textOf(programFolder() / ("qlview" + std::string(ulm::test::kLibraryEnding)));
+  const fs::path folder = fs::temp_directory_path() / ("ulmira-host-" + std::to_string(::getpid()));
+  create_directory(folder);
+  const std::string cut = damagedModule(folder, "cut.dll", 8192, false);
+  const std::string foreign = damagedModule(folder, "foreign.dll", SIZE_MAX, true);
+  const bool layer = ulm::test::kOnLayer;
   const RefusalCase cases[] = {
       {{"--module", "/no/such/library.so"}, 1, "cannot load "},
       {{"--module", text}, 1, "lacks the entry odrxGetAPIVersion"},
+      {{"--module", cut}, 1, layer ? "cut.dll: the file is incomplete" : "the library"},
+      {{"--module", foreign}, 1, layer ? "for another architecture" : "the library"},
       {{"--module", "/etc/passwd"}, 1, "passwd"},
       {{"--without", "qlcore"}, 2, "--without"},
       {{"--nonsense"}, 2, "--nonsense"},
@@ -120,6 +145,7 @@ TEST(HostCommand, RefusesInOneLine) {
       EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 1) << result.output;
     }
   }
+  fs::remove_all(folder);
 }
 
 }  // namespace

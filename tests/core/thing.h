@@ -5,6 +5,7 @@
 #include <typeinfo>
 
 #include "core/iface/iql_unknown.h"
+#include "hostsdk/qlcore/strings.h"
 
 class IThing : public IQLUnknown {
  public:
@@ -18,5 +19,6 @@ struct ThingLibrary {
   IQLUnknown* (*make)(int number);      // an object with one reference
   int (*numberOf)(IQLUnknown* object);  // by a checked query for IThing; raises CXIFaceException
   const std::type_info* record;         // the library's own record of IThing
+  CXStringW (*string)(UINT number);     // of the library's own resources
 };
 using ThingLibraryEntry = const ThingLibrary*();

@@ -1,6 +1,7 @@
 #include "core/cql_unknown_impl.h"
 #include "core/iface_holder.h"
 #include "core/query_checked.h"
+#include "core/string_number.h"
 #include "hostsdk/export.h"
 #include "module/glue/allocation.h"
 #include "tests/core/thing.h"
@@ -22,7 +23,7 @@ const ThingLibrary kLibrary = {
       const IfaceHolder<IThing> thing(Iface_QueryChecked<IThing>(object, true));
       return thing->Number();
     },
-    &typeid(IThing)};
+    &typeid(IThing), [](UINT number) { return CXStringW(number); }};
 
 }  // namespace
 

@@ -13,6 +13,7 @@
 #include "module/glue/procedure.h"
 #include "module/glue/translation.h"
 #include "module/host_lookup.h"
+#include "standin/hostapp/control.h"
 #include "standin/win32/stand_in.h"
 #include "tests/support/script.h"
 
@@ -71,13 +72,17 @@ void makeProbeApp(const std::type_info& wanted, void** outObject) {
   *outObject = static_cast<IApp*>(&probeApp);
 }
 
-// Registers a class with the stand-in core library, wherever that was loaded.
+// An export of the stand-in core library, wherever that was loaded.
+template <class Function>
+Function* coreExport(const char* name) {
+  return procedure<Function>(GetModuleHandleW(L"qlcore.dll"), name);
+}
+
 void registerClass(const std::string& name) {
   static std::string kept;
   kept = name;
   using Register = void(const char*, void (*)(const std::type_info&, void**));
-  procedure<Register>(GetModuleHandleW(L"qlcore.dll"), "qlcoreRegisterClass")(kept.c_str(),
-                                                                              makeProbeApp);
+  coreExport<Register>("qlcoreRegisterClass")(kept.c_str(), makeProbeApp);
 }
 
 int interfaceException() {
@@ -109,6 +114,16 @@ int main(int argc, char** argv) {
        {"main",
         [](const std::string& name) { mainInstance = GetModuleHandleW(wide(name).c_str()); }},
        {"register", registerClass},
+       {"factory-result",
+        [](const std::string& result) {
+          coreExport<void(int)>("qlcoreSetFactoryResult")(std::stoi(result));
+        }},
+       {"hide-app",
+        [](const std::string&) {
+          const HMODULE library = GetModuleHandleW(L"QlHostApp.dll");
+          procedure<HostAppControlEntry>(library, kHostAppControlEntry)()->setPresent(
+              HostAppObject::App, false);
+        }},
        {"log", [](const std::string&) { ulmWin32StartCallLog(); }},
        {"again", [](const std::string&) { Host_GetApp(); }},
        {"print-log", [](const std::string&) { std::cout << ulmWin32CallLog(); }},

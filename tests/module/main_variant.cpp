@@ -8,6 +8,7 @@
 #include <new>
 
 #include "hostsdk/export.h"
+#include "module/glue/debug_switches.h"
 #include "module/glue/instance.h"
 #include "module/glue/load_order.h"
 #include "module/glue/switch_flags.h"
@@ -70,8 +71,12 @@ extern "C" ULM_EXPORT int _QLAfxDllMain(HINSTANCE instance, int attached) {
 
 extern "C" ULM_EXPORT unsigned variantFlags() {
   using namespace ulm::glue;
-  return (assertFlag ? 1u : 0u) | (addJumpFlag ? 2u : 0u) | (removeJumpFlag ? 4u : 0u) |
-         (defecateFlag ? 8u : 0u);
+  const std::uint32_t mask = (addJumpFlag ? kSwitchJumpArrOnAdd : 0u) |
+                             (removeJumpFlag ? kSwitchJumpArrOnRemove : 0u) |
+                             (defecateFlag ? kSwitchDefecateMem : 0u);
+  const bool lasting = DebugSwitches_AssertEnabled() == static_cast<bool>(assertFlag) &&
+                       DebugSwitches_Read() == mask;
+  return mask << 1 | (assertFlag ? 1u : 0u) | (lasting ? 0u : 16u);
 }
 
 extern "C" ULM_EXPORT void* variantMake() { return operator new(24); }
@@ -83,6 +88,7 @@ extern "C" ULM_EXPORT const char* variantTryNew(bool failing) {
   using Block = void*;
   const Form forms[] = {
       {"new", [] { return operator new(24); }, [](Block b) { operator delete(b); }, 16},
+      {"of size 0", [] { return operator new(0); }, [](Block b) { operator delete(b); }, 16},
       {"new[]", [] { return operator new[](24); }, [](Block b) { operator delete[](b); }, 16},
       {"sized", [] { return operator new(24); }, [](Block b) { operator delete(b, 24); }, 16},
       {"sized[]", [] { return operator new[](24); }, [](Block b) { operator delete[](b, 24); }, 16},

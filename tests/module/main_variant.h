@@ -2,7 +2,7 @@
 #pragma once
 
 // The four switch flags as they were set at load: assert, add-jump, remove-jump, defecate, as bits
-// 0 to 3.
+// 0 to 3; and bit 4 where the switches, asked again, answer otherwise.
 using VariantFlags = unsigned();
 
 // A block of the library's own new, and its delete for one, in which heaps can be mixed on purpose.

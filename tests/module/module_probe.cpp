@@ -56,15 +56,14 @@ std::string outcome(Call call) {
 }
 
 std::string create() {
-  return outcome([]() -> std::string {
-    slot = slot == nullptr ? library : slot;
-    OdRxModule* const before = object;
+  slot = slot == nullptr ? library : slot;
+  OdRxModule* const before = object;
+  const std::string made = outcome([before]() -> std::string {
     object = exportOf<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject")(&slot);
-    const std::string slotText = slot == nullptr ? " object, slot cleared" : " object, slot kept";
-    if (object == nullptr) return "null" + slotText;
-    return (object == before ? "same" : "fresh") + slotText + ", " +
-           std::to_string(object->numRefs()) + " references";
+    return object == nullptr ? "null object" : object == before ? "same object" : "fresh object";
   });
+  return made + (slot == nullptr ? ", slot cleared" : ", slot kept") +
+         (object != nullptr ? ", " + std::to_string(object->numRefs()) + " references" : "");
 }
 
 std::string init() {
@@ -100,6 +99,17 @@ void printRecord() {
     say(application->recordKey(i), '=', application->recordValue(i), " tag ",
         application->recordTag(i));
   }
+}
+
+// The version and the build that the record holds.
+void printVersion() {
+  std::string version = "none", build = "none";
+  for (std::size_t i = 0; application->recordKey(i) != nullptr; ++i) {
+    const std::string_view key = application->recordKey(i);
+    if (key == "ProductVersion") version = '"' + std::string(application->recordValue(i)) + '"';
+    if (key == "ProductBuild") build = '"' + std::string(application->recordValue(i)) + '"';
+  }
+  say("version ", version, " build ", build);
 }
 
 void printLoads() {
@@ -217,6 +227,7 @@ int main(int argc, char** argv) {
         }},
        {"monitor", [](Value) { ulmWin32OpenWindow(L"_INDEBMON"); }},
        {"new-cut", [](Value) { ulmWin32TerminateCutNames(true); }},
+       {"translation-throws", [](Value) { qlcoreSetTranslationThrows(true); }},
        {"handler", [](Value) { std::set_new_handler([] { ++handlerCalls; }); }},
        {"handler-calls", [](Value) { say("handler calls ", handlerCalls); }},
        {"fail", [](Value) { odrxAllocFail(0, UINT64_MAX); }},
@@ -267,14 +278,7 @@ int main(int argc, char** argv) {
        {"strings",
         [](Value) { say(application->productString(0), " / ", application->productString(1)); }},
        {"publish-count", [](Value) { say("published ", application->publishCount()); }},
-       {"version-record",
-        [](Value) {
-          for (std::size_t i = 0; application->recordKey(i) != nullptr; ++i) {
-            if (std::string_view(application->recordKey(i)) == "ProductVersion") {
-              say("version ", application->recordValue(i));
-            }
-          }
-        }},
+       {"version-record", [](Value) { printVersion(); }},
        {"loads", [](Value) { printLoads(); }},
        {"load-count", [](Value) { say("loads ", hostcmdLoadCount()); }},
        {"mark", [](Value) { marked = takeBalance(application); }},

@@ -66,7 +66,8 @@ TEST_F(OwnFolder, SwitchesOfTheProfile) {
     SCOPED_TRACE(profile);
     place("switches", profile);
     run(monitor ? std::vector<std::string>{"monitor"} : std::vector<std::string>{},
-        {"flags", "unload"}, "flags " + std::to_string(flags) + "\ngone\n");
+        // What was decided at load stays, whatever comes later.
+        {"monitor", "flags", "unload"}, "flags " + std::to_string(flags) + "\ngone\n");
   }
 }
 
@@ -82,7 +83,7 @@ TEST_F(OwnFolder, NamesOutsideAscii) {
   run({"take=QlHostApp.dll"},
       {"flags", "create", "path-matches", "set-path=/bin", "init", "raw-path", "version-record"},
       "flags 2\n" + std::string(kCreated) + "whole path\ninit true\nPATH /bin;" + start +
-          "\\??L\\\nversion 0.65535.0.7\n");
+          "\\??L\\\nversion \"0.65535.0.7\" build \"0\"\n");
 }
 
 // Names around the buffers of 260 and of 2,048 characters, cut in both ways that Windows has; the
@@ -103,7 +104,8 @@ TEST_F(OwnFolder, LongNames) {
            "version-record", "path", "unload"},
           std::string(read ? "flags 2\n" : "flags 0\n") + kCreated + "path length " +
               std::to_string(whole ? length : cut) + (whole ? "\nwhole path" : "\ncut path") +
-              "\ninit true\nversion " + (whole ? "0.65535.0.7" : "") + "\nPATH /bin" +
+              "\ninit true\nversion " +
+              (whole ? "\"0.65535.0.7\" build \"0\"" : "\"\" build none") + "\nPATH /bin" +
               (found ? ";{folder}" : "") + "\ngone\n");
     }
   }

@@ -43,7 +43,7 @@ InputFile::~InputFile() {
 }
 
 std::optional<std::string> InputFile::read(std::uint64_t offset, std::uint64_t length) const {
-  if (!isOpen() || offset > size_ || length > size_ - offset) return std::nullopt;
+  if (!holds(offset, length)) return std::nullopt;
   std::string bytes(static_cast<std::size_t>(length), '\0');
   const ssize_t got = readAt(descriptor_, bytes.data(), bytes.size(), offset);
   if (got != static_cast<ssize_t>(bytes.size())) return std::nullopt;

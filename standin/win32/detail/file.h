@@ -17,6 +17,11 @@ class InputFile {
 
   bool isOpen() const noexcept { return descriptor_ >= 0; }
 
+  // Whether the file has the bytes [offset, offset + length).
+  bool holds(std::uint64_t offset, std::uint64_t length) const noexcept {
+    return isOpen() && offset <= size_ && length <= size_ - offset;
+  }
+
   // The bytes [offset, offset + length); nothing where the file does not hold them all. A length
   // above the file's size is refused before memory is asked for.
   std::optional<std::string> read(std::uint64_t offset, std::uint64_t length) const;

@@ -4,13 +4,22 @@
 
 namespace {
 
-// Plain memory, as the layer elsewhere has it.
-thread_local char loadError[1024];
+constexpr std::size_t kMostUnits = 1024;  // of the system's text
 
-// One line: what ends it, and the blanks before that, are dropped.
-void cutLineEnd(char* text, std::size_t length) noexcept {
-  while (length > 0 && static_cast<unsigned char>(text[length - 1]) <= ' ') --length;
-  text[length] = '\0';
+// Plain memory, as the layer elsewhere has it. A unit of UTF-16 takes up to three bytes.
+thread_local char loadError[3 * kMostUnits + 1];
+
+// The system's text for an error, as one line; empty where it has none. What such a text calls %1
+// is the library.
+std::size_t systemText(DWORD error, wchar_t (&text)[kMostUnits]) noexcept {
+  constexpr DWORD kFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_ARGUMENT_ARRAY |
+                           FORMAT_MESSAGE_MAX_WIDTH_MASK;  // no line ends
+  DWORD_PTR inserts[99];                                   // as many as a text can name
+  for (DWORD_PTR& insert : inserts) insert = reinterpret_cast<DWORD_PTR>(L"the library");
+  std::size_t length = FormatMessageW(kFlags, nullptr, error, 0, text, kMostUnits,
+                                      reinterpret_cast<va_list*>(inserts));
+  while (length > 0 && text[length - 1] <= L' ') --length;
+  return length;
 }
 
 }  // namespace
@@ -34,9 +43,11 @@ const char* ulmWin32LoadError() {
   const DWORD error = GetLastError();
   loadError[0] = '\0';
   if (error == ERROR_SUCCESS) return loadError;
-  const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                      nullptr, error, 0, loadError, sizeof loadError, nullptr);
-  cutLineEnd(loadError, length);
-  if (loadError[0] == '\0') wsprintfA(loadError, "error %lu of the system", error);
+  wchar_t text[kMostUnits];
+  const std::size_t length = systemText(error, text);
+  const int bytes = WideCharToMultiByte(CP_UTF8, 0, text, static_cast<int>(length), loadError,
+                                        sizeof loadError - 1, nullptr, nullptr);
+  loadError[bytes] = '\0';
+  if (bytes == 0) wsprintfA(loadError, "error %lu of the system", error);
   return loadError;
 }

@@ -35,20 +35,53 @@ TEST(Modules, KeepNamesThatAreNotText) {
   EXPECT_EQ(FreeLibrary(original), TRUE);
 }
 
-// The library stays loaded from a file that is replaced again and again, so that its strings are
-// asked for too.
-TEST(Resources, AnyFileIsSafeToName) {
+// A copy of the sample library that is replaced again and again.
+struct DamagedFile : testing::Test {
+  void replace(const std::string& content) {
+    std::filesystem::remove(file);
+    writeFile(file, content);
+  }
+  ~DamagedFile() override { EXPECT_EQ(FreeLibrary(original), TRUE); }
+
   const TestFolder folder;
   const std::filesystem::path file = folder.path / "damaged.so";
-  std::ifstream stream(sampleFile(), std::ios::binary);
+  std::ifstream stream{sampleFile(), std::ios::binary};
   const std::string whole{std::istreambuf_iterator<char>(stream), {}};
-  writeFile(file, whole);
   const HMODULE original = LoadLibraryW(L"Win32_Sample");  // brings what the copy links, too
+};
+
+// The system's loader would map what the headers describe, and end the process where the file does
+// not go that far.
+TEST_F(DamagedFile, IsNotLoaded) {
+  const auto loadError = [&](const std::string& content) {
+    replace(content);
+    const HMODULE module = LoadLibraryW(file.wstring().c_str());
+    const std::string error = ulmWin32LoadError();
+    EXPECT_EQ(FreeLibrary(module) == TRUE, error.empty());
+    return error;
+  };
+  EXPECT_EQ(loadError(whole), "");
+  for (std::size_t size = 64; size < whole.size(); size += size < 1024 ? 1 : whole.size() / 97) {
+    EXPECT_NE(loadError(whole.substr(0, size)).find("incomplete"), std::string::npos) << size;
+  }
+  std::string bare = whole;  // no table of sections: only the segments show that it is cut
+  bare.replace(40, 8, 8, '\0').replace(60, 2, 2, '\0');
+  EXPECT_EQ(loadError(bare), "");
+  EXPECT_NE(loadError(bare.substr(0, 8192)).find("incomplete"), std::string::npos);
+  for (const std::size_t place : {4u, 5u, 18u, 19u}) {  // class, byte order, machine
+    std::string foreign = whole;
+    foreign[place] = static_cast<char>(foreign[place] ^ 3);
+    EXPECT_NE(loadError(foreign).find("another architecture"), std::string::npos) << place;
+  }
+}
+
+// The library stays loaded, so that its strings are asked for too.
+TEST_F(DamagedFile, IsSafeToNameForResources) {
+  writeFile(file, whole);
   const HMODULE copy = LoadLibraryW(file.wstring().c_str());
   ASSERT_NE(copy, nullptr) << ulmWin32LoadError();
   const auto bytesFoundIn = [&](const std::string& content) {
-    std::filesystem::remove(file);
-    writeFile(file, content);
+    replace(content);
     const std::wstring name = file.wstring();
     DWORD handle = 1;
     std::vector<char> block(GetFileVersionInfoSizeW(name.c_str(), &handle));
@@ -78,7 +111,7 @@ TEST(Resources, AnyFileIsSafeToName) {
       }
     }
   }
-  EXPECT_TRUE(FreeLibrary(copy) == TRUE && FreeLibrary(original) == TRUE);
+  EXPECT_EQ(FreeLibrary(copy), TRUE);
 }
 
 std::wstring valueOf(const wchar_t* name) {
