@@ -143,7 +143,8 @@ template <std::floating_point Real>
 std::size_t clipPolygonArraysInPlace2D(BasicClipPolygonArray<Real>* polygons,
                                        std::size_t polygonCount, ClipOutcome* outcomes);
 
-// After an exception `trace` is of no use.
+// A trace allocates where it has something to hold: one array for the origins of an untouched
+// polygon, nothing for a polygon that its outcodes refuse. After an exception `trace` is of no use.
 template <std::floating_point Real>
 BasicClipPolygonArray<Real>* clipPolygonArrayToVolume(BasicClipPolygonArray<Real>& first,
                                                       BasicClipPolygonArray<Real>& second,

@@ -88,6 +88,31 @@ TEST(Growable, GrowsAsItIsMadeAndWritten) {
   }
 }
 
+// The tests on outcodes allocate and detach nothing. A trace then holds the origins of an untouched
+// polygon, in one allocation, and nothing for a refused one.
+TEST(Growable, OutcodesSettleWithoutMemory) {
+  const struct {
+    std::uint32_t count, outcode;
+    bool remains;
+    std::uint64_t calls;  // of a traced call; one without a trace makes none
+  } kCases[] = {
+      {1000, 0, true, 1}, {1000, 0x08, false, 0}, {1000, 0x41, false, 0}, {0, 0, false, 0}};
+  for (const auto& [count, outcode, remains, calls] : kCases) {
+    ClipPolygonArray polygon = circle(1000);
+    for (std::uint32_t i = 0; i < 1000; ++i) polygon.vertexForWrite(i).outcode = outcode;
+    polygon.count = count;
+    const ClipPolygonArray shared = polygon;
+    ClipTraceArray trace;
+    const std::uint64_t before = odrxAllocCounts().calls;
+    EXPECT_EQ(clipPolygonArrayInPlace(polygon), remains);
+    EXPECT_EQ(odrxAllocCounts().calls, before) << outcode;
+    EXPECT_EQ(clipPolygonArrayInPlace2D(polygon, trace), remains);
+    EXPECT_EQ(odrxAllocCounts().calls - before, calls) << outcode;
+    EXPECT_EQ(trace.origins.length(), remains ? count : 0);
+    EXPECT_EQ(bufferOf(polygon), bufferOf(shared));
+  }
+}
+
 // Scratch polygons without storage of their own grow by half too: the number of reallocations is
 // logarithmic.
 TEST(Growable, ScratchPolygonsMayStartEmpty) {
