@@ -5,9 +5,11 @@
 // y. A point on a plane is inside. Nothing divides by w or looks at its sign.
 //
 // Everything exists for 64-bit and, with F at the end of the type, for 32-bit coordinates; each
-// width computes in itself alone. The arithmetic lies in the library's own sources, so the flags of
-// a program that uses it change no bit of a result. It expects the floating-point environment that
-// a program starts with: rounding to nearest, denormal numbers not flushed to zero.
+// width computes in itself alone. All arithmetic is in the library's own sources, which are
+// compiled under flags of their own, so the compiler flags of a program that uses it change no bit
+// of a result. The program provides the floating-point environment: rounding to nearest, and
+// denormal numbers kept. A program linked with -ffast-math or -Ofast flushes them, and then results
+// differ.
 #pragma once
 
 #include <concepts>

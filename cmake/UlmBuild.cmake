@@ -39,10 +39,23 @@ if(ULM_SANITIZE)
   target_link_options(ulm_flags INTERFACE -fsanitize=${ULM_SANITIZE})
 endif()
 
+# A library or program that is linked with -ffast-math, -funsafe-math-optimizations or -Ofast gets start-up
+# code that flushes denormal numbers. These options come after an enclosing project's flags and revoke them;
+# only another level of optimisation revokes -Ofast.
+set(ulm_exact_link -fno-fast-math -fno-unsafe-math-optimizations -O2)
+set(ULM_NO_OVERRIDE_WARNING)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  # Clang warns when -fno-fast-math resets the contraction that -ffast-math has set.
+  set(ULM_NO_OVERRIDE_WARNING -Wno-overriding-t-option)
+endif()
+
 # What every target of the tree shares: the flags and the include root.
 function(ulm_common target)
   get_target_property(type ${target} TYPE)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:ulm_flags>)
+  if(type MATCHES "^(SHARED_LIBRARY|MODULE_LIBRARY|EXECUTABLE)$")
+    target_link_options(${target} PRIVATE ${ulm_exact_link} ${ULM_NO_OVERRIDE_WARNING})
+  endif()
   if(type STREQUAL "EXECUTABLE")
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   else()

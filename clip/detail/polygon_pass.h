@@ -54,7 +54,9 @@ class Tracer {
     passEnded_ = true;
   }
   void finish(std::uint32_t count) {
-    for (std::uint32_t i = 0; !passEnded_ && i < count; ++i) from_.put(i, i);
+    // Without a pass each vertex is its own origin. The last comes first, so that one allocation
+    // holds them all.
+    for (std::uint32_t i = passEnded_ ? 0 : count; i-- > 0;) from_.put(i, i);
     store_.finish(from_, count);
   }
   void clear() noexcept { store_.clear(); }

@@ -68,8 +68,11 @@ using detail::VolumePlanes;
 template <class Real>
 struct GrowableTrace {
   struct Origins {
-    OdArray<ClipOrigin> places{kClipSpareVertices, kClipGrowByHalf};
+    OdArray<ClipOrigin> places;  // no storage until a vertex is put
     void put(std::uint32_t i, ClipOrigin origin) {
+      if (places.capacity() == 0) {
+        places = OdArray<ClipOrigin>(std::max(i + 1, kClipSpareVertices), kClipGrowByHalf);
+      }
       if (i >= places.length()) places.resize(i + 1);
       places.at(i) = origin;
     }

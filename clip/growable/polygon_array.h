@@ -11,6 +11,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "clip/cursor.h"
 #include "clip/polygon.h"
@@ -27,8 +28,9 @@ inline constexpr ClipVertexF defaultClipVertexArrayF{};
 inline constexpr std::uint32_t kClipSpareVertices = 16;
 inline constexpr std::int32_t kClipGrowByHalf = -50;
 
-// Assignment shares the vertices. `count` is the polygon's own length, at most that of the array,
-// which clipping does not shrink.
+// Copies share the vertices until one of them is written. `count` is the polygon's own length, at
+// most that of the array, which clipping does not shrink. A polygon that was moved from is empty
+// and can be used again.
 template <std::floating_point Real>
 struct BasicClipPolygonArray {
   using Vertex = BasicClipVertex<Real>;
@@ -36,6 +38,8 @@ struct BasicClipPolygonArray {
   OdArray<Vertex> vertices;
   std::uint32_t count = 0;
 
+  // An empty polygon without storage. The first vertex written makes its array as the constructor
+  // below does, so that it grows by half as well.
   BasicClipPolygonArray() noexcept = default;
   // An array of length `size`, room for 16 more and growth by half, its vertices not initialised;
   // `count` is `size` or 0.
@@ -44,16 +48,30 @@ struct BasicClipPolygonArray {
         count(setCount ? size : 0) {
     vertices.resize(size);
   }
+  BasicClipPolygonArray(const BasicClipPolygonArray&) noexcept = default;
+  BasicClipPolygonArray(BasicClipPolygonArray&& other) noexcept
+      : vertices(std::move(other.vertices)), count(std::exchange(other.count, 0)) {}
+  BasicClipPolygonArray& operator=(const BasicClipPolygonArray&) noexcept = default;
+  BasicClipPolygonArray& operator=(BasicClipPolygonArray&& other) noexcept {
+    vertices = std::move(other.vertices);
+    count = std::exchange(other.count, 0);
+    return *this;
+  }
+  ~BasicClipPolygonArray() = default;
 
   // Vertex i; the default vertex from `count` on. The access is the array's writable one, so a
   // shared buffer is copied first.
   const Vertex& vertexAt(std::uint32_t i);
 
   // Element i to write to. From `count` on, `count` becomes i + 1 and the array grows as needed;
-  // the elements between are not initialised. The last index of all, 2^32 - 1, raises OdError 9.
+  // the elements between are not initialised. An array without storage becomes one of capacity
+  // i + 17 that grows by half. The last index of all, 2^32 - 1, raises OdError 9.
   Vertex& vertexForWrite(std::uint32_t i) {
     if (i >= count) {
       if (i == UINT32_MAX) throw OdError(kOdResultNoMemory);
+      if (vertices.capacity() == 0) {
+        vertices = OdArray<Vertex>(std::uint64_t{i} + 1 + kClipSpareVertices, kClipGrowByHalf);
+      }
       if (i + 1 >= vertices.length()) vertices.resize(i + 1);
       count = i + 1;
     }
@@ -125,7 +143,8 @@ template <std::floating_point Real>
 std::size_t clipPolygonArraysInPlace2D(BasicClipPolygonArray<Real>* polygons,
                                        std::size_t polygonCount, ClipOutcome* outcomes);
 
-// After an exception `trace` is of no use.
+// A trace allocates where it has something to hold: one array for the origins of an untouched
+// polygon, nothing for a polygon that its outcodes refuse. After an exception `trace` is of no use.
 template <std::floating_point Real>
 BasicClipPolygonArray<Real>* clipPolygonArrayToVolume(BasicClipPolygonArray<Real>& first,
                                                       BasicClipPolygonArray<Real>& second,

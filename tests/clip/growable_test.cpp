@@ -63,21 +63,67 @@ TEST(Growable, GrowsAsItIsMadeAndWritten) {
     EXPECT_EQ(codeRaisedBy([&] { ClipPolygonArray(size, true); }), 9) << size;
   }
   EXPECT_EQ(ClipPolygonArrayF(5, true).count, 5U);
-  ClipPolygonArray polygon(3, false);
-  EXPECT_TRUE(polygon.count == 0 && polygon.vertices.growth() == -50);
-  const std::uint32_t kWrites[][4] = {// index, count, length and capacity afterwards
-                                      {1, 2, 3, 19},
-                                      {20, 21, 21, 21},
-                                      {21, 22, 22, 31}};  // half as much again as 3 is less
-  for (const auto& [index, count, length, capacity] : kWrites) {
-    polygon.vertexForWrite(index).x = index;
-    EXPECT_TRUE(polygon.count == count && polygon.vertices.length() == length) << index;
-    EXPECT_TRUE(polygon.vertices.capacity() == capacity && polygon.vertices.at(1).x == 1);
+  ClipPolygonArray polygon(3, false), empty, source = circle(8), assigned = source;
+  ClipPolygonArray moved = std::move(source);
+  moved = std::move(assigned);
+  EXPECT_TRUE(moved.count == 8 && source.count == 0 && assigned.count == 0);
+  EXPECT_EQ(&source.vertexAt(0), &defaultClipVertexArray);
+  const struct {
+    ClipPolygonArray& polygon;
+    std::uint32_t index, count, length, capacity;  // the last three after the write
+  } kWrites[] = {{polygon, 1, 2, 3, 19},    {polygon, 20, 21, 21, 21},
+                 {polygon, 21, 22, 22, 31},  // half as much again as 3 is less
+                 {empty, 0, 1, 1, 17},      {empty, 17, 18, 18, 18},
+                 {empty, 18, 19, 19, 27},   {source, 9, 10, 10, 26},
+                 {assigned, 2, 3, 3, 19}};
+  for (const auto& [written, index, count, length, capacity] : kWrites) {
+    written.vertexForWrite(index).x = index;
+    EXPECT_TRUE(written.count == count && written.vertices.length() == length) << index;
+    EXPECT_TRUE(written.vertices.capacity() == capacity && written.vertices.growth() == -50);
   }
+  EXPECT_TRUE(polygon.vertices.at(1).x == 1 && polygon.vertices.at(20).x == 20);
   for (const std::uint32_t index : {~0U, ~0U - 1, 107374181U}) {
     EXPECT_EQ(codeRaisedBy([&] { polygon.vertexForWrite(index); }), 9) << index;
     EXPECT_TRUE(polygon.count == 22 && polygon.vertices.length() == 22);
   }
+}
+
+// The tests on outcodes allocate and detach nothing. A trace then holds the origins of an untouched
+// polygon, in one allocation, and nothing for a refused one.
+TEST(Growable, OutcodesSettleWithoutMemory) {
+  const struct {
+    std::uint32_t count, outcode;
+    bool remains;
+    std::uint64_t calls;  // of a traced call; one without a trace makes none
+  } kCases[] = {
+      {1000, 0, true, 1}, {1000, 0x08, false, 0}, {1000, 0x41, false, 0}, {0, 0, false, 0}};
+  for (const auto& [count, outcode, remains, calls] : kCases) {
+    ClipPolygonArray polygon = circle(1000);
+    for (std::uint32_t i = 0; i < 1000; ++i) polygon.vertexForWrite(i).outcode = outcode;
+    polygon.count = count;
+    const ClipPolygonArray shared = polygon;
+    ClipTraceArray trace;
+    const std::uint64_t before = odrxAllocCounts().calls;
+    EXPECT_EQ(clipPolygonArrayInPlace(polygon), remains);
+    EXPECT_EQ(odrxAllocCounts().calls, before) << outcode;
+    EXPECT_EQ(clipPolygonArrayInPlace2D(polygon, trace), remains);
+    EXPECT_EQ(odrxAllocCounts().calls - before, calls) << outcode;
+    EXPECT_EQ(trace.origins.length(), remains ? count : 0);
+    EXPECT_EQ(bufferOf(polygon), bufferOf(shared));
+  }
+}
+
+// Scratch polygons without storage of their own grow by half too: the number of reallocations is
+// logarithmic.
+TEST(Growable, ScratchPolygonsMayStartEmpty) {
+  ClipPolygonArray source = circle(100000), second = source, first;
+  const ClipPolygonArray taken = std::move(second);
+  const std::uint64_t calls = odrxAllocCounts().calls;
+  ClipPolygonArray* const result = clipPolygonArrayToVolume(first, second, source, ~0U);
+  EXPECT_LT(odrxAllocCounts().calls - calls, 60U);
+  ASSERT_EQ(result, &second);
+  EXPECT_EQ(result->count, 25436U);
+  EXPECT_EQ(taken.count, 100000U);
 }
 
 TEST(Growable, ACountAboveTheLengthIsAnInvalidIndex) {
