@@ -5,10 +5,11 @@
 // name as its destination or result stay unchanged.
 //
 // The storage is part of the promise: each operation tells the count and capacity it leaves.
-// Failure: the one exception is std::bad_alloc, when memory is short or a size passes 32 bits. The
-// operands are then unchanged, and a destination holds a valid value: its old one or one on the
-// way. Threads: any number may read a value; one that changes it must have it to itself. Sizes are
-// 32-bit quantities: a value has less than 2^32 bits, and the caller sees to it.
+// Failure: the one exception is std::bad_alloc, when memory is short or a capacity would exceed
+// 2^27 words (2^32 bits). The operands are then unchanged, and a destination holds a valid value:
+// its old one or one on the way. Threads: any number may read a value; one that changes it must
+// have it to itself. BitLength and bit indices are 32-bit quantities: a value of exactly 2^32 bits,
+// which a product or a filled array of 2^27 words can be, is for the caller to avoid.
 #pragma once
 
 #include <compare>
@@ -136,7 +137,8 @@ class QLInteger {
   QLInteger& operator>>=(std::uint32_t bits);
 };
 
-// 2 to the power `bit`, in (bit + 32) >> 5 words.
+// 2 to the power `bit`, in (bit + 32) >> 5 words. Throws std::bad_alloc for a `bit` of 2^32 - 1
+// too.
 QLInteger PowerOfTwo(std::uint32_t bit);
 
 // The destination's magnitude plus the operand's, not negative. First the destination gets one zero

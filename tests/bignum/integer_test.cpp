@@ -64,6 +64,31 @@ TEST(Integer, ConstantsHaveTheirStates) {
             "2 3 5 7 11 13 17 19 23 29 31 37 39 41 43 47 49 53 ");
 }
 
+// The largest capacity asks the allocator, and one word more is refused without asking.
+TEST(Integer, CapacityHasALimit) {
+  constexpr std::uint32_t kLimit = 1u << 27;
+  const auto asksFor = [](auto operation) {
+    QLInteger value(1, 5);
+    const std::uint64_t calls = odrxAllocCounts().calls;
+    odrxAllocFail(0, 1);
+    EXPECT_THROW(operation(value), std::bad_alloc);
+    odrxAllocFail(0, 0);
+    EXPECT_TRUE(value == 5 && value.capacity == 32);
+    return odrxAllocCounts().calls - calls;
+  };
+  for (const std::uint32_t n : {kLimit, kLimit + 1, UINT32_MAX}) {
+    const std::uint64_t asked = n == kLimit ? 1 : 0;
+    EXPECT_EQ(asksFor([n](QLInteger& value) { value.Reallocate(n, true); }), asked) << n;
+    EXPECT_EQ(asksFor([n](QLInteger& value) { value.EnsureCount(n); }), asked) << n;
+    EXPECT_EQ(asksFor([n](QLInteger&) { QLInteger(n, 0); }), asked) << n;
+  }
+  EXPECT_EQ(asksFor([](QLInteger& value) { value <<= 32 * (kLimit - 2); }), 1u);
+  EXPECT_EQ(asksFor([](QLInteger& value) { value <<= 32 * (kLimit - 2) + 1; }), 0u);
+  EXPECT_EQ(asksFor([](QLInteger& value) { value <<= UINT32_MAX; }), 0u);
+  EXPECT_EQ(asksFor([](QLInteger&) { PowerOfTwo(UINT32_MAX - 1); }), 1u);
+  EXPECT_EQ(asksFor([](QLInteger&) { PowerOfTwo(UINT32_MAX); }), 0u);
+}
+
 TEST(Integer, OrdersBySignThenMagnitude) {
   std::vector<QLInteger> ascending;
   for (const char* text : {"-1FFFFFFFFh", "-100000000h", "-80000000h", "-3", "-2", "0", "1", "2",
