@@ -32,6 +32,15 @@ namespace ulm::bignum {
 struct EmptyHolder {};
 inline constexpr EmptyHolder kEmptyHolder{};
 
+// A type that converts to Number although not each of its values is one: a wider integer, floating
+// point. Small operands are signed 32-bit numbers, and an operation on one does not compile for
+// such a type, since the conversion would change the number silently. Wider ones go through
+// fromInt64 and fromUint64. Counts, shifts and indices convert as the language does.
+template <class T, class Number>
+concept NarrowedTo = std::convertible_to<T, Number> && !requires(T value) {
+  Number{value};
+};
+
 // Normal form: count is at least 1, and the top word is not zero unless count is 1. Zero is count 1
 // with word 0 zero and negative 0. Every operation leaves normal form and asks it of its operands,
 // but for those that say otherwise. Words from count up to capacity mean nothing.
@@ -50,6 +59,8 @@ class QLInteger {
   QLInteger();  // 0, capacity 32
   explicit QLInteger(EmptyHolder) noexcept;
   QLInteger(std::int32_t number);  // capacity 32; not explicit, so that small numbers are operands
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger(T number) = delete;
   // Storage is sized to the source's count, not to its capacity.
   QLInteger(const QLInteger& source);
   QLInteger(QLInteger&& source) noexcept;
@@ -63,6 +74,10 @@ class QLInteger {
   // Numbers from elsewhere: capacity 32 for these two, the storage of FromText for the third.
   static QLInteger fromInt64(std::int64_t number);
   static QLInteger fromUint64(std::uint64_t number);
+  template <NarrowedTo<std::int64_t> T>
+  static QLInteger fromInt64(T number) = delete;
+  template <NarrowedTo<std::uint64_t> T>
+  static QLInteger fromUint64(T number) = delete;
   static QLInteger fromText(const char* text);
 
   // Copies count, sign and words. Storage is replaced, without its content, only if it is too
@@ -70,6 +85,8 @@ class QLInteger {
   void Assign(const QLInteger& source);
   // Reuses the storage; 32 words if there is none.
   void Assign(std::int32_t number);
+  template <NarrowedTo<std::int32_t> T>
+  void Assign(T number) = delete;
   void Swap(QLInteger& other) noexcept;  // all four fields
 
   // Storage by hand. None of these but Normalise takes words off, and they may leave zero top
@@ -106,8 +123,12 @@ class QLInteger {
   // -1, 0 or 1. Signs first, then magnitudes: the larger count, then words from the top down.
   int Compare(const QLInteger& other) const noexcept;
   int Compare(std::int32_t other) const noexcept;
+  template <NarrowedTo<std::int32_t> T>
+  int Compare(T other) const = delete;
+  // A negative number counts with its own magnitude: |-1| is 1. A wider type is ambiguous.
   int CompareMagnitude(const QLInteger& other) const noexcept;
   int CompareMagnitude(std::uint32_t other) const noexcept;
+  int CompareMagnitude(std::int32_t other) const noexcept;
 
   // Signed sums: AddMagnitude or SubtractMagnitude, by the signs, with their storage. The operand
   // may be the value itself.
@@ -117,6 +138,10 @@ class QLInteger {
   // reaches or crosses zero they are the operations above.
   QLInteger& operator+=(std::int32_t operand);
   QLInteger& operator-=(std::int32_t operand);
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger& operator+=(T operand) = delete;
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger& operator-=(T operand) = delete;
   QLInteger& operator++() { return *this += 1; }
   QLInteger& operator--() { return *this -= 1; }
   QLInteger operator++(int);
@@ -127,6 +152,8 @@ class QLInteger {
   // replaces the old. The operand may be the value itself. Quadratic time with the plain kernel.
   QLInteger& operator*=(const QLInteger& operand);
   QLInteger& operator*=(std::int32_t operand);
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger& operator*=(T operand) = delete;
   // The remainder, in storage made fresh by Remainder below.
   QLInteger& operator%=(const QLInteger& modulus);
 
@@ -162,6 +189,9 @@ void Divide(const QLInteger& dividend, const QLInteger& divisor, QLInteger& quot
             QLInteger& remainder);
 void Divide(const QLInteger& dividend, std::int32_t divisor, QLInteger& quotient,
             QLInteger& remainder);
+template <NarrowedTo<std::int32_t> T>
+void Divide(const QLInteger& dividend, T divisor, QLInteger& quotient,
+            QLInteger& remainder) = delete;
 void Remainder(const QLInteger& dividend, const QLInteger& divisor, QLInteger& remainder);
 
 // Fresh values: a copy of the first operand, then the operation that changes it; a product is built
@@ -173,6 +203,11 @@ QLInteger operator*(const QLInteger& a, const QLInteger& b);
 QLInteger operator*(const QLInteger& a, std::int32_t b);
 QLInteger operator/(const QLInteger& a, const QLInteger& b);
 QLInteger operator>>(const QLInteger& a, std::uint32_t bits);
+// The operations that have no overload for a small number refuse such a type by the constructor.
+template <NarrowedTo<std::int32_t> T>
+QLInteger operator-(const QLInteger& a, T b) = delete;
+template <NarrowedTo<std::int32_t> T>
+QLInteger operator*(const QLInteger& a, T b) = delete;
 
 // Equal: the same count, sign and words.
 bool operator==(const QLInteger& a, const QLInteger& b) noexcept;
@@ -180,6 +215,8 @@ bool operator==(const QLInteger& a, std::int32_t b) noexcept;
 inline bool operator<(const QLInteger& a, const QLInteger& b) noexcept { return a.Compare(b) < 0; }
 inline bool operator<(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) < 0; }
 inline bool operator<=(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) <= 0; }
+template <NarrowedTo<std::int32_t> T>
+bool operator==(const QLInteger& a, T b) = delete;
 
 // ---- Modern use: each a line or two over the operations above.
 
@@ -189,6 +226,8 @@ inline std::strong_ordering operator<=>(const QLInteger& a, const QLInteger& b) 
 inline std::strong_ordering operator<=>(const QLInteger& a, std::int32_t b) noexcept {
   return a.Compare(b) <=> 0;
 }
+template <NarrowedTo<std::int32_t> T>
+std::strong_ordering operator<=>(const QLInteger& a, T b) = delete;
 
 inline void swap(QLInteger& a, QLInteger& b) noexcept { a.Swap(b); }
 

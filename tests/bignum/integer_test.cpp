@@ -113,6 +113,7 @@ TEST(Integer, OrdersBySignThenMagnitude) {
   }
   EXPECT_EQ(ascending[9].CompareMagnitude(0x80000001u), -1);
   EXPECT_EQ(ascending[10].CompareMagnitude(0xFFFFFFFFu), 1);
+  EXPECT_EQ(ascending[6].CompareMagnitude(-1), 0);
 }
 
 TEST(Integer, PrimesAgreeWithTrialDivision) {
