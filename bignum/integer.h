@@ -18,7 +18,6 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <string>
@@ -251,56 +250,6 @@ std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& o
   const auto base = out.flags() & Stream::basefield;
   return out << toText(value, base == Stream::hex ? 16 : base == Stream::oct ? 8 : 10);
 }
-
-// The magnitude's bytes, without zero bytes on top and none for zero. Borrows the value.
-class ByteRange {
- public:
-  class Iterator {
-   public:
-    using value_type = std::uint8_t;
-    using difference_type = std::ptrdiff_t;
-    using reference = std::uint8_t;
-    using pointer = void;
-    using iterator_category = std::input_iterator_tag;
-
-    Iterator(const Word* words, std::ptrdiff_t index, std::ptrdiff_t step) noexcept
-        : words_(words), index_(index), step_(step) {}
-    std::uint8_t operator*() const noexcept {
-      return static_cast<std::uint8_t>(words_[index_ / 4] >> (index_ % 4 * 8));
-    }
-    Iterator& operator++() noexcept {
-      index_ += step_;
-      return *this;
-    }
-    void operator++(int) noexcept { ++*this; }
-    bool operator==(const Iterator& other) const noexcept { return index_ == other.index_; }
-
-   private:
-    const Word* words_;
-    std::ptrdiff_t index_;
-    std::ptrdiff_t step_;
-  };
-
-  ByteRange(const QLInteger& value, bool highFirst) noexcept
-      : words_(value.words),
-        size_((std::ptrdiff_t{value.BitLength()} + 7) / 8),
-        highFirst_(highFirst) {}
-  Iterator begin() const noexcept {
-    return highFirst_ ? Iterator(words_, size_ - 1, -1) : Iterator(words_, 0, 1);
-  }
-  Iterator end() const noexcept {
-    return highFirst_ ? Iterator(words_, -1, -1) : Iterator(words_, size_, 1);
-  }
-  std::size_t size() const noexcept { return static_cast<std::size_t>(size_); }
-
- private:
-  const Word* words_;
-  std::ptrdiff_t size_;
-  bool highFirst_;
-};
-
-inline ByteRange bytesLowFirst(const QLInteger& value) noexcept { return {value, false}; }
-inline ByteRange bytesHighFirst(const QLInteger& value) noexcept { return {value, true}; }
 
 }  // namespace ulm::bignum
 

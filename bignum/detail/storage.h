@@ -37,6 +37,23 @@ struct WordsDeleter {
 };
 using WordsHolder = std::unique_ptr<Word, WordsDeleter>;
 
+// Zeroes n words by stores that no compiler leaves out, although the words are freed next.
+inline void wipeWords(Word* words, std::uint32_t n) noexcept {
+  volatile Word* const wiped = words;
+  for (std::uint32_t i = 0; i < n; ++i) wiped[i] = 0;
+}
+
+// Lays n words out as their bytes, low byte first, in their own storage, and returns these. On a
+// machine that stores words so nothing changes; on another they are words no longer.
+inline const std::uint8_t* bytesInPlace(Word* words, std::uint32_t n) noexcept {
+  auto* const bytes = static_cast<std::uint8_t*>(static_cast<void*>(words));
+  for (std::size_t i = 0; i < n; ++i) {
+    const Word word = words[i];
+    for (std::size_t k = 0; k < 4; ++k) bytes[4 * i + k] = byteOfWords(&word, k);
+  }
+  return bytes;
+}
+
 // Working words for a kernel; null where it needs none. They are no value's storage, so they may
 // be more than kMaxWords.
 inline WordsHolder scratchWords(std::size_t n) {

@@ -23,6 +23,7 @@ std::atomic<std::uint64_t> liveBytes{0};
 std::atomic<std::uint64_t> calls{0};
 std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
 std::atomic<std::uint64_t> failEnd{0};    // number of the first call that is served again
+std::atomic<void (*)(const void* block, std::uint64_t bytes)> watchFreed{nullptr};
 
 // By a header's address alone: what it holds does not matter.
 std::uint64_t sealFor(std::uintptr_t header) noexcept { return kSeal ^ header; }
@@ -76,6 +77,7 @@ void* odrxRealloc(void* block, std::size_t newBytes, std::size_t oldBytes) noexc
 void odrxFree(void* block) noexcept {
   if (block == nullptr) return;
   BlockHeader* header = headerOf(block);
+  if (auto* const watch = watchFreed.load()) watch(block, header->bytes);
   header->seal = 0;
   liveBlocks.fetch_sub(1);
   liveBytes.fetch_sub(header->bytes);
@@ -91,6 +93,10 @@ void odrxFree(void* block) noexcept {
 
 OdrxAllocCounts odrxAllocCounts() noexcept {
   return {liveBlocks.load(), liveBytes.load(), calls.load()};
+}
+
+void odrxAllocWatchFreed(void (*watch)(const void* block, std::uint64_t bytes)) noexcept {
+  watchFreed.store(watch);
 }
 
 void odrxAllocFail(std::uint64_t after, std::uint64_t count) noexcept {

@@ -4,12 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 #include <sstream>
 #include <thread>
 #include <unordered_set>
 #include <vector>
 
+#include "bignum/bytes.h"
 #include "bignum/constants.h"
 #include "bignum/number_theory.h"
 #include "platform/odrx/alloc_control.h"
@@ -140,17 +142,37 @@ TEST(Integer, ThreadsShareValuesTheyRead) {
   for (const QLInteger& result : results) EXPECT_EQ(result, results[0]);
 }
 
+TEST(Integer, BytesComeAndGoInBothOrders) {
+  for (const std::size_t length : {0u, 1u, 3u, 4u, 5u, 127u, 128u, 129u}) {
+    QLInteger expected(0);
+    std::vector<std::uint8_t> bytes(length);
+    for (std::size_t i = length; i-- > 0;) {
+      bytes[i] = static_cast<std::uint8_t>(0x81 + 11 * i);
+      (expected <<= 8) += bytes[i];
+    }
+    const auto capacity =
+        static_cast<std::uint32_t>(std::max<std::size_t>(length + 127, 128) / 128 * 32);
+    std::vector<std::uint8_t> highFirst(bytes.rbegin(), bytes.rend());
+    const QLInteger low = fromBytesLowFirst(bytes), high = fromBytesHighFirst(highFirst);
+    EXPECT_TRUE(low == expected && low.capacity == capacity) << length;
+    EXPECT_TRUE(high == expected && high.capacity == capacity) << length;
+    const QLInteger negative = Zero - low;  // the sign is no part of the bytes
+    const auto written = bytesLowFirst(negative), writtenHighFirst = bytesHighFirst(negative);
+    EXPECT_TRUE(std::equal(written.begin(), written.end(), bytes.begin(), bytes.end())) << length;
+    EXPECT_TRUE(std::equal(writtenHighFirst.begin(), writtenHighFirst.end(), highFirst.begin(),
+                           highFirst.end()))
+        << length;
+    EXPECT_EQ(written.size(), length);
+    highFirst.insert(highFirst.begin(), 9, 0);
+    EXPECT_EQ(fromBytesHighFirst(highFirst), expected) << length;
+  }
+}
+
 TEST(Integer, ServesModernUse) {
   const QLInteger value = QLInteger::fromText("-123456789Ah");
   std::ostringstream out;
   out << value << ' ' << std::hex << value << ' ' << std::oct << QLInteger(8);
   EXPECT_EQ(out.str(), "-78187493530 -123456789Ah 10o");
-  const std::vector<int> bytes{0x9A, 0x78, 0x56, 0x34, 0x12};
-  const auto low = bytesLowFirst(value), high = bytesHighFirst(value);
-  EXPECT_EQ(std::vector<int>(low.begin(), low.end()), bytes);
-  EXPECT_EQ(std::vector<int>(high.begin(), high.end()),
-            std::vector<int>(bytes.rbegin(), bytes.rend()));
-  EXPECT_EQ(bytesHighFirst(Zero).size(), 0u);
   const std::unordered_set<QLInteger> set{value, One, MinusOne, value};
   EXPECT_TRUE(set.size() == 3 && set.contains(QLInteger(-1)));
 }

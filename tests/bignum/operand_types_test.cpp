@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
+#include "bignum/bytes.h"
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
 
@@ -103,6 +105,22 @@ static_assert(IsFromInt64<std::int32_t> && IsFromInt64<std::uint32_t> && IsFromI
 static_assert(!IsFromInt64<std::uint64_t> && !IsFromInt64<double>);
 static_assert(IsFromUint64<std::uint32_t> && IsFromUint64<unsigned long long>);
 static_assert(!IsFromUint64<std::int32_t> && !IsFromUint64<std::int64_t> && !IsFromUint64<float>);
+
+// Bytes are borrowed from what stays.
+template <class T>
+concept LendsBytes = requires(T&& value) {
+  bytesLowFirst(std::forward<T>(value));
+  bytesHighFirst(std::forward<T>(value));
+  ByteRange(std::forward<T>(value), true);
+};
+template <class T>
+concept LendsAnyBytes = requires(T&& value) {
+  bytesLowFirst(std::forward<T>(value));
+}
+|| requires(T&& value) { bytesHighFirst(std::forward<T>(value)); }
+|| requires(T&& value) { ByteRange(std::forward<T>(value), true); };
+static_assert(LendsBytes<QLInteger&> && LendsBytes<const QLInteger&>);
+static_assert(!LendsAnyBytes<QLInteger> && !LendsAnyBytes<const QLInteger> && !LendsAnyBytes<int>);
 
 // Counts, shifts and indices are no operands: an int serves as it always did.
 static_assert(requires(QLInteger & a, int n) {
