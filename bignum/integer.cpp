@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::uint32_t kStorageStep = 32;
 
-// Words allocated for a request of n: the next multiple of 32, which must be a 32-bit quantity.
+// Words allocated for a request of n: the next multiple of 32.
 std::uint32_t capacityFor(std::uint32_t n) {
-  if (n > RoundDownTo(UINT32_MAX, kStorageStep)) throw std::bad_alloc();
-  return RoundUpTo(n, kStorageStep);
+  static_assert(detail::kMaxWords % kStorageStep == 0, "rounding up must not pass the limit");
+  return RoundUpTo(detail::checkedCount(n), kStorageStep);
 }
 
 }  // namespace
@@ -138,6 +138,7 @@ void QLInteger::SetBit(std::uint32_t index, bool on) noexcept {
 }
 
 QLInteger PowerOfTwo(std::uint32_t bit) {
+  if (bit == UINT32_MAX) throw std::bad_alloc();  // its BitLength would be 2^32
   QLInteger power(bit / kWordBits + 1, 0);  // (bit + 32) >> 5, without the sum that could wrap
   power.SetBit(bit, true);
   return power;

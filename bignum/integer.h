@@ -5,10 +5,11 @@
 // name as its destination or result stay unchanged.
 //
 // The storage is part of the promise: each operation tells the count and capacity it leaves.
-// Failure: the one exception is std::bad_alloc, when memory is short or a size passes 32 bits. The
-// operands are then unchanged, and a destination holds a valid value: its old one or one on the
-// way. Threads: any number may read a value; one that changes it must have it to itself. Sizes are
-// 32-bit quantities: a value has less than 2^32 bits, and the caller sees to it.
+// Failure: the one exception is std::bad_alloc, when memory is short or a capacity would exceed
+// 2^27 words (2^32 bits). The operands are then unchanged, and a destination holds a valid value:
+// its old one or one on the way. Threads: any number may read a value; one that changes it must
+// have it to itself. BitLength and bit indices are 32-bit quantities: a value of exactly 2^32 bits,
+// which a product or a filled array of 2^27 words can be, is for the caller to avoid.
 #pragma once
 
 #include <compare>
@@ -17,7 +18,6 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <string>
@@ -30,6 +30,15 @@ namespace ulm::bignum {
 // Asks for a value that holds no number yet.
 struct EmptyHolder {};
 inline constexpr EmptyHolder kEmptyHolder{};
+
+// A type that converts to Number although not each of its values is one: a wider integer, floating
+// point. Small operands are signed 32-bit numbers, and an operation on one does not compile for
+// such a type, since the conversion would change the number silently. Wider ones go through
+// fromInt64 and fromUint64. Counts, shifts and indices convert as the language does.
+template <class T, class Number>
+concept NarrowedTo = std::convertible_to<T, Number> && !requires(T value) {
+  Number{value};
+};
 
 // Normal form: count is at least 1, and the top word is not zero unless count is 1. Zero is count 1
 // with word 0 zero and negative 0. Every operation leaves normal form and asks it of its operands,
@@ -49,6 +58,8 @@ class QLInteger {
   QLInteger();  // 0, capacity 32
   explicit QLInteger(EmptyHolder) noexcept;
   QLInteger(std::int32_t number);  // capacity 32; not explicit, so that small numbers are operands
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger(T number) = delete;
   // Storage is sized to the source's count, not to its capacity.
   QLInteger(const QLInteger& source);
   QLInteger(QLInteger&& source) noexcept;
@@ -62,6 +73,10 @@ class QLInteger {
   // Numbers from elsewhere: capacity 32 for these two, the storage of FromText for the third.
   static QLInteger fromInt64(std::int64_t number);
   static QLInteger fromUint64(std::uint64_t number);
+  template <NarrowedTo<std::int64_t> T>
+  static QLInteger fromInt64(T number) = delete;
+  template <NarrowedTo<std::uint64_t> T>
+  static QLInteger fromUint64(T number) = delete;
   static QLInteger fromText(const char* text);
 
   // Copies count, sign and words. Storage is replaced, without its content, only if it is too
@@ -69,6 +84,8 @@ class QLInteger {
   void Assign(const QLInteger& source);
   // Reuses the storage; 32 words if there is none.
   void Assign(std::int32_t number);
+  template <NarrowedTo<std::int32_t> T>
+  void Assign(T number) = delete;
   void Swap(QLInteger& other) noexcept;  // all four fields
 
   // Storage by hand. None of these but Normalise takes words off, and they may leave zero top
@@ -105,8 +122,12 @@ class QLInteger {
   // -1, 0 or 1. Signs first, then magnitudes: the larger count, then words from the top down.
   int Compare(const QLInteger& other) const noexcept;
   int Compare(std::int32_t other) const noexcept;
+  template <NarrowedTo<std::int32_t> T>
+  int Compare(T other) const = delete;
+  // A negative number counts with its own magnitude: |-1| is 1. A wider type is ambiguous.
   int CompareMagnitude(const QLInteger& other) const noexcept;
   int CompareMagnitude(std::uint32_t other) const noexcept;
+  int CompareMagnitude(std::int32_t other) const noexcept;
 
   // Signed sums: AddMagnitude or SubtractMagnitude, by the signs, with their storage. The operand
   // may be the value itself.
@@ -116,6 +137,10 @@ class QLInteger {
   // reaches or crosses zero they are the operations above.
   QLInteger& operator+=(std::int32_t operand);
   QLInteger& operator-=(std::int32_t operand);
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger& operator+=(T operand) = delete;
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger& operator-=(T operand) = delete;
   QLInteger& operator++() { return *this += 1; }
   QLInteger& operator--() { return *this -= 1; }
   QLInteger operator++(int);
@@ -126,6 +151,8 @@ class QLInteger {
   // replaces the old. The operand may be the value itself. Quadratic time with the plain kernel.
   QLInteger& operator*=(const QLInteger& operand);
   QLInteger& operator*=(std::int32_t operand);
+  template <NarrowedTo<std::int32_t> T>
+  QLInteger& operator*=(T operand) = delete;
   // The remainder, in storage made fresh by Remainder below.
   QLInteger& operator%=(const QLInteger& modulus);
 
@@ -136,7 +163,8 @@ class QLInteger {
   QLInteger& operator>>=(std::uint32_t bits);
 };
 
-// 2 to the power `bit`, in (bit + 32) >> 5 words.
+// 2 to the power `bit`, in (bit + 32) >> 5 words. Throws std::bad_alloc for a `bit` of 2^32 - 1
+// too.
 QLInteger PowerOfTwo(std::uint32_t bit);
 
 // The destination's magnitude plus the operand's, not negative. First the destination gets one zero
@@ -160,6 +188,9 @@ void Divide(const QLInteger& dividend, const QLInteger& divisor, QLInteger& quot
             QLInteger& remainder);
 void Divide(const QLInteger& dividend, std::int32_t divisor, QLInteger& quotient,
             QLInteger& remainder);
+template <NarrowedTo<std::int32_t> T>
+void Divide(const QLInteger& dividend, T divisor, QLInteger& quotient,
+            QLInteger& remainder) = delete;
 void Remainder(const QLInteger& dividend, const QLInteger& divisor, QLInteger& remainder);
 
 // Fresh values: a copy of the first operand, then the operation that changes it; a product is built
@@ -171,6 +202,11 @@ QLInteger operator*(const QLInteger& a, const QLInteger& b);
 QLInteger operator*(const QLInteger& a, std::int32_t b);
 QLInteger operator/(const QLInteger& a, const QLInteger& b);
 QLInteger operator>>(const QLInteger& a, std::uint32_t bits);
+// The operations that have no overload for a small number refuse such a type by the constructor.
+template <NarrowedTo<std::int32_t> T>
+QLInteger operator-(const QLInteger& a, T b) = delete;
+template <NarrowedTo<std::int32_t> T>
+QLInteger operator*(const QLInteger& a, T b) = delete;
 
 // Equal: the same count, sign and words.
 bool operator==(const QLInteger& a, const QLInteger& b) noexcept;
@@ -178,6 +214,8 @@ bool operator==(const QLInteger& a, std::int32_t b) noexcept;
 inline bool operator<(const QLInteger& a, const QLInteger& b) noexcept { return a.Compare(b) < 0; }
 inline bool operator<(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) < 0; }
 inline bool operator<=(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) <= 0; }
+template <NarrowedTo<std::int32_t> T>
+bool operator==(const QLInteger& a, T b) = delete;
 
 // ---- Modern use: each a line or two over the operations above.
 
@@ -187,6 +225,8 @@ inline std::strong_ordering operator<=>(const QLInteger& a, const QLInteger& b) 
 inline std::strong_ordering operator<=>(const QLInteger& a, std::int32_t b) noexcept {
   return a.Compare(b) <=> 0;
 }
+template <NarrowedTo<std::int32_t> T>
+std::strong_ordering operator<=>(const QLInteger& a, T b) = delete;
 
 inline void swap(QLInteger& a, QLInteger& b) noexcept { a.Swap(b); }
 
@@ -210,56 +250,6 @@ std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& o
   const auto base = out.flags() & Stream::basefield;
   return out << toText(value, base == Stream::hex ? 16 : base == Stream::oct ? 8 : 10);
 }
-
-// The magnitude's bytes, without zero bytes on top and none for zero. Borrows the value.
-class ByteRange {
- public:
-  class Iterator {
-   public:
-    using value_type = std::uint8_t;
-    using difference_type = std::ptrdiff_t;
-    using reference = std::uint8_t;
-    using pointer = void;
-    using iterator_category = std::input_iterator_tag;
-
-    Iterator(const Word* words, std::ptrdiff_t index, std::ptrdiff_t step) noexcept
-        : words_(words), index_(index), step_(step) {}
-    std::uint8_t operator*() const noexcept {
-      return static_cast<std::uint8_t>(words_[index_ / 4] >> (index_ % 4 * 8));
-    }
-    Iterator& operator++() noexcept {
-      index_ += step_;
-      return *this;
-    }
-    void operator++(int) noexcept { ++*this; }
-    bool operator==(const Iterator& other) const noexcept { return index_ == other.index_; }
-
-   private:
-    const Word* words_;
-    std::ptrdiff_t index_;
-    std::ptrdiff_t step_;
-  };
-
-  ByteRange(const QLInteger& value, bool highFirst) noexcept
-      : words_(value.words),
-        size_((std::ptrdiff_t{value.BitLength()} + 7) / 8),
-        highFirst_(highFirst) {}
-  Iterator begin() const noexcept {
-    return highFirst_ ? Iterator(words_, size_ - 1, -1) : Iterator(words_, 0, 1);
-  }
-  Iterator end() const noexcept {
-    return highFirst_ ? Iterator(words_, -1, -1) : Iterator(words_, size_, 1);
-  }
-  std::size_t size() const noexcept { return static_cast<std::size_t>(size_); }
-
- private:
-  const Word* words_;
-  std::ptrdiff_t size_;
-  bool highFirst_;
-};
-
-inline ByteRange bytesLowFirst(const QLInteger& value) noexcept { return {value, false}; }
-inline ByteRange bytesHighFirst(const QLInteger& value) noexcept { return {value, true}; }
 
 }  // namespace ulm::bignum
 

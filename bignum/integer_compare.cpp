@@ -24,6 +24,10 @@ int QLInteger::CompareMagnitude(std::uint32_t other) const noexcept {
   return threeWay(words[0], other);
 }
 
+int QLInteger::CompareMagnitude(std::int32_t other) const noexcept {
+  return CompareMagnitude(detail::magnitudeOf(other));
+}
+
 int QLInteger::Compare(const QLInteger& other) const noexcept {
   return signedOrder(IsNegative(), other.IsNegative(), CompareMagnitude(other));
 }

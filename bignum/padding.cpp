@@ -4,16 +4,9 @@
 #include <cstddef>
 #include <cstring>
 
+#include "bignum/words.h"
+
 namespace ulm::bignum {
-namespace {
-
-// Bytes that hold `bits` bits, for all 32-bit numbers of them.
-constexpr std::size_t bytesOf(std::uint32_t bits) noexcept {
-  return static_cast<std::size_t>((std::uint64_t{bits} + 7) >> 3);
-}
-
-}  // namespace
-
 QLPadding::~QLPadding() = default;
 QLZeroPadding::~QLZeroPadding() = default;
 
@@ -21,16 +14,16 @@ std::uint32_t QLZeroPadding::PayloadBits(std::uint32_t paddedBits) const { retur
 
 void QLZeroPadding::Pad(const std::uint8_t* input, std::uint32_t inputBits, std::uint8_t* output,
                         std::uint32_t outputBits) const {
-  std::fill_n(output, bytesOf(outputBits), std::uint8_t{0});
-  const std::size_t copied = bytesOf(std::min(inputBits, outputBits));
+  std::fill_n(output, bytesForBits(outputBits), std::uint8_t{0});
+  const std::size_t copied = bytesForBits(std::min(inputBits, outputBits));
   if (copied != 0) std::memcpy(output, input, copied);
 }
 
 std::uint32_t QLZeroPadding::Unpad(const std::uint8_t* input, std::uint32_t inputBits,
                                    std::uint8_t* output) const {
   std::uint32_t bits = inputBits;
-  while (bits != 0 && input[bytesOf(bits) - 1] == 0) bits -= std::min(bits, 8u);
-  if (bits != 0) std::memmove(output, input, bytesOf(bits));
+  while (bits != 0 && input[bytesForBits(bits) - 1] == 0) bits -= std::min(bits, 8u);
+  if (bits != 0) std::memmove(output, input, bytesForBits(bits));
   return bits;
 }
 

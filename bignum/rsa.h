@@ -3,7 +3,9 @@
 // A key is the two numbers, copied at construction; no operation changes them, or anything else in
 // an object, so any number of threads may use one. Nothing verifies a key or a block, and there is
 // no padding but zero bytes: a wrong key gives a wrong block. std::bad_alloc is the one exception.
-// The time depends on the values: not for secrets that others can time.
+// The time depends on the values: not for secrets that others can time. An object overwrites its
+// copies of the key with zeros when it is destroyed. Nothing else is wiped: the caller's numbers,
+// the working values of Apply and Decrypt, what a key was before an assignment to it.
 #pragma once
 
 #include <cstdint>

@@ -9,6 +9,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "bignum/digest.h"
 #include "hostsdk/odrx/alloc.h"
@@ -30,11 +31,16 @@ class QLSHA : public QLMessageDigest {
   ~QLSHA() override;
 
   // Objects live in the runtime's memory in every program. A `new QLSHA` is null where it gives
-  // none.
+  // none, with std::nothrow or without.
   static void* operator new(std::size_t bytes) noexcept { return odrxAlloc(bytes); }
+  static void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return odrxAlloc(bytes);
+  }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void operator delete(void* memory) noexcept { odrxFree(memory); }
-  static void operator delete(void*, void*) noexcept {}  // pairs with the placement form
+  // These pair with the other two forms; the language calls them where a constructor throws.
+  static void operator delete(void* memory, const std::nothrow_t&) noexcept { odrxFree(memory); }
+  static void operator delete(void*, void*) noexcept {}
 
   std::uint32_t DigestSize() const override;  // 20
   // Keeps rotateSchedule.

@@ -118,15 +118,6 @@ std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size,
   return out.sizeUsed();
 }
 
-void ToBytes(const QLInteger& value, std::uint8_t* buffer, std::uint32_t size) noexcept {
-  const std::uint64_t inWords = std::uint64_t{4} * value.count;
-  const auto copied = static_cast<std::uint32_t>(std::min<std::uint64_t>(size, inWords));
-  for (std::uint32_t i = 0; i < copied; ++i) {
-    buffer[i] = static_cast<std::uint8_t>(value.words[i / 4] >> (i % 4 * 8));
-  }
-  std::fill(buffer + copied, buffer + size, static_cast<std::uint8_t>(value.SignWord()));
-}
-
 std::int32_t HexToBytes(std::uint8_t* buffer, std::uint32_t size, const char* text) noexcept {
   const std::size_t needed = std::strlen(text) / 2 + std::strlen(text) % 2;
   if (needed > size) return static_cast<std::int32_t>(std::min<std::size_t>(needed, INT32_MAX));

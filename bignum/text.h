@@ -26,8 +26,9 @@ struct NumberText {
 NumberText scanNumberText(const char* text) noexcept;
 
 // Reads a number. It has no failure: a character that is no digit of the radix is passed over, and
-// what has no digits, the empty text and a lone sign too, is 0. The value is made by *= and += in
-// its own storage; it may be an empty holder. Throws std::bad_alloc alone. Quadratic time.
+// what has no digits, the empty text and a lone sign too, is 0. The value may be an empty holder.
+// It is assigned 0, and then takes *= radix and += digit for each digit, with the storage that
+// these leave. Throws std::bad_alloc alone. Quadratic time.
 void FromText(QLInteger& value, const char* text);
 
 // Writes the number text, without leading zeros, of the radix 2 to 16. Gives the characters written
@@ -35,10 +36,6 @@ void FromText(QLInteger& value, const char* text);
 // byte, so a text of L characters needs L + 2. The buffer then holds no usable text. Any other
 // radix gives `size` and an empty text, if there is a byte for it. A division for each digit.
 std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size, std::uint32_t radix);
-
-// Writes the magnitude, low byte first: the low `size` bytes of the words in use, or all of them
-// and behind these 0xFF for a negative value, else 0.
-void ToBytes(const QLInteger& value, std::uint8_t* buffer, std::uint32_t size) noexcept;
 
 // Reads hexadecimal digits of either case, passing over all else, into bytes: the first digit is
 // the high half of byte 0. Zeroes all `size` bytes first. Gives the number of bytes completed; an

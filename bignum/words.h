@@ -3,6 +3,7 @@
 // the caller vouches for the room that each one names.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ulm::bignum {
@@ -51,6 +52,14 @@ void FreeWords(Word* words) noexcept;
 // The byte that holds bit i of a byte string, and the bit's place in it.
 constexpr std::uint32_t ByteOfBit(std::uint32_t i) noexcept { return i >> 3; }
 constexpr std::uint32_t BitInByte(std::uint32_t i) noexcept { return i & 7; }
+// The bytes that hold `bits` bits.
+constexpr std::size_t bytesForBits(std::uint32_t bits) noexcept {
+  return static_cast<std::size_t>(bits >> 3) + ((bits & 7) != 0 ? 1 : 0);
+}
+// Byte i of the byte string that words are, the low byte first.
+constexpr std::uint8_t byteOfWords(const Word* words, std::size_t i) noexcept {
+  return static_cast<std::uint8_t>(words[i / 4] >> (i % 4 * 8));
+}
 bool TestRawBit(const std::uint8_t* bytes, std::uint32_t i) noexcept;
 void SetRawBit(std::uint8_t* bytes, std::uint32_t i, bool on) noexcept;
 

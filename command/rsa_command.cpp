@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "bignum/bytes.h"
 #include "bignum/rsa.h"
 #include "bignum/text.h"
 #include "command/commands.h"
@@ -92,13 +93,9 @@ Bytes readBlock(const Arguments& given, std::size_t size) {
 
 // The function alone: a block of the same length, with its zero bytes.
 Bytes applyTo(const bignum::QLRSAFunction& function, const Bytes& block) {
-  QLInteger number(static_cast<std::uint32_t>((block.size() + 3) / 4), 0);
-  for (std::size_t i = 0; i < block.size(); ++i) {
-    number.words[i / 4] |= bignum::Word{block[i]} << (i % 4 * 8);
-  }
-  number.Normalise();
   Bytes result(block.size());
-  ToBytes(function.Apply(number), result.data(), static_cast<std::uint32_t>(result.size()));
+  ToBytes(function.Apply(bignum::fromBytesLowFirst(block)), result.data(),
+          static_cast<std::uint32_t>(result.size()));
   return result;
 }
 

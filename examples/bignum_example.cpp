@@ -2,6 +2,7 @@
 // key's exponent and back.
 #include <iostream>
 
+#include "bignum/bytes.h"
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
 

@@ -38,12 +38,12 @@ int main() {
 
   // Blocks have the length that the key tells; the digest is padded with zero bytes.
   const std::uint32_t blockBits = signer.MaxOutputBits();
-  std::vector<std::uint8_t> block((blockBits + 7) / 8), signature(block.size());
+  std::vector<std::uint8_t> block(bytesForBits(blockBits)), signature(block.size());
   signer.Pad(digest.data(), 8 * kDigestSize, block.data(), blockBits);
   signer.Decrypt(signature.data(), block.data());
 
   const std::uint32_t bits = reader.Decrypt(block.data(), signature.data());
-  block.resize((bits + 7) / 8);
+  block.resize(bytesForBits(bits));
   block.resize(kDigestSize);  // zero bytes at a digest's end come back as none
   const bool same = std::equal(digest.begin(), digest.end(), block.begin());
   std::cout << (same ? "the signature is the message's\n" : "the signature is another's\n");

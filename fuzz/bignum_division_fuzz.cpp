@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
 
+#include "bignum/bytes.h"
 #include "bignum/integer.h"
 
 #ifdef ULM_FUZZ_WITH_GMP
@@ -28,15 +30,6 @@ void require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "division: %s\n", what);
   std::abort();
-}
-
-QLInteger magnitude(const std::uint8_t* bytes, std::size_t length) {
-  QLInteger made(static_cast<std::uint32_t>(length / 4 + 1), 0);
-  for (std::size_t i = 0; i < length; ++i) {
-    made.words[i / 4] |= std::uint32_t{bytes[i]} << (i % 4 * 8);
-  }
-  made.Normalise();
-  return made;
 }
 
 void requireNormal(const QLInteger& value) {
@@ -77,8 +70,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < 2 || size > 2048) return 0;
   const std::uint8_t flags = data[0];
   const std::size_t dividendLength = (size - 2) * data[1] / 255;
-  QLInteger a = magnitude(data + 2, dividendLength);
-  QLInteger b = magnitude(data + 2 + dividendLength, size - 2 - dividendLength);
+  const std::span<const std::uint8_t> bytes(data + 2, size - 2);
+  QLInteger a = ulm::bignum::fromBytesLowFirst(bytes.first(dividendLength));
+  QLInteger b = ulm::bignum::fromBytesLowFirst(bytes.subspan(dividendLength));
   if ((flags & kDivisorShifted) != 0) b <<= 96;
   if ((flags & kDividendNegative) != 0) a.MakeNegative();
   if ((flags & kDivisorNegative) != 0) b.MakeNegative();

@@ -27,6 +27,7 @@ std::atomic<bool> overwriteFreed{false};
 
 // By a pointer that the compiler cannot see through: it drops writes to memory that is freed next.
 void* (*volatile overwrite)(void*, int, std::size_t) = std::memset;
+std::atomic<void (*)(const void* block, std::uint64_t bytes)> watchFreed{nullptr};
 
 // By a header's address alone: what it holds does not matter.
 std::uint64_t sealFor(std::uintptr_t header) noexcept { return kSeal ^ header; }
@@ -80,6 +81,7 @@ void* odrxRealloc(void* block, std::size_t newBytes, std::size_t oldBytes) noexc
 void odrxFree(void* block) noexcept {
   if (block == nullptr) return;
   BlockHeader* header = headerOf(block);
+  if (auto* const watch = watchFreed.load()) watch(block, header->bytes);
   header->seal = 0;
   liveBlocks.fetch_sub(1);
   liveBytes.fetch_sub(header->bytes);
@@ -99,6 +101,9 @@ OdrxAllocCounts odrxAllocCounts() noexcept {
 }
 
 void odrxAllocOverwriteFreed(bool on) noexcept { overwriteFreed.store(on); }
+void odrxAllocWatchFreed(void (*watch)(const void* block, std::uint64_t bytes)) noexcept {
+  watchFreed.store(watch);
+}
 
 void odrxAllocFail(std::uint64_t after, std::uint64_t count) noexcept {
   const std::uint64_t first = calls.load() + after;

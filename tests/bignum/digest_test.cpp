@@ -172,8 +172,12 @@ TEST(Digest, FactoriesUseTheRuntimesMemory) {
     EXPECT_EQ(made->DigestSize(), 20u);
     made.reset();
     EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks);
-    odrxAllocFail(0, 1);
+    odrxAllocFail(0, 2);
     EXPECT_EQ(create(), nullptr);
+    EXPECT_EQ(new (std::nothrow) QLSHA(true), nullptr);
+    odrxAllocFail(0, 0);
+    made.reset(new (std::nothrow) QLSHA(true));
+    EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks + 1);
   }
   std::set_new_handler(old);
   EXPECT_FALSE(called);

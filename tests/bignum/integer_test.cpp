@@ -4,12 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 #include <sstream>
 #include <thread>
 #include <unordered_set>
 #include <vector>
 
+#include "bignum/bytes.h"
 #include "bignum/constants.h"
 #include "bignum/number_theory.h"
 #include "standin/odrx/alloc_control.h"
@@ -64,6 +66,31 @@ TEST(Integer, ConstantsHaveTheirStates) {
             "2 3 5 7 11 13 17 19 23 29 31 37 39 41 43 47 49 53 ");
 }
 
+// The largest capacity asks the allocator, and one word more is refused without asking.
+TEST(Integer, CapacityHasALimit) {
+  constexpr std::uint32_t kLimit = 1u << 27;
+  const auto asksFor = [](auto operation) {
+    QLInteger value(1, 5);
+    const std::uint64_t calls = odrxAllocCounts().calls;
+    odrxAllocFail(0, 1);
+    EXPECT_THROW(operation(value), std::bad_alloc);
+    odrxAllocFail(0, 0);
+    EXPECT_TRUE(value == 5 && value.capacity == 32);
+    return odrxAllocCounts().calls - calls;
+  };
+  for (const std::uint32_t n : {kLimit, kLimit + 1, UINT32_MAX}) {
+    const std::uint64_t asked = n == kLimit ? 1 : 0;
+    EXPECT_EQ(asksFor([n](QLInteger& value) { value.Reallocate(n, true); }), asked) << n;
+    EXPECT_EQ(asksFor([n](QLInteger& value) { value.EnsureCount(n); }), asked) << n;
+    EXPECT_EQ(asksFor([n](QLInteger&) { QLInteger(n, 0); }), asked) << n;
+  }
+  EXPECT_EQ(asksFor([](QLInteger& value) { value <<= 32 * (kLimit - 2); }), 1u);
+  EXPECT_EQ(asksFor([](QLInteger& value) { value <<= 32 * (kLimit - 2) + 1; }), 0u);
+  EXPECT_EQ(asksFor([](QLInteger& value) { value <<= UINT32_MAX; }), 0u);
+  EXPECT_EQ(asksFor([](QLInteger&) { PowerOfTwo(UINT32_MAX - 1); }), 1u);
+  EXPECT_EQ(asksFor([](QLInteger&) { PowerOfTwo(UINT32_MAX); }), 0u);
+}
+
 TEST(Integer, OrdersBySignThenMagnitude) {
   std::vector<QLInteger> ascending;
   for (const char* text : {"-1FFFFFFFFh", "-100000000h", "-80000000h", "-3", "-2", "0", "1", "2",
@@ -88,6 +115,7 @@ TEST(Integer, OrdersBySignThenMagnitude) {
   }
   EXPECT_EQ(ascending[9].CompareMagnitude(0x80000001u), -1);
   EXPECT_EQ(ascending[10].CompareMagnitude(0xFFFFFFFFu), 1);
+  EXPECT_EQ(ascending[6].CompareMagnitude(-1), 0);
 }
 
 TEST(Integer, PrimesAgreeWithTrialDivision) {
@@ -114,17 +142,37 @@ TEST(Integer, ThreadsShareValuesTheyRead) {
   for (const QLInteger& result : results) EXPECT_EQ(result, results[0]);
 }
 
+TEST(Integer, BytesComeAndGoInBothOrders) {
+  for (const std::size_t length : {0u, 1u, 3u, 4u, 5u, 127u, 128u, 129u}) {
+    QLInteger expected(0);
+    std::vector<std::uint8_t> bytes(length);
+    for (std::size_t i = length; i-- > 0;) {
+      bytes[i] = static_cast<std::uint8_t>(0x81 + 11 * i);
+      (expected <<= 8) += bytes[i];
+    }
+    const auto capacity =
+        static_cast<std::uint32_t>(std::max<std::size_t>(length + 127, 128) / 128 * 32);
+    std::vector<std::uint8_t> highFirst(bytes.rbegin(), bytes.rend());
+    const QLInteger low = fromBytesLowFirst(bytes), high = fromBytesHighFirst(highFirst);
+    EXPECT_TRUE(low == expected && low.capacity == capacity) << length;
+    EXPECT_TRUE(high == expected && high.capacity == capacity) << length;
+    const QLInteger negative = Zero - low;  // the sign is no part of the bytes
+    const auto written = bytesLowFirst(negative), writtenHighFirst = bytesHighFirst(negative);
+    EXPECT_TRUE(std::equal(written.begin(), written.end(), bytes.begin(), bytes.end())) << length;
+    EXPECT_TRUE(std::equal(writtenHighFirst.begin(), writtenHighFirst.end(), highFirst.begin(),
+                           highFirst.end()))
+        << length;
+    EXPECT_EQ(written.size(), length);
+    highFirst.insert(highFirst.begin(), 9, 0);
+    EXPECT_EQ(fromBytesHighFirst(highFirst), expected) << length;
+  }
+}
+
 TEST(Integer, ServesModernUse) {
   const QLInteger value = QLInteger::fromText("-123456789Ah");
   std::ostringstream out;
   out << value << ' ' << std::hex << value << ' ' << std::oct << QLInteger(8);
   EXPECT_EQ(out.str(), "-78187493530 -123456789Ah 10o");
-  const std::vector<int> bytes{0x9A, 0x78, 0x56, 0x34, 0x12};
-  const auto low = bytesLowFirst(value), high = bytesHighFirst(value);
-  EXPECT_EQ(std::vector<int>(low.begin(), low.end()), bytes);
-  EXPECT_EQ(std::vector<int>(high.begin(), high.end()),
-            std::vector<int>(bytes.rbegin(), bytes.rend()));
-  EXPECT_EQ(bytesHighFirst(Zero).size(), 0u);
   const std::unordered_set<QLInteger> set{value, One, MinusOne, value};
   EXPECT_TRUE(set.size() == 3 && set.contains(QLInteger(-1)));
 }

@@ -11,6 +11,7 @@
 #include <random>
 #include <string>
 
+#include "bignum/bytes.h"
 #include "bignum/rsa.h"
 #include "bignum/sha.h"
 #include "tests/bignum/sha_model.h"
@@ -116,8 +117,7 @@ TEST_P(OpenSslKeys, BlocksComeAndGo) {
                              bytesOf(1, size), bytesOf(0, size)}) {
     const Bytes sealed = byPeer(RSA_private_encrypt, key, block);
     expectDecrypts(reader, sealed, block);
-    QLInteger above(0);
-    for (std::size_t i = size; i-- > 0;) (above <<= 8) += sealed[i];
+    QLInteger above = fromBytesLowFirst(sealed);
     EXPECT_EQ(bytesOf(reader.function.Apply(above), size), block);
     above += modulus;
     if (above.BitLength() <= 8 * size) expectDecrypts(reader, bytesOf(above, size), block);

@@ -105,8 +105,22 @@ TEST(Rsa, ShapesAndTables) {
   EXPECT_THAT(places, testing::ElementsAre(2, 3, 4, 2, 2, 3, 4, 5, 6));
 }
 
+// The memory of each key goes back with zeros alone, above the words in use too.
 TEST(Rsa, DestructionThroughAnyBase) {
+  static std::uint64_t wiped = 0, other = 0;
+  const QLInteger modulus = PowerOfTwo(2047), exponent(17);
   const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
+  odrxAllocWatchFreed([](const void* block, std::uint64_t bytes) {
+    const auto* const first = static_cast<const std::uint8_t*>(block);
+    ++(std::all_of(first, first + bytes, [](std::uint8_t byte) { return byte == 0; }) ? wiped
+                                                                                      : other);
+  });
+  {
+    QLRSADecryptor decryptor(modulus, exponent);
+    decryptor.function.modulus.Assign(5);
+  }
+  odrxAllocWatchFreed(nullptr);
+  EXPECT_TRUE(wiped == 2 && other == 0) << wiped << ' ' << other;
   delete static_cast<QLCrypter*>(new QLRSADecryptor(3233, 17));
   delete static_cast<QLPadding*>(new QLRSADecryptor(3233, 17));
   delete static_cast<QLZeroPadding*>(new QLRSADecryptor(3233, 17));

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "bignum/bytes.h"
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
 #include "standin/odrx/alloc_control.h"
