@@ -11,6 +11,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "tools/support/streams.h"
 #include "tools/ulmira/commands.h"
 #include "tools/ulmira/number_argument.h"
 
@@ -127,10 +128,9 @@ Operands readNumbers(const Texts& texts) {
       numbers.push_back(parseNumber(text));
       continue;
     }
-    for (std::string line; std::getline(std::cin, line);) {
-      if (!line.empty() && line.back() == '\r') line.pop_back();
-      if (line.empty()) continue;
-      numbers.push_back(parseNumber(line));
+    Input input(text);
+    for (std::string line; input.readLine(line, kMostNumberBytes);) {
+      if (!line.empty()) numbers.push_back(parseNumber(line));
     }
   }
   return numbers;
@@ -153,7 +153,6 @@ void printResults(const std::string& name, std::uint32_t radix, const Texts& tex
     std::cout << '\n';
     first = last;
   }
-  if (!std::cout.flush()) throw std::runtime_error("the result cannot be written");
 }
 
 // What stands behind the operation. The parser would take a negative number for an option, so it
@@ -183,7 +182,7 @@ Texts withoutOptions(const Texts& arguments, CLI::Option& radix) {
 
 }  // namespace
 
-void addNumCommand(CLI::App& app, int& status) {
+void addNumCommand(CLI::App& app, int& /*status*/) {
   CLI::App* num = app.add_subcommand("num", "Arithmetic on numbers of any size");
   std::string names;
   for (const auto& [name, operation] : operations()) names += ' ' + name;
@@ -197,20 +196,13 @@ void addNumCommand(CLI::App& app, int& status) {
   CLI::Option* radixOption =
       num->add_option("--radix", *radix, "Radix of the results")->check(CLI::Range(2, 16));
   num->prefix_command();
-  num->callback([num, radix, radixOption, &status] {
+  num->callback([num, radix, radixOption] {
     Texts arguments = num->remaining();
     if (arguments.empty()) throw CLI::RequiredError("OPERATION");
     const std::string name = arguments.front();
     arguments.erase(arguments.begin());
     const Texts numbers = withoutOptions(arguments, *radixOption);
-    try {
-      printResults(name, *radix, numbers);
-    } catch (const CLI::ParseError&) {
-      throw;
-    } catch (const std::exception& error) {
-      std::cerr << "ulmira num: " << error.what() << '\n';
-      status = 1;
-    }
+    printResults(name, *radix, numbers);
   });
 }
 
