@@ -51,8 +51,9 @@ SubsetPlan planSubset(const FontFile& font, const SubsetOptions& options);
 // Windows, and for the Macintosh where they are ASCII. The strings belong to the object.
 class FamilyNames {
  public:
-  // `style` is the source's; empty stands for "Regular".
-  FamilyNames(const std::string& family, const std::string& style);
+  // `style` is the source's, without its controls and cut at 255 characters; empty stands for
+  // "Regular".
+  FamilyNames(const std::string& family, const std::u32string& style);
   const std::vector<truetype::NameRecord>& records() const { return records_; }
 
  private:

@@ -7,6 +7,7 @@
 
 #include "tools/support/file_batch.h"
 #include "tools/ulmira/commands.h"
+#include "tools/ulmira/font/names.h"
 #include "tools/ulmira/font/subset.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/names.h"
@@ -96,7 +97,7 @@ struct NewFont {
 NewFont makeFont(const FontFile& font, const SubsetPlan& plan, const SubsetOptions& options) {
   std::unique_ptr<FamilyNames> names;
   if (options.family) {
-    names = std::make_unique<FamilyNames>(*options.family, font->subfamilyName);
+    names = std::make_unique<FamilyNames>(*options.family, namesOfFont(font).style);
   }
   NewFont made;
   made.glyphs = plan.glyphs;
