@@ -4,12 +4,15 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <fstream>
+#include <iostream>
 #include <memory>
 #include <random>
 #include <stdexcept>
 #include <system_error>
 
 #include "tools/support/program.h"
+#include "tools/support/streams.h"
 
 namespace ulm::tools {
 namespace {
@@ -23,12 +26,33 @@ namespace fs = std::filesystem;
   fail(file, std::error_code(errno, std::generic_category()));
 }
 
-// The file that the name stands for, whether or not it is there.
+// What is written as it comes, since a rename would replace it by a file.
+bool isStream(const fs::file_status& status) {
+  return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
+}
+
+// The file that the name stands for, whether or not it is there. Streams keep their names: behind
+// some of them there is nothing that has one.
 fs::path placeOf(const std::string& file) {
+  if (file == "-") return file;
   std::error_code error;
-  fs::path place = fs::weakly_canonical(fs::absolute(fileNamed(file), error), error);
+  const fs::path name = fileNamed(file);
+  if (isStream(fs::status(name, error))) return name;
+  fs::path place = fs::weakly_canonical(fs::absolute(name, error), error);
   if (error) fail(file, error);
   return place;
+}
+
+void writeStream(const std::string& file, const std::string& content) {
+  if (file == "-") {
+    std::cout << content;
+    return flushStandardOutput();
+  }
+  errno = 0;
+  std::ofstream out(fileNamed(file), std::ios::binary);
+  out << content;
+  out.close();
+  if (!out) failByErrno(file);
 }
 
 // Short, so that it fits where the file's own name does.
@@ -55,16 +79,26 @@ FileBatch::~FileBatch() {
   }
 }
 
-void FileBatch::protect(const std::string& file) { protected_.push_back(placeOf(file)); }
+void FileBatch::protect(const std::string& file) {
+  std::error_code ignored;
+  if (file != "-" && fs::is_regular_file(fileNamed(file), ignored)) {
+    protected_.push_back(placeOf(file));
+  }
+}
 
 void FileBatch::add(const std::string& file, std::string_view content) {
   const fs::path target = placeOf(file);
   if (std::find(protected_.begin(), protected_.end(), target) != protected_.end()) {
-    throw std::runtime_error(file + ": would replace another file of this command");
+    throw std::runtime_error(file == "-" ? "standard output: cannot take two outputs"
+                                         : file + ": would replace another file of this command");
   }
   protected_.push_back(target);
   std::error_code error;
   const fs::file_status there = fs::status(target, error);
+  if (file == "-" || isStream(there)) {
+    streams_.push_back({file, std::string(content)});
+    return;
+  }
   if (fs::exists(there) && !fs::is_regular_file(there)) {
     throw std::runtime_error(file + ": cannot be written: not a regular file");
   }
@@ -86,7 +120,8 @@ void FileBatch::add(const std::string& file, std::string_view content) {
 void FileBatch::commit() {
   for (Entry& entry : entries_) {
     std::error_code error;
-    const bool last = &entry == &entries_.back();  // nothing can fail once it is in its place
+    // Nothing can fail any more once the last file has its name and no stream is to be written.
+    const bool last = &entry == &entries_.back() && streams_.empty();
     if (!last && fs::exists(entry.target, error)) {
       entry.backup = freshName(entry.target);
       fs::copy_file(entry.target, entry.backup, error);
@@ -95,11 +130,13 @@ void FileBatch::commit() {
     if (error) fail(entry.name, error);
     entry.placed = true;
   }
+  for (const Stream& stream : streams_) writeStream(stream.name, stream.content);
   for (const Entry& entry : entries_) {
     std::error_code ignored;
     if (!entry.backup.empty()) fs::remove(entry.backup, ignored);
   }
   entries_.clear();
+  streams_.clear();
 }
 
 }  // namespace ulm::tools

@@ -1,4 +1,4 @@
-// Output files that take their places whole and together, or not at all.
+// The outputs of one call, written whole and together, or not at all.
 #pragma once
 
 #include <filesystem>
@@ -9,9 +9,10 @@
 namespace ulm::tools {
 
 // Each file is written under another name in its own folder and takes its place by a rename, so
-// that at no moment does its name stand for half of it. Every failure is a runtime_error with the
-// file and the reason; what stood at the names before then stands there still, or again, and
-// nothing else is left behind.
+// that at no moment does its name stand for half of it. "-" is standard output, and like a pipe or
+// a device it is written at the end, when all files have their names; where that fails the files
+// are taken back. Every failure is a runtime_error with the file and the reason; what was at the
+// names before is then there still, or again, and nothing else is left over.
 class FileBatch {
  public:
   FileBatch() = default;
@@ -19,12 +20,14 @@ class FileBatch {
   FileBatch& operator=(const FileBatch&) = delete;
   ~FileBatch();
 
-  // A name that none of the files to be written may be, such as one that is read.
+  // A file that no output may replace, such as one that is read. "-" and names of no regular file
+  // do nothing.
   void protect(const std::string& file);
-  // Writes the content and sees it to the disk. A symbolic link is followed; what is there and no
-  // regular file, and a file that is protected or in the batch already, is refused.
+  // Writes the content of a file and sees it to the disk; keeps a copy of what goes to a stream. A
+  // symbolic link is followed. A folder, a file that is protected, and an output that is in the
+  // batch already are refused.
   void add(const std::string& file, std::string_view content);
-  // Puts all files in their places, in the order of the calls.
+  // Gives all files their names, in the order of the calls, then writes the streams.
   void commit();
 
  private:
@@ -34,8 +37,13 @@ class FileBatch {
     std::filesystem::path backup;  // empty where nothing had to be kept
     bool placed = false;
   };
+  struct Stream {
+    std::string name;
+    std::string content;
+  };
   std::vector<std::filesystem::path> protected_;
   std::vector<Entry> entries_;
+  std::vector<Stream> streams_;
 };
 
 }  // namespace ulm::tools

@@ -1,15 +1,13 @@
 // `ulmira clip`: polygons and segments against the view volume.
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <map>
 #include <memory>
 
 #include "clip/growable/polygon_array.h"
 #include "clip/segment.h"
-#include "tools/support/program.h"
+#include "tools/support/file_batch.h"
+#include "tools/support/streams.h"
 #include "tools/ulmira/clip_document.h"
 #include "tools/ulmira/commands.h"
 
@@ -19,6 +17,8 @@ namespace {
 constexpr std::uint32_t kRectangle =
     clip::ClipXMin | clip::ClipXMax | clip::ClipYMin | clip::ClipYMax;
 constexpr std::uint32_t kVolume = kRectangle | clip::ClipZMin | clip::ClipZMax;
+
+constexpr std::uint64_t kMostInputBytes = 1u << 28;
 
 struct ClipOptions {
   std::string input = "-";
@@ -80,29 +80,6 @@ std::optional<ClipShapes<Real>> clipEach(const std::optional<ClipShapes<Real>>& 
   return clipped;
 }
 
-std::string readAll(const std::string& path) {
-  std::ifstream file;
-  if (path != "-") {
-    file.open(fileNamed(path), std::ios::binary);
-    if (!file) throw std::runtime_error(path + ": cannot be opened");
-  }
-  std::istream& in = path == "-" ? std::cin : file;
-  std::string text(std::istreambuf_iterator<char>(in), {});
-  if (in.bad() || (path != "-" && file.peek() != EOF)) {
-    throw std::runtime_error(path + ": cannot be read");
-  }
-  return text;
-}
-
-void writeAll(const std::string& path, const std::string& text) {
-  std::ofstream file;
-  if (path != "-") file.open(fileNamed(path), std::ios::binary);
-  std::ostream& out = path == "-" ? std::cout : file;
-  out << text << std::flush;
-  if (!out)
-    throw std::runtime_error((path == "-" ? "standard output" : path) + ": cannot be written");
-}
-
 template <class Real>
 void run(const ClipOptions& options, const std::string& text) {
   const std::uint32_t mask = options.mask();
@@ -111,29 +88,27 @@ void run(const ClipOptions& options, const std::string& text) {
       clipEach(before.polygons, [&](const auto& p) { return clipPolygon<Real>(p, mask); }),
       clipEach(before.segments, [&](const auto& s) { return clipSegment<Real>(s, mask); })};
   const std::string result = options.text ? writeClipText(after) : writeClipJson(after);
-  if (!options.svg.empty()) writeAll(options.svg, writeClipSvg(before, after));
-  writeAll(options.output, result);
+  FileBatch outputs;
+  outputs.protect(options.input);
+  if (!options.svg.empty()) outputs.add(options.svg, writeClipSvg(before, after));
+  outputs.add(options.output, result);
+  outputs.commit();
 }
 
-int runCommand(const ClipOptions& options) {
+void runCommand(const ClipOptions& options) {
+  Input input(options.input);
+  const std::string text = input.readAll(kMostInputBytes);
   try {
-    const std::string text = readAll(options.input);
-    try {
-      options.inFloat ? run<float>(options, text) : run<double>(options, text);
-      return 0;
-    } catch (const ClipInputError& error) {
-      std::cerr << "ulmira clip: " << (options.input == "-" ? "standard input" : options.input)
-                << ':' << error.line << ':' << error.column << ": " << error.what() << '\n';
-    }
-  } catch (const std::exception& error) {
-    std::cerr << "ulmira clip: " << error.what() << '\n';
+    options.inFloat ? run<float>(options, text) : run<double>(options, text);
+  } catch (const ClipInputError& error) {
+    throw std::runtime_error(input.name() + ':' + std::to_string(error.line) + ':' +
+                             std::to_string(error.column) + ": " + error.what());
   }
-  return 1;
 }
 
 }  // namespace
 
-void addClipCommand(CLI::App& app, int& status) {
+void addClipCommand(CLI::App& app, int& /*status*/) {
   static const std::map<std::string, std::uint32_t> kPlanes = {
       {"xmin", clip::ClipXMin}, {"xmax", clip::ClipXMax}, {"ymin", clip::ClipYMin},
       {"ymax", clip::ClipYMax}, {"zmin", clip::ClipZMin}, {"zmax", clip::ClipZMax}};
@@ -151,7 +126,7 @@ void addClipCommand(CLI::App& app, int& status) {
   command->add_flag("--text", options->text, "Write plain text instead of JSON");
   command->add_option("-o,--output", options->output, "Write to this file");
   command->add_option("--svg", options->svg, "Draw before and after into this file");
-  command->callback([options, &status] { status = runCommand(*options); });
+  command->callback([options] { runCommand(*options); });
 }
 
 }  // namespace ulm::tools

@@ -1,6 +1,8 @@
 // The subcommands of `ulmira`, a source each. An add function hangs its subcommand into `app`; when
 // the user calls it, its work runs while the command line is parsed and leaves the exit code in
-// `status`: 0, or 1 after one clear line on the error stream. Usage errors are CLI11's to raise.
+// `status`. An exception that leaves the work becomes one line on the error stream, with the
+// subcommand's name, and the exit code 1; one of CLI11 becomes a usage error. The command flushes
+// standard output after the work, so the work itself does not.
 #pragma once
 
 namespace CLI {

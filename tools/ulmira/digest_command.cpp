@@ -1,11 +1,8 @@
 // `ulmira digest`: checksums of files, in the form that sha1sum writes and reads.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -17,6 +14,7 @@
 #include "bignum/sha.h"
 #include "bignum/text.h"
 #include "tools/support/program.h"
+#include "tools/support/streams.h"
 #include "tools/ulmira/commands.h"
 
 namespace ulm::tools {
@@ -25,6 +23,7 @@ namespace {
 constexpr std::size_t kReadSize = 1 << 20;
 constexpr std::uint64_t kLargeSize = 32u << 20;  // from here on people are told how far it is
 constexpr std::size_t kHexDigits = 40;
+constexpr std::size_t kMostLineBytes = 1 << 20;  // of a list; a file's name is far shorter
 
 using Digester = std::unique_ptr<bignum::QLMessageDigest>;
 
@@ -38,8 +37,10 @@ Digester makeDigester(const std::string& hash) {
 // read.
 class Progress {
  public:
-  Progress(const std::string& name, std::FILE* file)
-      : name_(name), onTerminal_(errorStreamIsTerminal()), size_(regularSize(file).value_or(0)) {}
+  explicit Progress(const Input& input)
+      : name_(printable(input.name())),
+        onTerminal_(errorStreamIsTerminal()),
+        size_(input.size().value_or(0)) {}
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress() {
@@ -71,29 +72,15 @@ class Progress {
   std::chrono::steady_clock::time_point last_;
 };
 
-// A file's name as people are told it.
-std::string told(const std::string& name) { return name == "-" ? "standard input" : name; }
-
-[[noreturn]] void throwLastError(const std::string& name) {
-  throw std::runtime_error(told(name) + ": " + std::strerror(errno));
-}
-
 // The digest of a file, or of standard input for "-", as hexadecimal digits.
 std::string digestOf(const std::string& hash, const std::string& name) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(nullptr, std::fclose);
-  std::FILE* file = stdin;
-  if (name != "-") {
-    opened.reset(openToRead(name));
-    if (opened == nullptr) throwLastError(name);
-    file = opened.get();
-  }
+  Input input(name);
   const Digester digester = makeDigester(hash);
-  Progress progress(name, file);
+  Progress progress(input);
   std::vector<std::uint8_t> bytes(kReadSize);
   for (bool more = true; more;) {
-    const std::size_t length = std::fread(bytes.data(), 1, bytes.size(), file);
+    const std::size_t length = input.read(bytes.data(), bytes.size());
     more = length == bytes.size();
-    if (!more && std::ferror(file) != 0) throwLastError(name);
     digester->Update(bytes.data(), static_cast<std::uint32_t>(length));
     progress.add(length);
   }
@@ -167,7 +154,7 @@ std::optional<Checksum> parseChecksum(std::string line) {
   return read;
 }
 
-void complain(const std::string& message) { std::cerr << "ulmira digest: " << message << '\n'; }
+void complain(const std::string& message) { printMessage("digest", message); }
 
 void warnOfCount(std::size_t count, const char* one, const char* many) {
   if (count == 0) return;
@@ -176,15 +163,9 @@ void warnOfCount(std::size_t count, const char* one, const char* many) {
 
 // Whether each file of a list of checksums is there and has its checksum.
 bool checkList(const std::string& hash, const std::string& listName) {
-  std::ifstream opened;
-  if (listName != "-") {
-    opened.open(fileNamed(listName), std::ios::binary);
-    if (!opened) throwLastError(listName);
-  }
-  std::istream& list = listName == "-" ? std::cin : opened;
+  Input list(listName);
   std::size_t proper = 0, improper = 0, unread = 0, different = 0;
-  for (std::string line; std::getline(list, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  for (std::string line; list.readLine(line, kMostLineBytes);) {
     if (line.empty() || line.front() == '#') continue;
     const std::optional<Checksum> checksum = parseChecksum(line);
     if (!checksum) {
@@ -205,9 +186,8 @@ bool checkList(const std::string& hash, const std::string& listName) {
     }
     std::cout << lineOf("", checksum->name, verdict);
   }
-  if (list.bad()) throwLastError(listName);
   if (proper == 0)
-    throw std::runtime_error(told(listName) + ": no properly formatted checksum lines found");
+    throw std::runtime_error(list.name() + ": no properly formatted checksum lines found");
   warnOfCount(improper, "line is improperly formatted", "lines are improperly formatted");
   warnOfCount(unread, "listed file could not be read", "listed files could not be read");
   warnOfCount(different, "computed checksum did NOT match", "computed checksums did NOT match");
@@ -228,10 +208,6 @@ int digestFiles(const std::string& hash, bool check, const std::vector<std::stri
       complain(error.what());
       status = 1;
     }
-  }
-  if (!std::cout.flush()) {
-    complain("the results could not be written");
-    status = 1;
   }
   return status;
 }

@@ -11,6 +11,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "tools/support/streams.h"
 #include "tools/ulmira/commands.h"
 #include "tools/ulmira/number_argument.h"
 
@@ -51,19 +52,24 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
-// What a power may have in bits. Its text takes a division a digit, so that time grows with the
-// square of the length: this much is some seconds.
-constexpr std::uint32_t kLargestPower = 1u << 16;
+// The most bits of a power. Its text takes a division for each digit, so the time grows with the
+// square of the length: this much takes some seconds.
+constexpr std::uint32_t kMostPowerBits = 1u << 16;
 
 QLInteger powerOf(const Operands& n) {
+  const std::runtime_error tooLong("the power is longer than " + std::to_string(kMostPowerBits) +
+                                   " bits");
   const QLInteger& exponent = exponentOf(n[1]);
-  // A factor brings BitLength bits at the most, and all of them but one at the least.
-  if (exponent * QLInteger::fromUint64(n[0].BitLength()) > QLInteger::fromUint64(kLargestPower) &&
-      n[0].CompareMagnitude(1u) > 0) {
-    throw std::runtime_error("the power may be longer than " + std::to_string(kLargestPower) +
-                             " bits");
+  // A factor adds BitLength - 1 bits at the least and BitLength at the most. So what passes here is
+  // at most twice too long, and is measured itself.
+  const std::uint32_t length = n[0].BitLength();
+  if (length > 1 &&
+      exponent * QLInteger::fromUint64(length - 1) >= QLInteger::fromUint64(kMostPowerBits)) {
+    throw tooLong;
   }
-  return Pow(n[0], exponent);
+  QLInteger power = Pow(n[0], exponent);
+  if (power.BitLength() > kMostPowerBits) throw tooLong;
+  return power;
 }
 
 QLInteger modularPower(const Operands& n) {
@@ -72,17 +78,26 @@ QLInteger modularPower(const Operands& n) {
   return result;
 }
 
-QLInteger commonDivisor(const Operands& n) {
-  QLInteger divisor;
-  if (!Gcd(n[0], n[1], divisor))
-    throw std::runtime_error("there is no common divisor where a number is zero");
-  return divisor;
+QLInteger magnitudeOf(const QLInteger& number) {
+  QLInteger magnitude(number);
+  if (magnitude.IsNegative()) magnitude.Negate();
+  return magnitude;
 }
 
+// The library's divisors take their sign from the remainders, and stop at operands that are not
+// positive. On magnitudes they are true ones, and each factor takes the sign of its operand.
 Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
   QLInteger g, x, y;
-  ExtendedGcd(n[0], n[1], g, x, y);
+  ExtendedGcd(magnitudeOf(n[0]), magnitudeOf(n[1]), g, x, y);
+  if (n[0].IsNegative()) x.Negate();
+  if (n[1].IsNegative()) y.Negate();
   return {toText(g, radix), toText(x, radix), toText(y, radix)};
+}
+
+QLInteger commonDivisor(const Operands& n) {
+  const QLInteger a = magnitudeOf(n[0]), b = magnitudeOf(n[1]);
+  QLInteger divisor;
+  return Gcd(a, b, divisor) ? divisor : a + b;  // one of them is zero, which every number divides
 }
 
 QLInteger rootOf(const Operands& n) {
@@ -90,14 +105,18 @@ QLInteger rootOf(const Operands& n) {
   return IntegerSqrt(n[0]);
 }
 
+// With every base in both kinds of round the primes that are bases themselves are recognised.
+bool passesAllRounds(const QLInteger& number) { return IsProbablePrime(number, 18, 18); }
+
 Texts primality(const Operands& n, std::uint32_t) {
-  // With every base in both kinds of round the primes that are bases themselves are told as prime.
-  return {IsProbablePrime(n[0], 18, 18) ? "true" : "false"};
+  return {passesAllRounds(n[0]) ? "true" : "false"};
 }
 
+// NextPrime looks at fewer bases, and stops at composites such as 3215031751.
 QLInteger primeFrom(const Operands& n) {
   QLInteger prime;
   NextPrime(n[0], prime);
+  while (!passesAllRounds(prime)) NextPrime(prime + QLInteger(1), prime);
   return prime;
 }
 
@@ -127,10 +146,9 @@ Operands readNumbers(const Texts& texts) {
       numbers.push_back(parseNumber(text));
       continue;
     }
-    for (std::string line; std::getline(std::cin, line);) {
-      if (!line.empty() && line.back() == '\r') line.pop_back();
-      if (line.empty()) continue;
-      numbers.push_back(parseNumber(line));
+    Input input(text);
+    for (std::string line; input.readLine(line, kMostNumberBytes);) {
+      if (!line.empty()) numbers.push_back(parseNumber(line));
     }
   }
   return numbers;
@@ -153,7 +171,6 @@ void printResults(const std::string& name, std::uint32_t radix, const Texts& tex
     std::cout << '\n';
     first = last;
   }
-  if (!std::cout.flush()) throw std::runtime_error("the result cannot be written");
 }
 
 // What stands behind the operation. The parser would take a negative number for an option, so it
@@ -183,34 +200,30 @@ Texts withoutOptions(const Texts& arguments, CLI::Option& radix) {
 
 }  // namespace
 
-void addNumCommand(CLI::App& app, int& status) {
+void addNumCommand(CLI::App& app, int& /*status*/) {
   CLI::App* num = app.add_subcommand("num", "Arithmetic on numbers of any size");
   std::string names;
   for (const auto& [name, operation] : operations()) names += ' ' + name;
   num->footer(
       "Then OPERATION NUMBER..., the operation one of:" + names +
-      "\nNumbers: decimal, 0x1F or 1Fh, 17o, 101b, a sign in front if need be, or behind\n"
+      "\nNumbers: decimal, 0x1F or 1Fh, 17o, 101b, a sign in front if need be, or after\n"
       "'--'; '-' reads them from standard input, a line each. More numbers than one result\n"
-      "takes give a line for each group. egcd gives the divisor and the two factors, isprime\n"
-      "true or false.");
+      "takes give a line for each group.\n"
+      "gcd gives the greatest common divisor, never negative; egcd the divisor g and factors\n"
+      "x and y with a x + b y = g. isprime gives false for what is certainly no prime, and true\n"
+      "for what passes 18 Fermat and 18 strong tests to fixed bases. nextprime gives the first\n"
+      "number at or above its own that passes the same tests, and 3 for 2.");
   const auto radix = std::make_shared<std::uint32_t>(10);
   CLI::Option* radixOption =
       num->add_option("--radix", *radix, "Radix of the results")->check(CLI::Range(2, 16));
   num->prefix_command();
-  num->callback([num, radix, radixOption, &status] {
+  num->callback([num, radix, radixOption] {
     Texts arguments = num->remaining();
     if (arguments.empty()) throw CLI::RequiredError("OPERATION");
     const std::string name = arguments.front();
     arguments.erase(arguments.begin());
     const Texts numbers = withoutOptions(arguments, *radixOption);
-    try {
-      printResults(name, *radix, numbers);
-    } catch (const CLI::ParseError&) {
-      throw;
-    } catch (const std::exception& error) {
-      std::cerr << "ulmira num: " << error.what() << '\n';
-      status = 1;
-    }
+    printResults(name, *radix, numbers);
   });
 }
 

@@ -1,18 +1,17 @@
 // `ulmira rsa`: the RSA operation on one block.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bignum/rsa.h"
 #include "bignum/text.h"
-#include "tools/support/program.h"
+#include "tools/support/streams.h"
 #include "tools/ulmira/commands.h"
 #include "tools/ulmira/number_argument.h"
 
@@ -34,32 +33,25 @@ struct Arguments {
 
 constexpr const char* kSpace = " \t\r\n\v\f";
 
-// A number as text, or in a file whose name stands behind an '@'.
+// A number as text, or in a file whose name follows an '@'.
 QLInteger numberOf(const std::string& argument) {
   if (argument.empty() || argument.front() != '@') return parseNumber(argument);
-  const std::string name = argument.substr(1);
-  std::ifstream file(fileNamed(name), std::ios::binary);
-  if (!file) throw std::runtime_error(name + ": " + std::strerror(errno));
-  std::string text;
-  for (char next; file.get(next);) text += next;
-  if (file.bad()) throw std::runtime_error(name + ": " + std::strerror(errno));
+  std::string text = Input(argument.substr(1)).readAll(kMostNumberBytes);
   text.erase(0, std::min(text.find_first_not_of(kSpace), text.size()));
   text.erase(text.find_last_not_of(kSpace) + 1);
   return parseNumber(text);
 }
 
-// Reads at most `most` bytes, and leaves alone what follows them.
-Bytes readBytes(std::istream& in, const std::string& name, bool hex, std::size_t most) {
+// The bytes that pairs of hexadecimal digits name, at most `most`; what follows them is not read.
+Bytes readHex(Input& input, std::size_t most) {
   Bytes bytes;
   bool halfByte = false;
-  for (char next; bytes.size() < most && in.get(next);) {
-    if (!hex) {
-      bytes.push_back(static_cast<std::uint8_t>(next));
-      continue;
-    }
-    if (next != '\0' && std::strchr(kSpace, next) != nullptr) continue;
-    const int digit = bignum::DigitValue(next, 16);
-    if (digit < 0) throw std::runtime_error(name + ": not a hexadecimal digit");
+  while (bytes.size() < most) {
+    const std::optional<char> next = input.readByte();
+    if (!next) break;
+    if (*next != '\0' && std::strchr(kSpace, *next) != nullptr) continue;
+    const int digit = bignum::DigitValue(*next, 16);
+    if (digit < 0) throw std::runtime_error(input.name() + ": not a hexadecimal digit");
     if (halfByte) {
       bytes.back() = static_cast<std::uint8_t>(bytes.back() << 4 | digit);
     } else {
@@ -67,25 +59,25 @@ Bytes readBytes(std::istream& in, const std::string& name, bool hex, std::size_t
     }
     halfByte = !halfByte;
   }
-  if (in.bad()) throw std::runtime_error(name + ": " + std::strerror(errno));
   if (halfByte && bytes.size() < most) {
-    throw std::runtime_error(name + ": an odd number of hexadecimal digits");
+    throw std::runtime_error(input.name() + ": an odd number of hexadecimal digits");
   }
   return bytes;
 }
 
 Bytes readBlock(const Arguments& given, std::size_t size) {
-  std::ifstream file;
-  if (given.file != "-") {
-    file.open(fileNamed(given.file), std::ios::binary);
-    if (!file) throw std::runtime_error(given.file + ": " + std::strerror(errno));
+  Input input(given.file);
+  Bytes block;
+  if (given.hexIn) {
+    block = readHex(input, size + 1);
+  } else {
+    block.resize(size + 1);
+    block.resize(input.read(block.data(), block.size()));
   }
-  const std::string name = given.file == "-" ? "standard input" : given.file;
-  Bytes block = readBytes(given.file == "-" ? std::cin : file, name, given.hexIn, size + 1);
   if (block.size() != size) {
     const std::string found = block.size() > size ? "more" : std::to_string(block.size());
-    throw std::runtime_error(name + ": a block of this modulus has " + std::to_string(size) +
-                             " bytes, and this one has " + found);
+    throw std::runtime_error(input.name() + ": a block of this modulus has " +
+                             std::to_string(size) + " bytes, and this one has " + found);
   }
   return block;
 }
@@ -119,7 +111,6 @@ void write(const Bytes& block, bool raw) {
     hex.back() = '\n';
     std::cout << hex;
   }
-  if (!std::cout.flush()) throw std::runtime_error("the result could not be written");
 }
 
 void run(const Arguments& given) {
@@ -139,7 +130,7 @@ void run(const Arguments& given) {
 
 }  // namespace
 
-void addRsaCommand(CLI::App& app, int& status) {
+void addRsaCommand(CLI::App& app, int& /*status*/) {
   const auto given = std::make_shared<Arguments>();
   CLI::App* rsa = app.add_subcommand("rsa", "The RSA operation on one block");
   rsa->footer(
@@ -156,14 +147,7 @@ void addRsaCommand(CLI::App& app, int& status) {
   rsa->add_flag("--raw-out", given->rawOut, "Write bytes instead of hexadecimal digits");
   rsa->add_flag("--big-endian", given->bigEndian,
                 "Blocks have the high byte first, as other tools write them");
-  rsa->callback([given, &status] {
-    try {
-      run(*given);
-    } catch (const std::exception& error) {
-      std::cerr << "ulmira rsa: " << error.what() << '\n';
-      status = 1;
-    }
-  });
+  rsa->callback([given] { run(*given); });
 }
 
 }  // namespace ulm::tools

@@ -1,8 +1,10 @@
 #include "tools/support/program.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <stdexcept>
 
 namespace ulm::tools {
@@ -10,6 +12,12 @@ namespace ulm::tools {
 ProgramArguments::ProgramArguments(int argc, char** argv) : texts_(argv, argv + argc) {
   for (std::string& text : texts_) pointers_.push_back(text.data());
   pointers_.push_back(nullptr);
+  // A standard stream that the caller closed must not become the next file that is opened. What
+  // takes its number cannot be used in its direction, so that reading or writing it still fails.
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
+    (void)::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 }
 
 std::FILE* openToRead(const std::string& name) { return std::fopen(name.c_str(), "rb"); }
