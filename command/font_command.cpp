@@ -1,32 +1,58 @@
 // `ulmira font`: what a font holds, as tables or JSON, pictures of it, and smaller fonts.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iomanip>
+#include <cstdio>
 #include <iostream>
 #include <memory>
-#include <sstream>
+#include <string>
+#include <vector>
 
 #include "command/commands.h"
 #include "command/font/font_file.h"
 #include "command/font/subset.h"
+#include "command/support/file_batch.h"
 
 namespace ulm::tools {
 namespace {
 
-// On one line, whatever line breaks a text has.
-std::string cellOf(const Json& value) {
-  std::string text = value.is_string() ? value.get<std::string>() : value.dump();
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
-  return text;
+// A character that could steer a terminal: a control of either set, a line end, or one that turns
+// the direction of writing.
+bool isControl(char32_t code) {
+  return code < ' ' || (code >= 0x7F && code < 0xA0) || code == 0x61C || code == 0x200E ||
+         code == 0x200F || (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+// On one line, with line ends as blanks and other controls by their numbers.
+std::string shown(const std::string& text) {
+  std::string line;
+  for (const char32_t code : decodeUtf8(text)) {
+    const bool blank = code == U'\n' || code == U'\r' || code == U'\t';
+    line += blank ? " " : isControl(code) ? '<' + codeName(code) + '>' : encodeUtf8(code);
+  }
+  return line;
 }
 
 bool isTable(const Json& value) {
   return value.is_array() && !value.empty() && (value[0].is_object() || value[0].is_array());
 }
 
+std::string cellOf(const Json& value) {
+  if (value.is_string()) return shown(value.get_ref<const std::string&>());
+  if (value.is_null()) return "-";
+  if (!value.is_array() || value.empty() || !value[0].is_string()) return value.dump();
+  std::string cell;
+  for (const Json& part : value) cell += (cell.empty() ? "" : ", ") + cellOf(part);
+  return cell;
+}
+
+// Filled with blanks to `width` characters.
+std::string filled(std::string cell, std::size_t width) {
+  const std::size_t length = decodeUtf8(cell).size();
+  return cell.append(width > length ? width - length : 0, ' ');
+}
+
 // Rows of equal shape under their column names, each column as wide as its widest cell.
-void printTable(const Json& rows) {
+std::string tableText(const Json& rows) {
   std::vector<std::vector<std::string>> lines;
   if (rows[0].is_object()) {
     lines.emplace_back();
@@ -38,47 +64,81 @@ void printTable(const Json& rows) {
   }
   std::vector<std::size_t> widths(lines[0].size());
   for (const auto& line : lines) {
-    for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
+    for (std::size_t i = 0; i < line.size(); ++i) {
+      widths[i] = std::max(widths[i], decodeUtf8(line[i]).size());
+    }
   }
+  std::string text;
   for (const auto& line : lines) {
     for (std::size_t i = 0; i < line.size(); ++i) {
-      std::cout << (i == 0 ? "" : "  ") << std::left
-                << std::setw(i + 1 < line.size() ? static_cast<int>(widths[i]) : 0) << line[i];
+      text += i + 1 < line.size() ? filled(line[i], widths[i]) + "  " : line[i] + '\n';
     }
-    std::cout << '\n';
   }
+  return text;
 }
 
-// An object as lines of names and values; objects and tables in it stand under their name.
-void printObject(const Json& object, const std::string& indent) {
+constexpr std::size_t kKeyWidth = 20;
+
+// An object as lines of names and values, with their units; objects and tables in it follow their
+// name.
+std::string objectText(const Json& object, const Json& units, const std::string& indent) {
+  std::string text;
   for (const auto& [key, value] : object.items()) {
     if (value.is_object()) {
-      std::cout << indent << key << '\n';
-      printObject(value, indent + "  ");
+      if (&value == &units) continue;
+      text += indent + shown(key) + '\n' + objectText(value, units, indent + "  ");
     } else if (isTable(value)) {
-      printTable(value);
+      text += tableText(value);
     } else {
-      std::cout << indent << std::left << std::setw(20) << key << ' ' << cellOf(value) << '\n';
+      text += indent + filled(shown(key), kKeyWidth) + ' ' + cellOf(value);
+      if (const auto unit = units.find(key); unit != units.end()) text += ' ' + cellOf(*unit);
+      text += '\n';
     }
   }
+  return text;
 }
 
-using Report = Json (*)(const FontFile& font, const FontOptions& options);
+// C1 controls and DEL are allowed in JSON as they are, but a terminal obeys them.
+std::string jsonText(const Json& object) {
+  const std::string plain = object.dump();
+  std::string text;
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(plain[i]);
+    const unsigned next = i + 1 < plain.size() ? static_cast<unsigned char>(plain[i + 1]) : 0u;
+    if (byte != 0x7F && (byte != 0xC2 || next >= 0xA0)) {
+      text += plain[i];
+      continue;
+    }
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\u%04x", byte == 0x7F ? 0x7Fu : next);
+    text += escape;
+    i += byte != 0x7F;
+  }
+  return text + '\n';
+}
+
+using ReportOf = Report (*)(const FontFile& font, const FontOptions& options);
 
 CLI::App* addReport(CLI::App& app, const std::shared_ptr<FontOptions>& options, int& status,
-                    const char* name, const char* about, Report report) {
+                    const char* name, const char* about, ReportOf reportOf) {
   CLI::App* command = app.add_subcommand(name, about);
   command->add_option("FONT", options->file, "A TrueType font or collection")->required();
   command->add_option("--face", options->face, "The face of a collection, from 0");
   command->add_flag("--json", options->json, "Print one JSON object");
-  command->callback([options, report, &status] {
+  command->callback([options, reportOf, &status] {
     const FontFile font(*options);
-    const Json result = report(font, *options);
-    if (options->json) {
-      std::cout << result.dump() << '\n';
-    } else {
-      printObject(result, "");
+    const Report report = reportOf(font, *options);
+    if (!options->svg.empty()) {
+      FileBatch files;
+      files.protect(options->file);
+      files.add(options->svg, report.picture);
+      files.commit();
     }
+    const Json none = Json::object();
+    const auto units = report.values.find("units");
+    std::cout << (options->json ? jsonText(report.values)
+                                : objectText(report.values,
+                                             units == report.values.end() ? none : *units, ""));
     status = std::cout.flush() ? 0 : 1;
   });
   return command;
@@ -90,22 +150,26 @@ void addFontCommand(CLI::App& app, int& status) {
   const auto options = std::make_shared<FontOptions>();
   CLI::App* font = app.add_subcommand("font", "Look into a TrueType font, or make a smaller one");
   font->require_subcommand(1);
-  const auto add = [&](const char* name, const char* about, Report report) {
-    return addReport(*font, options, status, name, about, report);
+  const auto add = [&](const char* name, const char* about, ReportOf reportOf) {
+    return addReport(*font, options, status, name, about, reportOf);
   };
   add("info", "Names, global description, tables, character map and kerning", infoOf);
   add("names", "All name records", namesOf);
   add("map", "The glyphs of characters; 0 for one that the font does not map", mapOf)
       ->add_option("TEXT", options->words, "Text in UTF-8, or U+XXXX for one character")
       ->required();
+  constexpr const char* kGlyphs =
+      "Glyph numbers; U+XXXX, or text that is no number, for characters";
   add("metrics", "Advances, bearings and boxes of glyphs, in font units", metricsOf)
-      ->add_option("GLYPH", options->glyphs, "Glyph numbers")
+      ->add_option("GLYPH", options->words, kGlyphs)
       ->required();
   add("kern", "The kerning of each pair of a text, in thousandths of the em", kernOf)
-      ->add_option("TEXT", options->text, "Text in UTF-8")
+      ->add_option("TEXT", options->words, "Text in UTF-8, or U+XXXX for one character")
       ->required();
-  CLI::App* outline = add("outline", "The points of a glyph, in font units", outlineReport);
-  outline->add_option("GLYPH", options->glyphs, "A glyph number")->required()->expected(1);
+  CLI::App* outline = add("outline", "The points of a glyph, in font units", outlineOf);
+  outline->add_option("GLYPH", options->words, "A glyph number, U+XXXX or a character")
+      ->required()
+      ->expected(1);
   outline->add_option("--svg", options->svg, "Write a picture of the outline there");
   CLI::App* specimen =
       add("specimen", "A picture of a text, with advances and kerning", specimenOf);

@@ -1,11 +1,13 @@
 #include "command/font/font_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
 #include "command/support/program.h"
+#include "truetype/bytes.h"
 #include "truetype/reader/open.h"
 
 namespace ulm::tools {
@@ -22,10 +24,36 @@ std::vector<std::uint8_t> readFile(const std::string& file) {
   return bytes;
 }
 
-const char* reasonOf(FontResult result) {
+constexpr std::uint32_t kCollection = 0x74746366, kPostScriptOutlines = 0x4F54544F;
+constexpr std::uint32_t kWoff = 0x774F4646, kWoff2 = 0x774F4632;
+
+// The 32 bits at the offset; 0 beyond the end.
+std::uint32_t signatureAt(const std::vector<std::uint8_t>& image, std::size_t offset) {
+  return image.size() < 4 || offset > image.size() - 4 ? 0 : readUInt32(image.data(), offset);
+}
+
+const char* kindOf(const std::vector<std::uint8_t>& image, std::uint32_t face) {
+  std::uint32_t signature = signatureAt(image, 0);
+  if (signature == kCollection) {
+    signature = signatureAt(image, signatureAt(image, 12 + std::size_t{4} * face));
+  }
+  switch (signature) {
+    case kPostScriptOutlines:
+      return "an OpenType font with PostScript outlines (OTF); only TrueType outlines are read";
+    case kWoff:
+      return "a WOFF file; its font has to be unpacked first";
+    case kWoff2:
+      return "a WOFF2 file; its font has to be unpacked first";
+    default:
+      return "not a TrueType font, or a damaged one";
+  }
+}
+
+const char* reasonOf(FontResult result, const std::vector<std::uint8_t>& image,
+                     std::uint32_t face) {
   switch (result) {
     case FontResultBadFormat:
-      return "not a TrueType font, or a damaged one";
+      return kindOf(image, face);
     case FontResultBadFaceIndex:
       return "the collection has no face of that number";
     case FontResultNoMemory:
@@ -42,8 +70,13 @@ FontFile::FontFile(const FontOptions& options) : image_(readFile(options.file)) 
   const FontResult result =
       openTrueTypeFont(options.file.c_str(), image_.data(),
                        static_cast<std::int32_t>(image_.size()), options.face, &font);
-  if (result != FontResultOk) throw std::runtime_error(options.file + ": " + reasonOf(result));
+  if (result != FontResultOk) {
+    throw std::runtime_error(options.file + ": " + reasonOf(result, image_, options.face));
+  }
   font_.reset(font);
+  if (options.face != 0 && signatureAt(image_, 0) != kCollection) {
+    throw std::runtime_error(options.file + ": not a collection; its only face is 0");
+  }
 }
 
 void FontFile::Close::operator()(TrueTypeFont* font) const { closeTrueTypeFont(font); }
@@ -53,10 +86,20 @@ std::uint16_t FontFile::glyphOf(char32_t code) const {
   return font_->cmapLookup(font_->cmapSubtable, static_cast<std::uint16_t>(code));
 }
 
-void FontFile::requireGlyph(std::uint32_t glyph) const {
+std::vector<std::uint16_t> FontFile::lowestCodes() const {
+  std::vector<std::uint16_t> codes(font_->numGlyphs);
+  for (std::uint32_t code = 0xFFFE; code > 0; --code) {
+    const std::uint16_t glyph = glyphOf(code);
+    if (glyph < codes.size()) codes[glyph] = static_cast<std::uint16_t>(code);
+  }
+  if (!codes.empty()) codes[0] = 0;
+  return codes;
+}
+
+void FontFile::requireGlyph(std::uint32_t glyph, const std::string& name) const {
   if (glyph < font_->numGlyphs) return;
-  throw std::runtime_error("glyph " + std::to_string(glyph) + ": the font has " +
-                           std::to_string(font_->numGlyphs) + " glyphs");
+  throw std::runtime_error("glyph " + name + ": the font has " + std::to_string(font_->numGlyphs) +
+                           " glyphs");
 }
 
 std::u32string decodeUtf8(const std::string& text) {
@@ -84,7 +127,18 @@ std::u32string decodeUtf8(const std::string& text) {
   return codes;
 }
 
+std::u32string decodeName(const std::string& name) {
+  try {
+    return decodeUtf8(name);
+  } catch (const std::runtime_error&) {
+    std::u32string codes;
+    for (const char byte : name) codes += static_cast<unsigned char>(byte);
+    return codes;
+  }
+}
+
 std::string encodeUtf8(char32_t code) {
+  if (code >= 0xD800 && code < 0xE000) code = U'\uFFFD';
   std::string text;
   const auto add = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
   if (code < 0x80) {
@@ -105,10 +159,50 @@ std::string encodeUtf8(char32_t code) {
   return text;
 }
 
+std::string encodeUtf8(const std::u32string& text) {
+  std::string bytes;
+  for (const char32_t code : text) bytes += encodeUtf8(code);
+  return bytes;
+}
+
 std::string codeName(char32_t code) {
   char text[16];
   std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(code));
   return text;
+}
+
+std::u32string codesOf(const std::string& word) {
+  if (word.size() < 3 || word.compare(0, 2, "U+") != 0) return decodeUtf8(word);
+  const std::string digits = word.substr(2);
+  const bool hex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+  const unsigned long code = hex && digits.size() <= 6 ? std::stoul(digits, nullptr, 16) : ~0ul;
+  if (code > 0x10FFFF) throw std::runtime_error(word + ": no character");
+  return {static_cast<char32_t>(code)};
+}
+
+std::vector<NamedGlyph> glyphsOf(const FontFile& font, const std::vector<std::string>& words) {
+  constexpr std::uint32_t kNoGlyph = 1'000'000;  // more than any font has
+  std::vector<NamedGlyph> glyphs;
+  std::vector<std::uint16_t> lowestCodes;
+  for (const std::string& word : words) {
+    if (word.empty() || word.find_first_not_of("0123456789") != std::string::npos) {
+      for (const char32_t code : codesOf(word)) {
+        const std::uint16_t glyph = font.glyphOf(code);
+        if (glyph == 0) throw std::runtime_error(codeName(code) + ": not mapped by the font");
+        font.requireGlyph(glyph, std::to_string(glyph));
+        glyphs.push_back({glyph, code});
+      }
+      continue;
+    }
+    std::uint32_t glyph = 0;
+    for (const char digit : word) {
+      glyph = std::min(glyph * 10 + static_cast<std::uint32_t>(digit - '0'), kNoGlyph);
+    }
+    font.requireGlyph(glyph, word);
+    if (lowestCodes.empty()) lowestCodes = font.lowestCodes();
+    glyphs.push_back({glyph, lowestCodes[glyph]});
+  }
+  return glyphs;
 }
 
 }  // namespace ulm::tools

@@ -6,6 +6,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "truetype/font.h"
@@ -19,8 +20,7 @@ struct FontOptions {
   std::string file;
   std::uint32_t face = 0;
   bool json = false;
-  std::vector<std::string> words;
-  std::vector<std::uint32_t> glyphs;
+  std::vector<std::string> words;  // text, U+XXXX and, where glyphs are asked for, glyph numbers
   std::string text;
   std::string svg;
 };
@@ -34,8 +34,11 @@ class FontFile {
   const truetype::TrueTypeFont* operator->() const { return font_.get(); }
   // 0 for a code that the font does not map, or beyond 16 bits.
   std::uint16_t glyphOf(char32_t code) const;
-  // Refuses a glyph number that the font does not have.
-  void requireGlyph(std::uint32_t glyph) const;
+  // By glyph number, the lowest code that leads to the glyph; 0 for none. The codes 0 and 0xFFFF
+  // are left out: the first is that of .notdef, the second closes character maps.
+  std::vector<std::uint16_t> lowestCodes() const;
+  // Refuses a glyph number that the font does not have; `name` is the number in the message.
+  void requireGlyph(std::uint32_t glyph, const std::string& name) const;
 
  private:
   struct Close {
@@ -55,25 +58,42 @@ std::unique_ptr<T[], Freed> owned(T* block) {
 
 // The characters of UTF-8 text; a runtime_error where it is none.
 std::u32string decodeUtf8(const std::string& text);
-std::string encodeUtf8(char32_t code);
+// The same of a file's name, whose bytes stand for themselves where they are no UTF-8.
+std::u32string decodeName(const std::string& name);
+std::string encodeUtf8(char32_t code);  // U+FFFD for a surrogate
+std::string encodeUtf8(const std::u32string& text);
 std::string codeName(char32_t code);  // U+0041
 
-// The points of a glyph, and its outline as SVG path data with the y axis turned down.
-std::vector<truetype::GlyphPoint> outlineOf(const FontFile& font, std::uint32_t glyph);
-std::string svgPath(const std::vector<truetype::GlyphPoint>& points, std::int64_t originX);
-// Writes a picture of paths in font units; box is [xMin, yMin, xMax, yMax] with the y axis up.
-struct Box {
-  std::int64_t xMin, yMin, xMax, yMax;
-};
-void writeSvg(const std::string& file, const Box& box, const std::string& paths);
+// The characters of a word that is U+XXXX or text; a runtime_error for a number that is none.
+std::u32string codesOf(const std::string& word);
 
-// The subcommands' work: what they would print, as an object.
-Json infoOf(const FontFile& font, const FontOptions& options);
-Json namesOf(const FontFile& font, const FontOptions& options);
-Json mapOf(const FontFile& font, const FontOptions& options);
-Json metricsOf(const FontFile& font, const FontOptions& options);
-Json kernOf(const FontFile& font, const FontOptions& options);
-Json outlineReport(const FontFile& font, const FontOptions& options);
-Json specimenOf(const FontFile& font, const FontOptions& options);
+// Glyphs that the user names by number or by character, with the character, or the lowest one that
+// leads to the glyph; 0 for none.
+struct NamedGlyph {
+  std::uint32_t glyph;
+  char32_t code;
+};
+// A word of digits is a glyph number, and every other one is read by codesOf. A runtime_error for a
+// glyph that the font does not have and a character that it does not map.
+std::vector<NamedGlyph> glyphsOf(const FontFile& font, const std::vector<std::string>& words);
+
+// Adds the character of a row as "code", U+0041, and "character", A; null for 0.
+void addCharacter(Json& row, char32_t code);
+
+// What a subcommand prints, as an object, and the picture that --svg writes. Where the object has
+// "units", these name the unit of a value by its key.
+struct Report {
+  Report(Json toPrint, std::string toDraw = {})
+      : values(std::move(toPrint)), picture(std::move(toDraw)) {}
+  Json values;
+  std::string picture;
+};
+Report infoOf(const FontFile& font, const FontOptions& options);
+Report namesOf(const FontFile& font, const FontOptions& options);
+Report mapOf(const FontFile& font, const FontOptions& options);
+Report metricsOf(const FontFile& font, const FontOptions& options);
+Report kernOf(const FontFile& font, const FontOptions& options);
+Report outlineOf(const FontFile& font, const FontOptions& options);
+Report specimenOf(const FontFile& font, const FontOptions& options);
 
 }  // namespace ulm::tools

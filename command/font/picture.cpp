@@ -1,5 +1,4 @@
 // Outlines as SVG paths.
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
@@ -55,16 +54,14 @@ void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count,
   path << 'Z';
 }
 
-}  // namespace
-
-std::vector<GlyphPoint> outlineOf(const FontFile& font, std::uint32_t glyph) {
-  font.requireGlyph(glyph);
+std::vector<GlyphPoint> pointsOf(const FontFile& font, std::uint32_t glyph) {
   GlyphPoint* points = nullptr;
   const std::int32_t count = getGlyphPoints(font.get(), glyph, &points);
   const auto held = owned(points);
   return count <= 0 ? std::vector<GlyphPoint>() : std::vector<GlyphPoint>(points, points + count);
 }
 
+// The outline as SVG path data, with the y axis turned down.
 std::string svgPath(const std::vector<GlyphPoint>& points, std::int64_t originX) {
   std::ostringstream path;
   path.precision(15);  // a long text goes far to the right, in halves of units
@@ -77,18 +74,27 @@ std::string svgPath(const std::vector<GlyphPoint>& points, std::int64_t originX)
   return path.str();
 }
 
-void writeSvg(const std::string& file, const Box& box, const std::string& paths) {
-  std::ofstream stream(fileNamed(file), std::ios::binary);
-  stream << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"" << box.xMin << ' ' << -box.yMax
-         << ' ' << box.xMax - box.xMin << ' ' << box.yMax - box.yMin << "\">\n"
-         << paths << "</svg>\n";
-  if (!stream.flush()) throw std::runtime_error(file + ": cannot be written");
+// In font units, with the y axis up.
+struct Box {
+  std::int64_t xMin, yMin, xMax, yMax;
+};
+std::string svgPicture(const Box& box, const std::string& paths) {
+  std::ostringstream picture;
+  picture << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"" << box.xMin << ' ' << -box.yMax
+          << ' ' << box.xMax - box.xMin << ' ' << box.yMax - box.yMin << "\">\n"
+          << paths << "</svg>\n";
+  return picture.str();
 }
 
-Json outlineReport(const FontFile& font, const FontOptions& options) {
-  const std::uint32_t glyph = options.glyphs.at(0);
-  const std::vector<GlyphPoint> points = outlineOf(font, glyph);
-  Json rows = Json::array();
+}  // namespace
+
+Report outlineOf(const FontFile& font, const FontOptions& options) {
+  const std::vector<NamedGlyph> named = glyphsOf(font, options.words);
+  if (named.size() != 1) throw std::runtime_error("the outline of one glyph at a time");
+  const std::vector<GlyphPoint> points = pointsOf(font, named[0].glyph);
+  Json report{{"glyph", named[0].glyph}};
+  addCharacter(report, named[0].code);
+  Json& rows = report["points"] = Json::array();
   Box box{0, 0, 0, 0};
   for (const GlyphPoint& point : points) {
     rows.push_back({point.x, point.y, point.flags});
@@ -98,13 +104,10 @@ Json outlineReport(const FontFile& font, const FontOptions& options) {
     box.xMax = first ? point.x : std::max<std::int64_t>(box.xMax, point.x);
     box.yMax = first ? point.y : std::max<std::int64_t>(box.yMax, point.y);
   }
-  if (!options.svg.empty()) {
-    writeSvg(options.svg, box, "<path d=\"" + svgPath(points, 0) + "\"/>\n");
-  }
-  return {{"glyph", glyph}, {"points", rows}};
+  return {report, svgPicture(box, "<path d=\"" + svgPath(points, 0) + "\"/>\n")};
 }
 
-Json specimenOf(const FontFile& font, const FontOptions& options) {
+Report specimenOf(const FontFile& font, const FontOptions& options) {
   std::vector<std::uint16_t> glyphs;
   Json unmapped = Json::array();
   for (const char32_t code : decodeUtf8(options.text)) {
@@ -123,7 +126,7 @@ Json specimenOf(const FontFile& font, const FontOptions& options) {
     if (glyphs[i] >= font->numGlyphs) continue;
     GlyphMetrics metrics{};
     readGlyphMetrics(font.get(), glyphs[i], &metrics);
-    const std::vector<GlyphPoint> points = outlineOf(font, glyphs[i]);
+    const std::vector<GlyphPoint> points = pointsOf(font, glyphs[i]);
     for (const GlyphPoint& point : points) {
       box.xMin = std::min(box.xMin, x + point.x);
       box.yMin = std::min<std::int64_t>(box.yMin, point.y);
@@ -135,8 +138,11 @@ Json specimenOf(const FontFile& font, const FontOptions& options) {
     x += metrics.advanceWidth + kern * font->unitsPerEm / 1000;
     box.xMax = std::max(box.xMax, x);
   }
-  writeSvg(options.svg, box, paths);
-  return {{"glyphs", glyphs}, {"width", x}, {"unmapped", unmapped}, {"svg", options.svg}};
+  return {Json{{"glyphs", glyphs},
+               {"width", x},
+               {"unmapped", unmapped},
+               {"svg", encodeUtf8(decodeName(options.svg))}},
+          svgPicture(box, paths)};
 }
 
 }  // namespace ulm::tools

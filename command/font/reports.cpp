@@ -1,7 +1,10 @@
 // What a font says of itself, of its characters, glyphs and pairs.
-#include <stdexcept>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include "command/font/font_file.h"
+#include "command/font/names.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
@@ -13,29 +16,13 @@ namespace {
 
 using namespace ulm::truetype;
 
-// The bytes of the record as text: 16-bit units on the Unicode and Windows platforms, else Latin-1.
-std::string textOf(const NameRecord& record) {
-  std::string text;
-  const bool wide = record.platformID == 0 || record.platformID == 3;
-  for (std::size_t i = 0; i + (wide ? 1 : 0) < record.length; i += wide ? 2 : 1) {
-    char32_t code = wide ? readUInt16(record.data, i) : record.data[i];
-    if (code >= 0xD800 && code < 0xDC00 && i + 3 < record.length) {
-      const char32_t low = readUInt16(record.data, i + 2);
-      if (low >= 0xDC00 && low < 0xE000) {
-        code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-        i += 2;
-      }
-    }
-    text += encodeUtf8(code >= 0xD800 && code < 0xE000 ? U'\uFFFD' : code);
+// What is measured in something, by its key; the command prints the unit after the value.
+Json unitsOf(const std::vector<std::pair<const char*, std::vector<const char*>>>& keysOfUnits) {
+  Json units = Json::object();
+  for (const auto& [unit, keys] : keysOfUnits) {
+    for (const char* key : keys) units[key] = unit;
   }
-  return text;
-}
-
-// Bytes of a narrow name as they are, where they are ASCII.
-std::string narrow(const char* text) {
-  std::string made;
-  for (; *text != '\0'; ++text) made += encodeUtf8(static_cast<unsigned char>(*text));
-  return made;
+  return units;
 }
 
 Json globalsOf(const FontFile& font) {
@@ -69,38 +56,39 @@ Json globalsOf(const FontFile& font) {
 }
 
 Json tablesOf(const FontFile& font) {
-  Json tables = Json::object();
+  Json::object_t tables;  // appended to: a search for each key would take quadratic time
+  std::unordered_map<std::uint32_t, std::size_t> indexByTag;
   const std::uint8_t* directory = font->image + font->directoryOffset + 12;
   for (std::uint32_t i = 0; i < font->tableCount; ++i) {
     const std::uint8_t* entry = directory + std::size_t{16} * i;
+    const Json table{{"offset", readUInt32(entry, 8)}, {"length", readUInt32(entry, 12)}};
+    const auto [found, fresh] = indexByTag.try_emplace(readUInt32(entry, 0), tables.size());
+    if (!fresh) {
+      tables.data()[found->second].second =
+          table;  // of a tag that occurs twice, the later entry counts
+      continue;
+    }
     std::string tag;
     for (std::size_t c = 0; c < 4; ++c) tag += encodeUtf8(entry[c]);
-    tables[tag] = {{"offset", readUInt32(entry, 8)}, {"length", readUInt32(entry, 12)}};
+    tables.emplace_back(std::move(tag), table);
   }
   return tables;
 }
 
-// Text as it stands, or U+XXXX for one character.
-std::u32string codesOf(const std::string& word) {
-  if (word.size() < 3 || word.compare(0, 2, "U+") != 0) return decodeUtf8(word);
-  std::size_t used = 0;
-  unsigned long code = 0;
-  const std::string digits = word.substr(2);
-  if (digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos &&
-      digits.size() <= 6) {
-    code = std::stoul(digits, &used, 16);
-  }
-  if (used != digits.size() || code > 0x10FFFF) throw std::runtime_error(word + ": no character");
-  return {static_cast<char32_t>(code)};
-}
-
 }  // namespace
 
-Json infoOf(const FontFile& font, const FontOptions&) {
-  return {
-      {"family", narrow(font->familyName)},
-      {"subfamily", narrow(font->subfamilyName)},
-      {"postScript", narrow(font->postScriptName)},
+void addCharacter(Json& row, char32_t code) {
+  row["code"] = code == 0 ? Json() : Json(codeName(code));
+  row["character"] = code == 0 ? Json() : Json(encodeUtf8(code));
+}
+
+Report infoOf(const FontFile& font, const FontOptions&) {
+  constexpr const char* kEm = "thousandths of the em";
+  const FontNames names = namesOfFont(font);
+  return Json{
+      {"family", encodeUtf8(names.family)},
+      {"subfamily", encodeUtf8(names.style)},
+      {"postScript", encodeUtf8(names.postScript)},
       {"glyphs", font->numGlyphs},
       {"unitsPerEm", font->unitsPerEm},
       {"global", globalsOf(font)},
@@ -110,10 +98,17 @@ Json infoOf(const FontFile& font, const FontOptions&) {
         {"format",
          font->cmapSubtable == nullptr ? Json() : Json(readUInt16(font->cmapSubtable, 0))}}},
       {"kern",
-       {{"type", font->kernType}, {"subtables", font->kernType == 0 ? 0 : font->kernTableCount}}}};
+       {{"type", font->kernType}, {"subtables", font->kernType == 0 ? 0 : font->kernTableCount}}},
+      {"units", unitsOf({{kEm,
+                          {"box", "ascender", "descender", "lineGap", "verticalAscender",
+                           "verticalDescender", "typoAscender", "typoDescender", "typoLineGap",
+                           "winAscent", "winDescent"}},
+                         {"degrees", {"italicAngle"}},
+                         {"font units", {"unitsPerEm"}},
+                         {"bytes", {"offset", "length"}}})}};
 }
 
-Json namesOf(const FontFile& font, const FontOptions&) {
+Report namesOf(const FontFile& font, const FontOptions&) {
   NameRecord* records = nullptr;
   const std::int32_t count = getNameRecords(font.get(), &records);
   Json names = Json::array();
@@ -123,56 +118,64 @@ Json namesOf(const FontFile& font, const FontOptions&) {
                      {"encoding", record.encodingID},
                      {"language", record.languageID},
                      {"name", record.nameID},
-                     {"text", textOf(record)}});
+                     {"text", encodeUtf8(charactersOf(record))}});
   }
   releaseNameRecords(records, count);
-  return {{"names", names}};
+  return Json{{"names", names}};
 }
 
-Json mapOf(const FontFile& font, const FontOptions& options) {
-  Json map = Json::object();
+Report mapOf(const FontFile& font, const FontOptions& options) {
+  Json::object_t map;  // appended to, as a search for each key would take quadratic time
+  std::unordered_set<char32_t> seen;
   for (const std::string& word : options.words) {
     for (const char32_t code : codesOf(word)) {
+      if (!seen.insert(code).second) continue;
       const std::uint16_t glyph = font.glyphOf(code);
-      map[codeName(code)] = glyph == 0 && !options.json ? Json("unmapped") : Json(glyph);
+      map.emplace_back(codeName(code),
+                       glyph == 0 && !options.json ? Json("unmapped") : Json(glyph));
     }
   }
-  return map;
+  return Json(map);
 }
 
-Json metricsOf(const FontFile& font, const FontOptions& options) {
+Report metricsOf(const FontFile& font, const FontOptions& options) {
   Json glyphs = Json::array();
-  for (const std::uint32_t glyph : options.glyphs) {
-    font.requireGlyph(glyph);
+  for (const auto& [glyph, code] : glyphsOf(font, options.words)) {
     GlyphMetrics metrics{};
     readGlyphMetrics(font.get(), glyph, &metrics);
     readGlyphBox(font.get(), glyph, &metrics);
-    glyphs.push_back({{"glyph", glyph},
-                      {"advanceWidth", metrics.advanceWidth},
-                      {"leftSideBearing", metrics.leftSideBearing},
-                      {"advanceHeight", metrics.advanceHeight},
-                      {"topSideBearing", metrics.topSideBearing},
-                      {"box", {metrics.xMin, metrics.yMin, metrics.xMax, metrics.yMax}}});
+    Json row{{"glyph", glyph}};
+    addCharacter(row, code);
+    row["advanceWidth"] = metrics.advanceWidth;
+    row["leftSideBearing"] = metrics.leftSideBearing;
+    row["advanceHeight"] = metrics.advanceHeight;
+    row["topSideBearing"] = metrics.topSideBearing;
+    row["box"] = {metrics.xMin, metrics.yMin, metrics.xMax, metrics.yMax};
+    glyphs.push_back(std::move(row));
   }
-  return {{"glyphs", glyphs}};
+  return Json{{"glyphs", glyphs}};
 }
 
-Json kernOf(const FontFile& font, const FontOptions& options) {
+Report kernOf(const FontFile& font, const FontOptions& options) {
+  std::u32string text;
+  for (const std::string& word : options.words) text += codesOf(word);
   std::vector<std::uint16_t> glyphs;
-  for (const char32_t code : decodeUtf8(options.text)) glyphs.push_back(font.glyphOf(code));
+  for (const char32_t code : text) glyphs.push_back(font.glyphOf(code));
   Json pairs = Json::array();
   if (!glyphs.empty()) {
     std::vector<KernAdjustment> kerning(glyphs.size());
     getRunKerning(font.get(), glyphs.data(), static_cast<std::int32_t>(glyphs.size()), 0,
                   kerning.data());
     for (std::size_t i = 0; i + 1 < glyphs.size(); ++i) {
-      pairs.push_back({{"left", glyphs[i]},
+      pairs.push_back({{"pair", encodeUtf8(text.substr(i, 2))},
+                       {"codes", {codeName(text[i]), codeName(text[i + 1])}},
+                       {"left", glyphs[i]},
                        {"right", glyphs[i + 1]},
                        {"x", kerning[i].x},
                        {"y", kerning[i].y}});
     }
   }
-  return {{"pairs", pairs}};
+  return Json{{"pairs", pairs}};
 }
 
 }  // namespace ulm::tools

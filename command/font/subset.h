@@ -47,12 +47,18 @@ struct SubsetPlan {
 // it can be taken, or there are more glyphs without a character than unused codes.
 SubsetPlan planSubset(const FontFile& font, const SubsetOptions& options);
 
+// The layout tables, by tag, that act on the glyphs and that the new font is without: GSUB and GPOS
+// where features that browsers apply by themselves change some of the glyphs, kern where it has a
+// pair of them, fvar always. Tables that are too costly to judge are among them.
+std::vector<std::string> layoutInUse(const FontFile& font, std::vector<std::uint16_t> glyphs);
+
 // The name records of a font of that family: family, style, full name and PostScript name, for
 // Windows, and for the Macintosh where they are ASCII. The strings belong to the object.
 class FamilyNames {
  public:
-  // `style` is the source's; empty stands for "Regular".
-  FamilyNames(const std::string& family, const std::string& style);
+  // `style` is the source's, without its controls and cut at 255 characters; empty stands for
+  // "Regular".
+  FamilyNames(const std::string& family, const std::u32string& style);
   const std::vector<truetype::NameRecord>& records() const { return records_; }
 
  private:

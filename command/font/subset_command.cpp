@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "command/commands.h"
+#include "command/font/names.h"
 #include "command/font/subset.h"
 #include "command/support/file_batch.h"
 #include "truetype/bytes.h"
@@ -66,10 +67,16 @@ void requirePermission(const FontFile& font) {
                            " (OS/2 fsType); --ignore-embedding-permission goes on all the same");
 }
 
-// What of the source a browser may not like in the new font.
-std::vector<std::string> warningsFor(const FontFile& font, const SubsetOptions& options) {
+// What of the source the new font lacks, and what a browser may not like in it.
+std::vector<std::string> warningsFor(const FontFile& font, const SubsetOptions& options,
+                                     const std::vector<std::string>& layout) {
   constexpr std::uint32_t kShortestOs2 = 78, kMaxpLength = 32, kMaxpVersion = 0x00010000;
   std::vector<std::string> warnings;
+  if (!layout.empty()) {
+    std::string warning = "left out, layout that acts on the taken characters:";
+    for (const std::string& table : layout) warning += ' ' + table;
+    warnings.push_back(std::move(warning));
+  }
   if (!options.dropOs2) {
     if (font->tables[kSlotOs2] == nullptr) {
       warnings.emplace_back("the font has no OS/2 table; browsers refuse a font without it");
@@ -96,7 +103,7 @@ struct NewFont {
 NewFont makeFont(const FontFile& font, const SubsetPlan& plan, const SubsetOptions& options) {
   std::unique_ptr<FamilyNames> names;
   if (options.family) {
-    names = std::make_unique<FamilyNames>(*options.family, font->subfamilyName);
+    names = std::make_unique<FamilyNames>(*options.family, namesOfFont(font).style);
   }
   NewFont made;
   made.glyphs = plan.glyphs;
@@ -129,6 +136,8 @@ void subset(const SubsetOptions& options) {
   if (!options.ignorePermission) requirePermission(font);
   const SubsetPlan plan = planSubset(font, options);
   const NewFont made = makeFont(font, plan, options);
+  const std::vector<std::string> layout =
+      layoutInUse(font, {plan.glyphs.begin() + 1, plan.glyphs.end()});
   FileBatch files;
   files.protect(options.font.file);
   if (options.input == SubsetInput::TextFile) files.protect(options.list);
@@ -139,7 +148,7 @@ void subset(const SubsetOptions& options) {
   files.add(options.out, made.bytes());
   files.commit();
   for (const std::string& line : plan.leftOut) std::cerr << "ulmira: " << line << '\n';
-  for (const std::string& line : warningsFor(font, options))
+  for (const std::string& line : warningsFor(font, options, layout))
     std::cerr << "ulmira: " << line << '\n';
   std::cout << options.font.file << ": " << font->imageSize << " bytes; " << options.out << ": "
             << made.length << " bytes\n";

@@ -39,14 +39,16 @@ std::u32string postScriptPart(const std::u32string& text) {
 
 }  // namespace
 
-FamilyNames::FamilyNames(const std::string& family, const std::string& style) {
+FamilyNames::FamilyNames(const std::string& family, const std::u32string& style) {
   const std::u32string name = decodeUtf8(family);
   if (name.empty() || name.size() > kMostNameCharacters ||
       std::any_of(name.begin(), name.end(), [](char32_t code) { return code < ' '; })) {
     throw std::runtime_error("--name: a family has 1 to 255 characters, none of them a control");
   }
-  const std::u32string styleName(style.begin(), style.end());
-  const std::u32string shownStyle = styleName.empty() ? U"Regular" : styleName;
+  std::u32string shownStyle = style;
+  std::erase_if(shownStyle, [](char32_t code) { return code < ' '; });
+  shownStyle.resize(std::min(shownStyle.size(), kMostNameCharacters));
+  if (shownStyle.empty()) shownStyle = U"Regular";
   const bool regular = shownStyle == U"Regular";
   std::u32string postScript = postScriptPart(name);
   if (postScript.empty()) postScript = U"TrueTypeSubset";

@@ -55,6 +55,10 @@ Numbers parseList(const std::string& list, int radix, std::uint32_t most) {
     if (end == at) continue;
     const std::string word = list.substr(at, end - at);
     const std::size_t dash = word.find('-');
+    if (dash != std::string::npos && (dash == 0 || dash + 1 == word.size())) {
+      throw std::runtime_error('"' + word + "\": a range needs both its ends, as " +
+                               (radix == 16 ? "U+0041-U+005A" : "7-12"));
+    }
     const std::uint32_t first = parse(word.substr(0, dash));
     const std::uint32_t last = dash == std::string::npos ? first : parse(word.substr(dash + 1));
     if (last < first) throw std::runtime_error('"' + word + "\": a range that runs backwards");
@@ -130,13 +134,7 @@ class Planner {
     glyphs.erase(taken, glyphs.end());
     asksForNotdef_ = !glyphs.empty() && glyphs[0] == 0;
 
-    std::vector<std::uint16_t> lowestCode(font_->numGlyphs);
-    std::vector<bool> used(0x10000);  // codes that stand for a character of the source
-    for (std::uint32_t code = 0xFFFE; code > 0; --code) {
-      const std::uint16_t glyph = glyphOfCode(font_, code);
-      used[code] = glyph != 0;
-      if (glyph < font_->numGlyphs) lowestCode[glyph] = static_cast<std::uint16_t>(code);
-    }
+    const std::vector<std::uint16_t> lowestCode = font_.lowestCodes();
     std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs;
     Numbers unreached;
     for (const std::uint32_t glyph : glyphs) {
@@ -147,20 +145,20 @@ class Planner {
         pairs.emplace_back(lowestCode[glyph], glyph);
       }
     }
-    const auto room = static_cast<std::size_t>(
-        std::count(used.begin() + kFirstPrivate, used.begin() + kLastPrivate + 1, false));
-    if (unreached.size() > room) {
+    Numbers room;  // codes of no character of the source
+    for (std::uint32_t code = kFirstPrivate; code <= kLastPrivate; ++code) {
+      if (font_.glyphOf(code) == 0) room.push_back(code);
+    }
+    if (unreached.size() > room.size()) {
       throw std::runtime_error(
           std::to_string(unreached.size()) + " of the glyphs are reached by no character, and " +
           codeName(kFirstPrivate) + " to " + codeName(kLastPrivate) + " have room for " +
-          std::to_string(room) + "; glyph " + std::to_string(unreached[room]) + " is the first " +
-          "that does not fit");
+          std::to_string(room.size()) + "; glyph " + std::to_string(unreached[room.size()]) +
+          " is the first " + "that does not fit");
     }
-    std::uint32_t next = kFirstPrivate;
-    for (const std::uint32_t glyph : unreached) {
-      while (used[next]) ++next;
-      plan_.assigned.push_back(next);
-      pairs.emplace_back(next++, glyph);
+    for (std::size_t i = 0; i < unreached.size(); ++i) {
+      plan_.assigned.push_back(room[i]);
+      pairs.emplace_back(room[i], unreached[i]);
     }
     std::sort(pairs.begin(), pairs.end());
     for (const auto& [code, glyph] : pairs) add(code, static_cast<std::uint16_t>(glyph));
