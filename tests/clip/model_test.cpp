@@ -64,7 +64,8 @@ TYPED_TEST(Points, HaveTheBitsOfTheModel) {
 TEST(Interpolate, KeepsTheOrderOfOperations) {
   EXPECT_EQ(interpolate(0.1, 0.7, 0.3), (0.7 - 0.1) * 0.3 + 0.1);
   EXPECT_EQ(interpolateRatio(0.0F, 10.0F, 3.0F, 10.0F), 3.0F);
-  EXPECT_TRUE(std::isinf(interpolateRatio(0.0, 1e308, 10.0, 100.0)));  // the product comes first
+  EXPECT_TRUE(std::isinf(interpolateRatio(0.0, 1e308, 10.0, 100.0)));     // the product comes first
+  EXPECT_TRUE(std::isinf(interpolateRatio(0.0F, 1e38F, 10.0F, 100.0F)));  // and is not widened
 }
 
 // What the two containers have in common, under one set of names; the drivers for the volume come
@@ -99,19 +100,33 @@ struct Pair {
   typename Container::Polygon polygon{};
   test::ModelPolygon<Real> model{.grows = Container::kGrows};
 
-  Pair(test::PointSource<Real>& source, std::uint32_t count, std::uint32_t kind, bool trueCodes) {
+  // Outcodes are true ones, or any below `codeLimit` where that is not 0.
+  Pair(test::PointSource<Real>& source, std::uint32_t count, std::uint32_t kind,
+       std::uint32_t codeLimit) {
     for (std::uint32_t i = 0; i < count; ++i) {
       const auto k = source.point(kind);
-      const std::uint32_t code = trueCodes ? test::modelOutcode(k) : source.below(256);
+      const std::uint32_t code = codeLimit == 0 ? test::modelOutcode(k) : source.below(codeLimit);
       model.forWrite(i) = {k, code};
       polygon.vertexForWrite(i) = {k[0], k[1], k[2], k[3], code};
     }
   }
+  // Count and vertices; every slot of a fixed polygon, the length and capacity of a growable one.
   bool same(bool outcodes) {
-    for (std::uint32_t i = 0; i < model.size(); ++i) {
-      const auto& v = polygon.vertexAt(i);
+    const auto* vertices = [&] {
+      if constexpr (Container::kGrows) {
+        return std::as_const(polygon.vertices).data();
+      } else {
+        return polygon.vertices;
+      }
+    }();
+    for (std::uint32_t i = 0; i < (Container::kGrows ? model.count : 32); ++i) {
+      const auto& v = vertices[i];
       const auto& [k, outcode] = model.slots[i];
       if (!test::samePoint(v, k) || (outcodes && v.outcode != outcode)) return false;
+    }
+    if constexpr (Container::kGrows) {
+      if (polygon.vertices.length() != model.length) return false;
+      if (polygon.vertices.capacity() != model.capacity) return false;
     }
     return polygon.count == model.count;
   }
@@ -120,7 +135,7 @@ struct Pair {
 // A coordinate that is carried along by a trace, as a caller would carry a colour, comes out with
 // the clipper's own bits: `y` are those of the source.
 template <class Trace, class Real>
-void checkTrace(const Trace& trace, std::vector<Real> y, auto* result) {
+void checkTrace(const Trace& trace, std::vector<Real> y, auto* result, std::uint32_t size) {
   std::span<const BasicClipRecord<Real>> records;
   std::span<const ClipOrigin> origins;
   if constexpr (requires { trace.recordCount; }) {
@@ -131,7 +146,7 @@ void checkTrace(const Trace& trace, std::vector<Real> y, auto* result) {
     records = {trace.records.data(), trace.records.length()};
     origins = {trace.origins.data(), trace.origins.length()};
   }
-  ASSERT_EQ(origins.size(), result != nullptr ? result->count : 0U);
+  ASSERT_EQ(origins.size(), result != nullptr ? size : 0U);
   const std::size_t sources = y.size();
   const auto at = [&](ClipOrigin origin) {
     return y.at(origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sources);
@@ -156,14 +171,30 @@ TYPED_TEST(Polygons, HaveTheBitsOfTheModel) {
   int outcomes[3] = {}, results = 0;
   for (int round = 0; round < 8000 && !this->HasFailure(); ++round) {
     SCOPED_TRACE(round);
-    const std::uint32_t count = source.below(round % 8 == 0 ? 33 : 9);
-    Pair<Clip> tested(source, count, source.below(3), source.below(4) != 0);
+    // A fixed polygon with a count above 32 has 32 vertices.
+    const bool overfull = !Clip::kGrows && round % 16 == 1;
+    const std::uint32_t count = overfull ? 32 : source.below(round % 8 == 0 ? 33 : 9);
+    const std::uint32_t kCodeLimits[] = {0, 0, 0, 0, 0, 256, 256, 1};
+    Pair<Clip> tested(source, count, source.below(3), kCodeLimits[source.below(8)]);
     // Stale destinations: full of values, a fixed one with any count.
-    Pair<Clip> cut(source, Clip::kGrows ? 250 : 32, 0, false), first = cut, second = cut;
+    Pair<Clip> cut(source, Clip::kGrows ? 250 : 32, 0, 256), first = cut, second = cut;
     cut.polygon.count = cut.model.count = Clip::kGrows ? 0 : source.below(60);
-    auto batch = tested.polygon;
+    if (overfull) tested.polygon.count = tested.model.count = round < 2000 ? 36 : ~0U;
+    auto batch = tested.polygon, coded = tested.polygon;
     std::vector<typename Clip::Number> y;
-    for (std::uint32_t i = 0; i < count; ++i) y.push_back(tested.model.slots[i].k[1]);
+    std::uint32_t any = 0;
+    bool finite = true;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const auto& k = tested.model.slots[i].k;
+      y.push_back(k[1]);
+      any |= test::modelOutcode(k);
+      for (const auto value : k) finite = finite && std::isfinite(value);
+    }
+    ASSERT_EQ(computeOutcode(coded), any);
+    ASSERT_EQ(isFinite(coded), finite);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      ASSERT_EQ(coded.vertexAt(i).outcode, test::modelOutcode(tested.model.slots[i].k));
+    }
     const std::uint32_t plane = source.below(6);
     const std::uint32_t flat = source.below(2), planes = flat != 0 ? 0x33 : 0x77;
     const std::uint32_t mask = source.below(2) == 0 ? ~0U : source.below(256);
@@ -184,6 +215,7 @@ TYPED_TEST(Polygons, HaveTheBitsOfTheModel) {
     auto* const expected =
         test::modelPingPong(first.model, second.model, tested.model, mask & planes);
     ASSERT_EQ(result == nullptr, expected == nullptr);
+    const std::uint32_t drivenSize = result != nullptr ? result->count : 0;
     if (result != nullptr) {
       ASSERT_EQ(result == &first.polygon, expected == &first.model);
       ASSERT_TRUE((expected == &first.model ? first : second).same(true));
@@ -194,8 +226,8 @@ TYPED_TEST(Polygons, HaveTheBitsOfTheModel) {
     // The outcode of a new vertex is settled for the fixed polygons alone.
     ASSERT_TRUE(tested.same(!Clip::kGrows));
     if (traced) {
-      checkTrace(driven, y, (mask & planes) != 0 ? result : nullptr);
-      checkTrace(placed, y, remains ? &tested.polygon : nullptr);
+      checkTrace(driven, y, (mask & planes) != 0 ? result : nullptr, drivenSize);
+      checkTrace(placed, y, remains ? &tested.polygon : nullptr, tested.model.size());
     }
     ASSERT_EQ(remaining, remains ? 1U : 0U);
     ASSERT_EQ(static_cast<int>(outcome), expectedOutcome);

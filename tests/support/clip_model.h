@@ -64,6 +64,8 @@ struct ModelPolygon {
   std::vector<Vertex> slots = std::vector<Vertex>(32);
   std::uint32_t count = 0;
   bool grows = false;
+  std::uint32_t length = 0;  // one more than the highest slot written
+  std::uint32_t capacity = 0;
 
   std::uint32_t atMost(std::uint32_t n) const { return grows ? n : std::min(n, 32U); }
   std::uint32_t size() const { return atMost(count); }
@@ -71,7 +73,22 @@ struct ModelPolygon {
     if (!grows && i >= 32) return slots[31];
     count = std::max(count, i + 1);
     if (i >= slots.size()) slots.resize(i + 1);
+    if (i >= capacity) capacity = capacity == 0 ? i + 17 : std::max(length + length / 2, i + 1);
+    length = std::max(length, i + 1);
     return slots[i];
+  }
+  // What an in-place driver works in.
+  ModelPolygon scratch() const {
+    ModelPolygon made{.grows = grows};
+    if (grows) made.length = count, made.capacity = count + 16;
+    return made;
+  }
+  // A growable polygon takes the array of the result over, a fixed one the slots written.
+  void adopt(const ModelPolygon& result) {
+    const std::size_t taken = grows ? result.slots.size() : result.length;
+    slots.resize(std::max(slots.size(), taken));
+    std::copy_n(result.slots.begin(), taken, slots.begin());
+    count = result.count, length = result.length, capacity = result.capacity;
   }
 };
 
@@ -113,10 +130,10 @@ int modelInPlace(Polygon& polygon, std::uint32_t planes) {
   }
   if (all != 0) return 2;  // so it is without vertices too
   if ((any & planes) == 0) return 0;
-  Polygon first{.grows = polygon.grows}, second = first;
+  Polygon first = polygon.scratch(), second = first;
   const Polygon* result = modelPingPong(first, second, polygon, any & planes);
   if (result == nullptr) return 2;
-  polygon = *result;
+  polygon.adopt(*result);
   return 1;
 }
 
