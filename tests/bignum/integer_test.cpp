@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <new>
 #include <sstream>
 #include <thread>
@@ -52,18 +54,47 @@ TEST(Words, ComeZeroedAndKeepTheirContentWhenResized) {
   EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
 }
 
-// Static initialisers without a priority may use the constants.
-const QLInteger kThreeFromConstants = One + Two;
-
-TEST(Integer, ConstantsHaveTheirStates) {
+// Static initialisers without a priority may use the constants: this is what one of them finds.
+const std::string kConstants = [] {
   std::ostringstream table;
-  for (const QLInteger* value : {&Zero, &MinusOne, &MinusTwo, &kThreeFromConstants}) {
+  for (const QLInteger* value : {&Zero, &One, &Two, &MinusOne, &MinusTwo}) {
     table << stateOf(*value) << ", ";
   }
-  for (const QLInteger& witness : PrimeWitnesses) table << witness << ' ';
-  EXPECT_EQ(table.str(),
-            "1 32 +0, 1 32 -1, 1 32 -2, 1 32 +3, "
+  for (const QLInteger& witness : PrimeWitnesses) {
+    table << (witness.count == 1 && witness.capacity == 32 ? toText(witness) : "none") << ' ';
+  }
+  return table.str();
+}();
+
+TEST(Integer, ConstantsComeBeforeOtherInitialisers) {
+  EXPECT_EQ(kConstants,
+            "1 32 +0, 1 32 +1, 1 32 +2, 1 32 -1, 1 32 -2, "
             "2 3 5 7 11 13 17 19 23 29 31 37 39 41 43 47 49 53 ");
+}
+
+// They are destroyed in the reverse of the order in which they were built.
+TEST(IntegerDeathTest, ConstantsGoBackInReverseOrder) {
+  const auto leave = [] {
+    odrxAllocWatchFreed([](const void* block, std::uint64_t) {
+      std::fprintf(stderr, "%u ", *static_cast<const Word*>(block));
+    });
+    std::exit(0);
+  };
+  EXPECT_EXIT(leave(), testing::ExitedWithCode(0),
+              "53 49 47 43 41 39 37 31 29 23 19 17 13 11 7 5 3 2 2 1 2 1 0 ");
+}
+
+// The words above count are old digits, or not there at all.
+TEST(Integer, BitsEndWithTheWordsInUse) {
+  QLInteger shrunk(33, 0xFFFFFFFF);
+  shrunk.count = 32;
+  EXPECT_FALSE(shrunk.TestBit(32 * 32));
+  shrunk.SetBit(32 * 32, false);
+  EXPECT_EQ(shrunk.words[32], 0xFFFFFFFF);
+  QLInteger full(32, 5);
+  EXPECT_FALSE(full.TestBit(32 * 32));
+  full.SetBit(32 * 32, true);
+  EXPECT_TRUE(full == QLInteger(32, 5));
 }
 
 // The largest capacity asks the allocator, and one word more is refused without asking.
@@ -177,9 +208,8 @@ TEST(Integer, ServesModernUse) {
   EXPECT_TRUE(set.size() == 3 && set.contains(QLInteger(-1)));
 }
 
-}  // namespace
 // SetBit can leave zero words on top; what follows is in normal form, and no loop runs on.
-TEST(QLInteger, ZeroWordsOnTopDoNotLast) {
+TEST(Integer, ZeroWordsOnTopDoNotLast) {
   for (const std::int32_t low : {0, 5}) {
     QLInteger value = PowerOfTwo(32) + QLInteger(low);
     value.SetBit(32, false);
@@ -193,4 +223,5 @@ TEST(QLInteger, ZeroWordsOnTopDoNotLast) {
   }
 }
 
+}  // namespace
 }  // namespace ulm::bignum::test
