@@ -47,7 +47,7 @@ CXStringW versionText() {
   void* value = nullptr;
   UINT length = 0;
   if (!VerQueryValueW(block.get(), L"\\", &value, &length)) return text;
-  if (length < sizeof(VS_FIXEDFILEINFO)) return text;
+  if (length < sizeof(VS_FIXEDFILEINFO)) return text;  // the fields would be read past the value
   VS_FIXEDFILEINFO information;
   std::memcpy(&information, value, sizeof information);
   const auto high = [](DWORD pair) { return static_cast<int>(pair >> 16); };

@@ -111,15 +111,17 @@ BOOL VerQueryValueW(const void* block, const wchar_t* subBlock, void** value, UI
   if (std::wcscmp(subBlock, L"\\") != 0 && *subBlock != L'\0') return FALSE;
   const auto* const start = static_cast<const char*>(block);
   const std::size_t size = littleEndian<std::uint16_t>({start, 2}, 0);
-  if (size < kFixedOffset + sizeof(VS_FIXEDFILEINFO)) return FALSE;
+  if (size < kFixedOffset + sizeof kFixedSignature) return FALSE;
   const std::string_view bytes(start, size);
-  if (littleEndian<std::uint16_t>(bytes, 2) != sizeof(VS_FIXEDFILEINFO)) return FALSE;
+  // A value that is shorter than its structure is handed out as it is.
+  const std::size_t valueLength = littleEndian<std::uint16_t>(bytes, 2);
+  if (valueLength < sizeof kFixedSignature || valueLength > size - kFixedOffset) return FALSE;
   for (std::size_t i = 0; i < kVersionKey.size(); ++i) {
     if (littleEndian<char16_t>(bytes, kLengthFields + 2 * i) != kVersionKey[i]) return FALSE;
   }
   if (littleEndian<std::uint32_t>(bytes, kFixedOffset) != kFixedSignature) return FALSE;
   *value = const_cast<char*>(start + kFixedOffset);
-  *length = sizeof(VS_FIXEDFILEINFO);
+  *length = static_cast<UINT>(valueLength);
   return TRUE;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,16 @@ class OwnFolder : public testing::Test {
   const fs::path own_ = fs::temp_directory_path() / ("ulmira-" + std::to_string(::getpid()));
   fs::path folder_;
 };
+
+// Makes the version resource of a library's file say that its fixed information has `length` bytes.
+void shortenVersion(const fs::path& library, char length) {
+  std::fstream file(library, std::ios::in | std::ios::out | std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  const std::size_t information = bytes.find("\xBD\x04\xEF\xFE");  // its signature
+  ASSERT_NE(information, std::string::npos);
+  file.seekp(static_cast<std::streamoff>(information) - 38);
+  file.put(length);
+}
 
 constexpr char kCreated[] = "fresh object, slot cleared, 0 references\n";
 
@@ -109,6 +120,13 @@ TEST_F(OwnFolder, LongNames) {
               (found ? ";{folder}" : "") + "\ngone\n");
     }
   }
+}
+
+TEST_F(OwnFolder, VersionWithoutItsWholeStructure) {
+  place("short", "");
+  shortenVersion(folder_ / kLibrary, 48);
+  run({"take=QlHostApp.dll"}, {"create", "init", "version-record"},
+      std::string(kCreated) + "init true\nversion \"\" build none\n");
 }
 
 TEST(ModuleLoad, ManyTimesWithoutGrowth) {
