@@ -87,7 +87,8 @@ class ClipCommand(unittest.TestCase):
                  (["--segments"], "1 2 3 4\n\n1 2 3 4\n", "2:1"),
                  (["--segments"], "1 2 3 4\n1 2 3 4\n1 2 3 4\n", "3:1"),
                  ([], "\ufeff1 x 3 4", "1:3"), ([], '\ufeff{"polygon":[]}', "1:2"), ([], "1 2 # 3 4", "1:5"),
-                 ([], "1" + 10000 * "0" + "e-1 2 3 4", "1:1"), ([], "segments 3", "1:10"),
+                 ([], "1" + 10000 * "0" + "e-1 2 3 4", "1:1"), ([], f"0.{10000 * '0'}1e{2 ** 70} 2 3 4", "1:1"),
+                 ([], "segments 3", "1:10"),
                  ([], "segments\n0 0 0 1\npolygons", "3:1"), ([], "polygon", "1:1")]
         with tempfile.TemporaryDirectory() as folder:
             for arguments, text, place in cases:

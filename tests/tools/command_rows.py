@@ -4,8 +4,8 @@ Usage: command_rows.py ROWS [--windows] COMMAND...
 ROWS holds blocks of "Key = value", parted by blank lines; '#' starts a line for people. Run is a line for
 the shell in a folder with a file abc of these three letters; $U is the command, and num stands for
 `$U num`. Prints is all that it prints, both streams together, without the last line end, \\n being a line
-end and \\\\ a backslash; Tells is a part of that. Status is the exit code if it is not 0. On = posix
-marks what Windows has no such thing for.
+end and \\\\ a backslash; Tells is a part of that, written the same way. Status is the exit code if it is not
+0. On = posix marks what Windows has no such thing for.
 """
 import pathlib
 import shlex
@@ -38,7 +38,7 @@ def fault(row, command):
     if "Prints" in row:
         right = output == plain(row.pop("Prints")) + "\n"
     else:
-        right = row.pop("Tells") in output
+        right = plain(row.pop("Tells")) in output
     assert not row, f"unknown keys {sorted(row)}"
     if right and ran.returncode == status:
         return ""
