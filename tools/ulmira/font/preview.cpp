@@ -137,13 +137,14 @@ std::string previewPage(const FontFile& font, std::string_view subset, const Sub
     page += "<section>\n<h2>" + escapedName(file) + ", " + std::to_string(size) +
             " bytes</h2>\n<p class=\"" + name + "\">" + escaped(text) + "</p>\n";
   };
-  addColumn("subset", options.out, subset.size(), plan.text);
+  addColumn("subset", options.out == "-" ? "standard output" : options.out, subset.size(),
+            plan.text);
   if (!plan.assigned.empty()) {
     page += "<h2>Glyphs that no character of the source reaches</h2>\n<div><p class=\"subset\">" +
             escaped(plan.assigned) + "</p></div>\n";
   }
   page += "</section>\n";
-  addColumn("source", options.font.file, source.size(), plan.text);
+  addColumn("source", font.name(), source.size(), plan.text);
   page += "</section>\n</main>\n<script>";
   page += kScript;
   page += "</script>\n</body>\n</html>\n";

@@ -16,7 +16,7 @@ class App;
 namespace ulm::tools {
 
 // Hangs the subcommand into `ulmira font`.
-void addSubsetCommand(CLI::App& font, int& status);
+void addSubsetCommand(CLI::App& font);
 
 // What the user's one list of characters or glyphs is.
 enum class SubsetInput { Text, TextFile, Unicodes, Glyphs };
