@@ -159,7 +159,7 @@ void subset(const SubsetOptions& options) {
   if (options.input == SubsetInput::TextFile) files.protect(options.list);
   if (!options.mapping.empty()) files.add(options.mapping, mappingOf(plan, made, options));
   if (!options.preview.empty()) {
-    files.add(options.preview, previewPage(font, made.bytes(), plan, options));
+    files.add(options.preview, previewPage(font, made.bytes(), plan, layout, options));
   }
   files.add(options.out, made.bytes());
   const std::string summary = font.name() + ": " + std::to_string(font->imageSize) + " bytes; " +
