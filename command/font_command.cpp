@@ -2,7 +2,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,25 +10,16 @@
 #include "command/font/font_file.h"
 #include "command/font/subset.h"
 #include "command/support/file_batch.h"
+#include "command/support/streams.h"
 
 namespace ulm::tools {
 namespace {
 
-// A character that could steer a terminal: a control of either set, a line end, or one that turns
-// the direction of writing.
-bool isControl(char32_t code) {
-  return code < ' ' || (code >= 0x7F && code < 0xA0) || code == 0x61C || code == 0x200E ||
-         code == 0x200F || (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
-}
-
-// On one line, with line ends as blanks and other controls by their numbers.
-std::string shown(const std::string& text) {
-  std::string line;
-  for (const char32_t code : decodeUtf8(text)) {
-    const bool blank = code == U'\n' || code == U'\r' || code == U'\t';
-    line += blank ? " " : isControl(code) ? '<' + codeName(code) + '>' : encodeUtf8(code);
-  }
-  return line;
+// On one line, whatever line ends a text has.
+std::string shown(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+  return printable(text);
 }
 
 bool isTable(const Json& value) {
@@ -84,8 +74,8 @@ constexpr std::size_t kKeyWidth = 20;
 std::string objectText(const Json& object, const Json& units, const std::string& indent) {
   std::string text;
   for (const auto& [key, value] : object.items()) {
+    if (key == "units") continue;
     if (value.is_object()) {
-      if (&value == &units) continue;
       text += indent + shown(key) + '\n' + objectText(value, units, indent + "  ");
     } else if (isTable(value)) {
       text += tableText(value);
@@ -96,6 +86,11 @@ std::string objectText(const Json& object, const Json& units, const std::string&
     }
   }
   return text;
+}
+
+std::string plainText(const Json& object) {
+  const auto units = object.find("units");
+  return objectText(object, units == object.end() ? Json::object() : *units, "");
 }
 
 // C1 controls and DEL are allowed in JSON as they are, but a terminal obeys them.
@@ -119,39 +114,35 @@ std::string jsonText(const Json& object) {
 
 using ReportOf = Report (*)(const FontFile& font, const FontOptions& options);
 
-CLI::App* addReport(CLI::App& app, const std::shared_ptr<FontOptions>& options, int& status,
-                    const char* name, const char* about, ReportOf reportOf) {
+CLI::App* addReport(CLI::App& app, const std::shared_ptr<FontOptions>& options, const char* name,
+                    const char* about, ReportOf reportOf) {
   CLI::App* command = app.add_subcommand(name, about);
-  command->add_option("FONT", options->file, "A TrueType font or collection")->required();
+  command->add_option("FONT", options->file, "A TrueType font or collection; - for standard input")
+      ->required();
   command->add_option("--face", options->face, "The face of a collection, from 0");
   command->add_flag("--json", options->json, "Print one JSON object");
-  command->callback([options, reportOf, &status] {
+  command->callback([options, reportOf] {
     const FontFile font(*options);
     const Report report = reportOf(font, *options);
-    if (!options->svg.empty()) {
-      FileBatch files;
-      files.protect(options->file);
-      files.add(options->svg, report.picture);
-      files.commit();
+    FileBatch outputs;
+    outputs.protect(options->file);
+    if (!options->svg.empty()) outputs.add(options->svg, report.picture);
+    if (options->svg != "-") {
+      outputs.add("-", options->json ? jsonText(report.values) : plainText(report.values));
     }
-    const Json none = Json::object();
-    const auto units = report.values.find("units");
-    std::cout << (options->json ? jsonText(report.values)
-                                : objectText(report.values,
-                                             units == report.values.end() ? none : *units, ""));
-    status = std::cout.flush() ? 0 : 1;
+    outputs.commit();
   });
   return command;
 }
 
 }  // namespace
 
-void addFontCommand(CLI::App& app, int& status) {
+void addFontCommand(CLI::App& app, int& /*status*/) {
   const auto options = std::make_shared<FontOptions>();
   CLI::App* font = app.add_subcommand("font", "Look into a TrueType font, or make a smaller one");
   font->require_subcommand(1);
   const auto add = [&](const char* name, const char* about, ReportOf reportOf) {
-    return addReport(*font, options, status, name, about, reportOf);
+    return addReport(*font, options, name, about, reportOf);
   };
   add("info", "Names, global description, tables, character map and kerning", infoOf);
   add("names", "All name records", namesOf);
@@ -170,12 +161,14 @@ void addFontCommand(CLI::App& app, int& status) {
   outline->add_option("GLYPH", options->words, "A glyph number, U+XXXX or a character")
       ->required()
       ->expected(1);
-  outline->add_option("--svg", options->svg, "Write a picture of the outline there");
+  outline->add_option("--svg", options->svg,
+                      "Write a picture of the outline there; - in place of the points");
   CLI::App* specimen =
       add("specimen", "A picture of a text, with advances and kerning", specimenOf);
   specimen->add_option("--text", options->text, "Text in UTF-8")->required();
-  specimen->add_option("--svg", options->svg, "Where to write the picture")->required();
-  addSubsetCommand(*font, status);
+  specimen->add_option("--svg", options->svg, "Where to write the picture; - for standard output")
+      ->required();
+  addSubsetCommand(*font);
 }
 
 }  // namespace ulm::tools

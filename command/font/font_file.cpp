@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
+#include <string_view>
 
 #include "command/support/program.h"
+#include "command/support/streams.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/open.h"
 
@@ -15,12 +15,12 @@ namespace {
 
 using namespace ulm::truetype;
 
-std::vector<std::uint8_t> readFile(const std::string& file) {
-  std::ifstream stream(fileNamed(file), std::ios::binary);
-  std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream.is_open() || stream.bad()) throw std::runtime_error(file + ": cannot be read");
-  if (bytes.empty()) throw std::runtime_error(file + ": empty, or no file");
-  if (bytes.size() > INT32_MAX) throw std::runtime_error(file + ": too large for a font");
+// A pipe or a device does not say how much it holds, and may have no end.
+constexpr std::uint64_t kMostStreamBytes = 1u << 28;
+
+std::string readFont(Input input) {
+  std::string bytes = input.readAll(input.size() ? INT32_MAX : kMostStreamBytes);
+  if (bytes.empty()) throw std::runtime_error(input.name() + ": empty");
   return bytes;
 }
 
@@ -28,11 +28,12 @@ constexpr std::uint32_t kCollection = 0x74746366, kPostScriptOutlines = 0x4F5454
 constexpr std::uint32_t kWoff = 0x774F4646, kWoff2 = 0x774F4632;
 
 // The 32 bits at the offset; 0 beyond the end.
-std::uint32_t signatureAt(const std::vector<std::uint8_t>& image, std::size_t offset) {
-  return image.size() < 4 || offset > image.size() - 4 ? 0 : readUInt32(image.data(), offset);
+std::uint32_t signatureAt(std::string_view image, std::size_t offset) {
+  if (image.size() < 4 || offset > image.size() - 4) return 0;
+  return readUInt32(reinterpret_cast<const std::uint8_t*>(image.data()), offset);
 }
 
-const char* kindOf(const std::vector<std::uint8_t>& image, std::uint32_t face) {
+const char* kindOf(std::string_view image, std::uint32_t face) {
   std::uint32_t signature = signatureAt(image, 0);
   if (signature == kCollection) {
     signature = signatureAt(image, signatureAt(image, 12 + std::size_t{4} * face));
@@ -49,8 +50,7 @@ const char* kindOf(const std::vector<std::uint8_t>& image, std::uint32_t face) {
   }
 }
 
-const char* reasonOf(FontResult result, const std::vector<std::uint8_t>& image,
-                     std::uint32_t face) {
+const char* reasonOf(FontResult result, std::string_view image, std::uint32_t face) {
   switch (result) {
     case FontResultBadFormat:
       return kindOf(image, face);
@@ -65,17 +65,19 @@ const char* reasonOf(FontResult result, const std::vector<std::uint8_t>& image,
 
 }  // namespace
 
-FontFile::FontFile(const FontOptions& options) : image_(readFile(options.file)) {
+FontFile::FontFile(const FontOptions& options)
+    : name_(options.file == "-" ? "standard input" : options.file),
+      image_(readFont(Input(options.file))) {
   TrueTypeFont* font = nullptr;
   const FontResult result =
-      openTrueTypeFont(options.file.c_str(), image_.data(),
+      openTrueTypeFont(name_.c_str(), reinterpret_cast<const std::uint8_t*>(image_.data()),
                        static_cast<std::int32_t>(image_.size()), options.face, &font);
   if (result != FontResultOk) {
-    throw std::runtime_error(options.file + ": " + reasonOf(result, image_, options.face));
+    throw std::runtime_error(name_ + ": " + reasonOf(result, image_, options.face));
   }
   font_.reset(font);
   if (options.face != 0 && signatureAt(image_, 0) != kCollection) {
-    throw std::runtime_error(options.file + ": not a collection; its only face is 0");
+    throw std::runtime_error(name_ + ": not a collection; its only face is 0");
   }
 }
 

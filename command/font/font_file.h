@@ -30,6 +30,8 @@ struct FontOptions {
 class FontFile {
  public:
   explicit FontFile(const FontOptions& options);
+  // The name in messages: the file's own, or "standard input".
+  const std::string& name() const { return name_; }
   const truetype::TrueTypeFont* get() const { return font_.get(); }
   const truetype::TrueTypeFont* operator->() const { return font_.get(); }
   // 0 for a code that the font does not map, or beyond 16 bits.
@@ -44,7 +46,8 @@ class FontFile {
   struct Close {
     void operator()(truetype::TrueTypeFont* font) const;
   };
-  std::vector<std::uint8_t> image_;
+  std::string name_;
+  std::string image_;
   std::unique_ptr<truetype::TrueTypeFont, Close> font_;
 };
 

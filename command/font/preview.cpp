@@ -41,7 +41,17 @@ std::string escaped(const std::u32string& text) {
   }
   return page;
 }
-// Likewise for a file's name, whatever bytes it has.
+// Each character in an element of its own, so that it is not shaped with its neighbours.
+std::string eachEscaped(const std::u32string& text) {
+  std::string page;
+  for (const char32_t code : text) {
+    const std::string shown = escaped({code});
+    if (!shown.empty()) page += "<span>" + shown + "</span>";
+  }
+  return page;
+}
+
+// A file's name, whatever bytes it has.
 std::string escapedName(const std::string& name) {
   std::string page;
   for (const char byte : name.substr(name.find_last_of("/\\") + 1)) {
@@ -78,41 +88,167 @@ std::string plainFont(const FontFile& font) {
   return file;
 }
 
+// Text is shown without hints, since an automatic hinter judges a font by characters that may be
+// left out.
 constexpr char kStyle[] = R"(
 body { font: 16px sans-serif; margin: 2em; }
 main { display: grid; grid-template-columns: 1fr 1fr; gap: 2em; }
 h2 { font-size: 1em; }
-p { font-size: 32px; font-kerning: none; font-variant-ligatures: none; white-space: pre-wrap;
-    overflow-wrap: anywhere; }
+p { font-size: 32px; white-space: pre-wrap; overflow-wrap: anywhere; unicode-bidi: plaintext;
+    text-rendering: geometricPrecision; }
+p span { display: inline-block; padding: 0 2px; }
 .subset { font-family: "ulmira subset"; }
 .source { font-family: "ulmira source"; }
+::highlight(different) { background: #fc6; }
+.different { outline: 2px solid #fc6; }
 )";
 
-// Characters are drawn one by one, so that kerning and layout, which the new font lacks, play no
-// part, and without hints: an automatic hinter judges a font by characters that may be left out.
-constexpr char kScript[] = R"(
-const root = document.documentElement;
+// The script draws what the page shows in both fonts, and compares widths and pixels: each
+// character of a list apart from the others; text in stretches of a line, so that letters join and
+// marks and kerning apply as they do on the page. Of a stretch that differs it finds the words, or
+// else the neighbours, that do. So that a text's glyphs can be told from its layout, the characters
+// of a text are drawn one by one too.
+constexpr char kScript[] = R"js(
+const root = document.documentElement, main = document.querySelector("main");
+const isList = main.className === "list";
 const load = name => document.fonts.load(`32px "ulmira ${name}"`)
   .then(faces => faces.length > 0, () => false)
   .then(loaded => root.dataset[name] = loaded ? "loaded" : "refused");
-const draw = name => {
+
+const kMostWidth = 8000, kMostHeight = 1000;
+const makePen = (width, height) => {
   const canvas = document.createElement("canvas");
-  canvas.width = canvas.height = 1200;
-  const pen = canvas.getContext("2d");
+  canvas.width = width;
+  canvas.height = height;
+  const pen = canvas.getContext("2d", {willReadFrequently: true});
   pen.textRendering = "geometricPrecision";
-  pen.font = `32px "ulmira ${name}"`;
-  [...document.querySelector("p.subset").textContent].filter(c => c > " ").slice(0, 400)
-    .forEach((c, i) => pen.fillText(c, 10 + i % 20 * 60, 50 + Math.floor(i / 20) * 58));
-  return canvas.toDataURL();
+  return pen;
 };
-Promise.all([load("subset"), load("source")]).then(states => {
-  const all = states.every(state => state === "loaded");
-  if (all) root.dataset.drawing = draw("subset") === draw("source") ? "equal" : "different";
-  document.title = all ? `Both fonts loaded, drawings ${root.dataset.drawing}`
-    : `Subset ${states[0]}, source ${states[1]}`;
-  document.querySelector("h1").textContent = document.title;
+let pen = makePen(400, 100);
+const measure = (name, text) => {
+  pen.font = `32px "ulmira ${name}"`;
+  return pen.measureText(text);
+};
+const draw = (name, text, x, y, width, height) => {
+  pen.font = `32px "ulmira ${name}"`;
+  pen.clearRect(0, 0, width, height);
+  pen.fillText(text, x, y);
+  return new Uint32Array(pen.getImageData(0, 0, width, height).data.buffer);
+};
+const known = new Map();
+const differs = text => {
+  if (!known.has(text)) known.set(text, compare(text));
+  return known.get(text);
+};
+const compare = text => {
+  const sizes = [measure("subset", text), measure("source", text)];
+  const most = key => Math.max(...sizes.map(size => size[key]), 0);
+  if (Math.abs(sizes[0].width - sizes[1].width) > 1 / 64) return true;
+  const x = Math.ceil(most("actualBoundingBoxLeft")) + 4;
+  const y = Math.ceil(most("actualBoundingBoxAscent")) + 4;
+  const width = Math.min(x + Math.ceil(most("actualBoundingBoxRight")) + 4, kMostWidth);
+  const height = Math.min(y + Math.ceil(most("actualBoundingBoxDescent")) + 4, kMostHeight);
+  if (pen.canvas.width < width || pen.canvas.height < height) {
+    pen = makePen(Math.max(width, pen.canvas.width), Math.max(height, pen.canvas.height));
+  }
+  const pixels = draw("source", text, x, y, width, height);
+  return draw("subset", text, x, y, width, height).some((pixel, i) => pixel !== pixels[i]);
+};
+
+// A stretch ends after white space or, in a long word, not before a mark.
+const stretches = line => line.match(/[^]{1,96}(?=\s|$)\s?|[^]{1,96}(?!\p{M})|[^]{1,96}/gu) || [];
+// Halves of a stretch that is too wide to be drawn at once.
+const narrow = text => {
+  const all = [...text], half = Math.ceil(all.length / 2);
+  return all.length < 2 || measure("source", text).width < kMostWidth - 400 ? [text]
+    : [all.slice(0, half), all.slice(half)].flatMap(part => narrow(part.join("")));
+};
+const wordsThatDiffer = text => {
+  const words = text.split(/\s+/).filter(word => word);
+  const alone = words.filter(differs);
+  if (alone.length) return alone;
+  const pairs = words.slice(1).map((word, i) => `${words[i]} ${word}`).filter(differs);
+  return pairs.length ? pairs : [text];
+};
+
+const codeOf = c => "U+" + c.codePointAt(0).toString(16).toUpperCase().padStart(4, "0");
+const say = (message, items) => {
+  const line = document.createElement("div");
+  const shown = items.slice(0, 100).map(item => `\u2068${item}\u2069`).join(", ");
+  line.textContent = message + shown + (items.length > 100 ? ` and ${items.length - 100} more` : "");
+  document.querySelector("aside").append(line);
+};
+// Marks the pieces in both columns. Elements around words could change how the text is shaped, so
+// words are marked only where the browser can do so without them.
+const mark = pieces => {
+  const columns = [...main.querySelectorAll("p.subset, p.source")];
+  if (isList) {
+    for (const span of columns.flatMap(p => [...p.children])) {
+      if (pieces.has(span.textContent)) span.className = "different";
+    }
+  } else if (CSS.highlights && pieces.size) {
+    const ranges = [];
+    for (const node of columns.map(p => p.firstChild)) {
+      for (const piece of [...pieces].slice(0, 100)) {
+        for (let at = node.data.indexOf(piece); at >= 0 && ranges.length < 20000;
+             at = node.data.indexOf(piece, at + piece.length)) {
+          const range = new Range();
+          range.setStart(node, at);
+          range.setEnd(node, at + piece.length);
+          ranges.push(range);
+        }
+      }
+    }
+    CSS.highlights.set("different", new Highlight(...ranges));
+  }
+};
+
+const rest = () => new Promise(resolve => setTimeout(resolve));
+const compareAll = async () => {
+  const shown = document.querySelector("p.subset");
+  shown.normalize();
+  document.querySelector("p.source").normalize();
+  const text = shown.textContent;
+  const characters = [...new Set(text)].filter(c => /\S/u.test(c));
+  const lone = [], pieces = new Set();
+  for (const [i, c] of characters.entries()) {
+    if (differs(c)) lone.push(c);
+    if (i % 500 === 499) await rest();
+  }
+  if (isList) {
+    lone.forEach(c => pieces.add(c));
+  } else {
+    const parts = [...new Set(text.split("\n").flatMap(stretches).flatMap(narrow))];
+    for (const [i, part] of parts.entries()) {
+      if (/\S/u.test(part) && differs(part)) wordsThatDiffer(part).forEach(word => pieces.add(word));
+      if (i % 50 === 49) await rest();
+    }
+  }
+  root.dataset.characters = lone.length ? "different" : "equal";
+  root.dataset.drawing = pieces.size ? "different" : "equal";
+  root.dataset.differing = [...pieces].slice(0, 100).join("|");
+  if (lone.length) {
+    say(`Drawn one by one, ${lone.length} of ${characters.length} characters differ: `,
+        lone.map(c => `${codeOf(c)} ${c}`));
+  } else {
+    say(`Drawn one by one, all ${characters.length} characters are equal.`, []);
+  }
+  if (!isList && pieces.size) say("As text, these differ: ", [...pieces]);
+  mark(pieces);
+};
+
+const title = text => document.title = document.querySelector("h1").textContent = text;
+Promise.all([load("subset"), load("source")]).then(async states => {
+  if (!states.every(state => state === "loaded")) {
+    return title(`Subset ${states[0]}, source ${states[1]}`);
+  }
+  title("Both fonts loaded, comparing");
+  await compareAll();
+  const what = isList ? "characters" : "text";
+  title(root.dataset.drawing === "equal" ? `Both fonts loaded, the ${what} equal`
+    : `Both fonts loaded, the ${what} different`);
 });
-)";
+)js";
 
 void addFace(std::string& page, const char* name, std::string_view font) {
   page += "@font-face { font-family: \"ulmira ";
@@ -123,7 +259,7 @@ void addFace(std::string& page, const char* name, std::string_view font) {
 }  // namespace
 
 std::string previewPage(const FontFile& font, std::string_view subset, const SubsetPlan& plan,
-                        const SubsetOptions& options) {
+                        const std::vector<std::string>& layout, const SubsetOptions& options) {
   const std::string source = plainFont(font);
   std::string page =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
@@ -131,19 +267,26 @@ std::string previewPage(const FontFile& font, std::string_view subset, const Sub
   addFace(page, "subset", subset);
   addFace(page, "source", source);
   page += kStyle;
-  page += "</style>\n</head>\n<body>\n<h1>Loading</h1>\n<main>\n";
-  const auto addColumn = [&](const char* name, const std::string& file, std::size_t size,
-                             const std::u32string& text) {
+  const bool list = options.input == SubsetInput::Unicodes || options.input == SubsetInput::Glyphs;
+  page += "</style>\n</head>\n<body>\n<h1>Loading</h1>\n<aside>";
+  if (!layout.empty()) {
+    page += "<div>The new font is without these tables, which act on the characters:";
+    for (const std::string& table : layout) page += ' ' + table;
+    page += "</div>";
+  }
+  page += list ? "</aside>\n<main class=\"list\">\n" : "</aside>\n<main>\n";
+  const auto addColumn = [&](const char* name, const std::string& file, std::size_t size) {
     page += "<section>\n<h2>" + escapedName(file) + ", " + std::to_string(size) +
-            " bytes</h2>\n<p class=\"" + name + "\">" + escaped(text) + "</p>\n";
+            " bytes</h2>\n<p class=\"" + name + "\">" +
+            (list ? eachEscaped(plan.text) : escaped(plan.text)) + "</p>\n";
   };
-  addColumn("subset", options.out, subset.size(), plan.text);
+  addColumn("subset", options.out == "-" ? "standard output" : options.out, subset.size());
   if (!plan.assigned.empty()) {
     page += "<h2>Glyphs that no character of the source reaches</h2>\n<div><p class=\"subset\">" +
-            escaped(plan.assigned) + "</p></div>\n";
+            eachEscaped(plan.assigned) + "</p></div>\n";
   }
   page += "</section>\n";
-  addColumn("source", options.font.file, source.size(), plan.text);
+  addColumn("source", font.name(), source.size());
   page += "</section>\n</main>\n<script>";
   page += kScript;
   page += "</script>\n</body>\n</html>\n";

@@ -16,7 +16,7 @@ class App;
 namespace ulm::tools {
 
 // Hangs the subcommand into `ulmira font`.
-void addSubsetCommand(CLI::App& font, int& status);
+void addSubsetCommand(CLI::App& font);
 
 // What the user's one list of characters or glyphs is.
 enum class SubsetInput { Text, TextFile, Unicodes, Glyphs };
@@ -67,10 +67,14 @@ class FamilyNames {
   std::vector<truetype::NameRecord> records_;
 };
 
-// A page that sets the plan's text in both fonts, which are embedded. Its script leaves "loaded" or
-// "refused" in the root's data-subset and data-source, and in data-drawing "equal" or "different",
-// by the pixels of the characters that it has drawn in both.
+// A page that sets the plan's text in both fonts, which are embedded, the characters of a list
+// apart from each other; `layout` is what layoutInUse gives. Its script draws in both fonts what
+// the page shows, and leaves in the data of the root
+//   subset, source  "loaded" or "refused"
+//   drawing         "equal" or "different", by the widths and pixels of what is shown
+//   differing       the words or characters that differ, up to 100, with | in between
+//   characters      "equal" or "different", by the characters drawn one by one
 std::string previewPage(const FontFile& font, std::string_view subset, const SubsetPlan& plan,
-                        const SubsetOptions& options);
+                        const std::vector<std::string>& layout, const SubsetOptions& options);
 
 }  // namespace ulm::tools

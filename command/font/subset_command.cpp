@@ -1,14 +1,16 @@
 // `ulmira font subset`: a smaller font for a browser or a document.
 #include <CLI/CLI.hpp>
-#include <iostream>
+#include <filesystem>
 #include <memory>
-#include <new>
 #include <stdexcept>
+#include <system_error>
 
 #include "command/commands.h"
 #include "command/font/names.h"
 #include "command/font/subset.h"
 #include "command/support/file_batch.h"
+#include "command/support/program.h"
+#include "command/support/streams.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/names.h"
 #include "truetype/writer/subset.h"
@@ -17,6 +19,8 @@ namespace ulm::tools {
 namespace {
 
 using namespace ulm::truetype;
+
+constexpr std::string_view kName = "font subset";  // in messages
 
 const char* reasonOf(WriterResult result) {
   switch (result) {
@@ -130,8 +134,20 @@ std::string mappingOf(const SubsetPlan& plan, const NewFont& made, const SubsetO
   return Json{{"face", options.font.face}, {"chars", chars}, {"new", fresh}}.dump() + '\n';
 }
 
+// Whether the output is standard output, a pipe or a device.
+bool isStream(const std::string& output) {
+  if (output.empty()) return false;
+  std::error_code error;
+  const auto status = std::filesystem::status(fileNamed(output), error);
+  return output == "-" ||
+         (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status));
+}
+
 // Everything is made in memory first, so that a refusal comes before the first byte is written.
 void subset(const SubsetOptions& options) {
+  if (options.input == SubsetInput::TextFile && options.list == "-" && options.font.file == "-") {
+    throw std::runtime_error("standard input: cannot be both the font and the text");
+  }
   const FontFile font(options.font);
   if (!options.ignorePermission) requirePermission(font);
   const SubsetPlan plan = planSubset(font, options);
@@ -143,25 +159,34 @@ void subset(const SubsetOptions& options) {
   if (options.input == SubsetInput::TextFile) files.protect(options.list);
   if (!options.mapping.empty()) files.add(options.mapping, mappingOf(plan, made, options));
   if (!options.preview.empty()) {
-    files.add(options.preview, previewPage(font, made.bytes(), plan, options));
+    files.add(options.preview, previewPage(font, made.bytes(), plan, layout, options));
   }
   files.add(options.out, made.bytes());
+  const std::string summary = font.name() + ": " + std::to_string(font->imageSize) + " bytes; " +
+                              (options.out == "-" ? "standard output" : options.out) + ": " +
+                              std::to_string(made.length) + " bytes";
+  // Nothing else may get into an output that is a stream, which could be standard output by any
+  // name.
+  const bool streams =
+      isStream(options.out) || isStream(options.mapping) || isStream(options.preview);
+  if (!streams) files.add("-", summary + '\n');
   files.commit();
-  for (const std::string& line : plan.leftOut) std::cerr << "ulmira: " << line << '\n';
-  for (const std::string& line : warningsFor(font, options, layout))
-    std::cerr << "ulmira: " << line << '\n';
-  std::cout << options.font.file << ": " << font->imageSize << " bytes; " << options.out << ": "
-            << made.length << " bytes\n";
+  if (streams) printMessage(kName, summary);
+  for (const std::string& line : plan.leftOut) printMessage(kName, line);
+  for (const std::string& line : warningsFor(font, options, layout)) printMessage(kName, line);
 }
 
 }  // namespace
 
-void addSubsetCommand(CLI::App& font, int& status) {
+void addSubsetCommand(CLI::App& font) {
   const auto options = std::make_shared<SubsetOptions>();
   CLI::App* command =
       font.add_subcommand("subset", "Make a smaller font of some characters or glyphs");
-  command->add_option("FONT", options->font.file, "A TrueType font or collection")->required();
-  command->add_option("-o", options->out, "The file to write")->required();
+  command
+      ->add_option("FONT", options->font.file,
+                   "A TrueType font or collection; - for standard input")
+      ->required();
+  command->add_option("-o", options->out, "The file to write; - for standard output")->required();
   command->add_option("--face", options->font.face, "The face of a collection, from 0");
   CLI::Option_group* lists = command->add_option_group("What to take, one of these");
   const auto addList = [&](const char* name, SubsetInput input, const char* about) {
@@ -190,10 +215,7 @@ void addSubsetCommand(CLI::App& font, int& status) {
   command->add_option("--preview", options->preview, "Write a page with both fonts there");
   command->add_flag("--ignore-embedding-permission", options->ignorePermission,
                     "Go on where the font forbids embedding or subsetting");
-  command->callback([options, &status] {
-    subset(*options);
-    status = std::cout.flush() ? 0 : 1;
-  });
+  command->callback([options] { subset(*options); });
 }
 
 }  // namespace ulm::tools

@@ -1,12 +1,11 @@
 // From a user's list of characters or glyphs to glyphs and their codes.
 #include <algorithm>
-#include <fstream>
 #include <iterator>
-#include <numeric>
 #include <stdexcept>
 
 #include "command/font/subset.h"
 #include "command/support/program.h"
+#include "command/support/streams.h"
 
 namespace ulm::tools {
 namespace {
@@ -17,15 +16,16 @@ constexpr std::uint32_t kMostGlyphBytes = 65534;  // what a glyph's record can t
 
 using Numbers = std::vector<std::uint32_t>;
 
+constexpr std::uint64_t kMostTextBytes = 1u << 26;
+
 std::u32string textOfFile(const std::string& file) {
-  std::ifstream stream(fileNamed(file), std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream.is_open() || stream.bad()) throw std::runtime_error(file + ": cannot be read");
+  Input input(file);
+  const std::string bytes = input.readAll(kMostTextBytes);
   std::u32string text;
   try {
     text = decodeUtf8(bytes);
   } catch (const std::runtime_error& error) {
-    throw std::runtime_error(file + ": " + error.what());
+    throw std::runtime_error(input.name() + ": " + error.what());
   }
   if (!text.empty() && text[0] == U'\uFEFF') text.erase(0, 1);
   return text;

@@ -12,7 +12,6 @@
 #include <string>
 
 #include "hostsdk/win32/win32.h"
-#include "standin/qlcore/detail/text.h"
 #include "standin/win32/detail/call_log.h"
 #include "standin/win32/detail/elf_file.h"
 #include "standin/win32/detail/module_list.h"

@@ -1,8 +1,9 @@
 """Lets headless Chromium load the preview pages of `ulmira font subset`: both fonts have to load, and
-the characters that it draws in both have to be the same to the pixel.
+the pages have to say what they draw alike and what not: the glyphs, and the text as it is shaped.
 
 Usage: subset_browser_check.py ULMIRA. Ends with 77, and a line, where Chromium is not installed.
 """
+import base64
 import os
 import pathlib
 import re
@@ -12,22 +13,30 @@ import sys
 import tempfile
 
 FOLDER = "/usr/share/fonts/truetype/"
-LATIN = "Hamburgefonstiv \u00e9\u00e4\u00f1 \u03a9\u03bc\u03ad\u03b3\u03b1 \u041c\u0438\u0440 <&>"
-CASES = [  # font, what to take, what the page has to say
-    ("dejavu/DejaVuSans.ttf", ["--text", LATIN], ("loaded", "loaded", "equal")),
-    ("freefont/FreeSerif.ttf", ["--text", LATIN], ("loaded", "loaded", "equal")),
-    ("liberation/LiberationSans-Regular.ttf", ["--unicodes", "U+0020-052F"],
-     ("loaded", "loaded", "equal")),
-    ("wqy/wqy-microhei.ttc", ["--unicodes", "U+4E00-9C1F"], ("loaded", "loaded", "equal")),
-    ("wqy/wqy-microhei.ttc", ["--face", "1", "--text", "\u6587\u6cc9\u9a7f"],
-     ("loaded", "loaded", "equal")),
-    # Not every page says so.
-    ("dejavu/DejaVuSans.ttf", ["--text", LATIN, "--drop-os2"], ("refused", "loaded", None)),
+PLAIN = "Hi \u041c\u0438\u0440 <&> 123 \u00e9\u00e4\u00f1"  # without layout in DejaVu Sans
+JOINED = "\u0633\u0644\u0627\u0645"
+EQUAL = ("loaded", "loaded", "equal", "equal", "")
+CASES = [  # font, what to take, what the page has to say of fonts, characters, text, and what differs
+    ("dejavu/DejaVuSans.ttf", ["--text", PLAIN], EQUAL),
+    ("dejavu/DejaVuSans.ttf", ["--text", f"{PLAIN} AVAST office\n{JOINED}\nHi"],
+     ("loaded", "loaded", "equal", "different", f"AVAST|office|{JOINED}")),
+    ("dejavu/DejaVuSans.ttf", ["--text", "W" * 3000 + " H" * 3000 + " AV"],
+     ("loaded", "loaded", "equal", "different", "AV")),
+    ("freefont/FreeSerif.ttf", ["--glyphs", "4-400"], EQUAL),
+    ("liberation/LiberationSans-Regular.ttf", ["--unicodes", "U+0020-052F"], EQUAL),
+    ("wqy/wqy-microhei.ttc", ["--unicodes", "U+4E00-55FF"], EQUAL),
+    ("wqy/wqy-microhei.ttc", ["--face", "1", "--text", "\u6587\u6cc9\u9a7f"], EQUAL),
+    # Other glyphs, in text and in a list, and a font that is refused.
+    ("dejavu/DejaVuSans.ttf", ["--text", "Hi"],
+     ("loaded", "loaded", "different", "different", "Hi"), "dejavu/DejaVuSans-ExtraLight.ttf"),
+    ("dejavu/DejaVuSans.ttf", ["--unicodes", "U+0048,U+0069"],
+     ("loaded", "loaded", "different", "different", "H|i"), "dejavu/DejaVuSans-ExtraLight.ttf"),
+    ("dejavu/DejaVuSans.ttf", ["--text", PLAIN, "--drop-os2"], ("refused", "loaded", None, None, None)),
 ]
 
 
 def report(browser, page, profile):
-    """data-subset, data-source and data-drawing of the page's root, as its script has left them."""
+    """What the page's script has left in the data of its root."""
     run = subprocess.run(
         [browser, "--headless", "--no-sandbox", "--disable-gpu", "--user-data-dir=" + profile,
          "--virtual-time-budget=30000", "--dump-dom", pathlib.Path(page).as_uri()],
@@ -35,8 +44,28 @@ def report(browser, page, profile):
     root = re.search(r"<html[^>]*>", run.stdout.decode("utf-8", "replace"))
     if root is None:
         raise RuntimeError("no page came back: " + run.stderr.decode("utf-8", "replace")[-500:])
-    found = [re.search(rf'data-{name}="(\w+)"', root[0]) for name in ("subset", "source", "drawing")]
+    found = [re.search(rf'data-{name}="([^"]*)"', root[0])
+             for name in ("subset", "source", "characters", "drawing", "differing")]
     return tuple(match and match[1] for match in found)
+
+
+def subset(font, out, *arguments):
+    subprocess.run([sys.argv[1], "font", "subset", FOLDER + font, "-o", out, *arguments],
+                   check=True, capture_output=True)
+
+
+def check(browser, folder, font, taken, other=None):
+    """What the page says; with `other`, after the new font in it was exchanged for one of that font."""
+    page, out = os.path.join(folder, "a page.html"), os.path.join(folder, "out.ttf")
+    subset(font, out, "--preview", page, *taken)
+    if other is not None:
+        made = base64.b64encode(pathlib.Path(out).read_bytes())
+        subset(other, out, *taken)
+        text = pathlib.Path(page).read_bytes()
+        assert made in text
+        pathlib.Path(page).write_bytes(
+            text.replace(made, base64.b64encode(pathlib.Path(out).read_bytes())))
+    return report(browser, page, os.path.join(folder, "profile"))
 
 
 def main():
@@ -45,17 +74,14 @@ def main():
         print("skipped: Chromium is not installed")
         return 77
     status = 0
-    for font, taken, expected in CASES:
+    for font, taken, expected, *other in CASES:
         if not os.path.exists(FOLDER + font):
             print(f"left out: {FOLDER + font} is not installed")
             continue
         with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
-            page = os.path.join(folder, "a page.html")
-            subprocess.run([sys.argv[1], "font", "subset", FOLDER + font, "-o",
-                            os.path.join(folder, "out.ttf"), "--preview", page, *taken],
-                           check=True, capture_output=True)
-            said = report(browser, page, os.path.join(folder, "profile"))
-        print("ok" if said == expected else f"FAILED: {said}, not {expected}:", font, *taken[:2])
+            said = check(browser, folder, font, taken, *other)
+        print("ok" if said == expected else f"FAILED: {said}, not {expected}:", font,
+              *(text[:40] for text in taken[:2]))
         status |= said != expected
     return status
 
