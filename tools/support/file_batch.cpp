@@ -20,7 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void fail(const std::string& file, std::error_code reason) {
-  throw std::runtime_error(file + ": cannot be written: " + reason.message());
+  throw std::runtime_error((file.empty() ? "''" : file) +
+                           ": cannot be written: " + reason.message());
 }
 [[noreturn]] void failByErrno(const std::string& file) {
   fail(file, std::error_code(errno, std::generic_category()));

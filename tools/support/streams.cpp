@@ -40,7 +40,10 @@ void Input::Close::operator()(std::FILE* file) const {
 }
 
 Input::Input(const std::string& file)
-    : name_(file == "-" ? "standard input" : file), file_(file == "-" ? stdin : openToRead(file)) {
+    : name_(file == "-"    ? "standard input"
+            : file.empty() ? "''"
+                           : file),
+      file_(file == "-" ? stdin : openToRead(file)) {
   if (file_ == nullptr) failByErrno();
 }
 

@@ -1,14 +1,17 @@
 // `ulmira clip`: polygons and segments against the view volume.
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <map>
 #include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
-#include "clip/growable/polygon_array.h"
-#include "clip/segment.h"
+#include "clip/vertex.h"
 #include "tools/support/file_batch.h"
 #include "tools/support/streams.h"
 #include "tools/ulmira/clip_document.h"
+#include "tools/ulmira/clip_shapes.h"
 #include "tools/ulmira/commands.h"
 
 namespace ulm::tools {
@@ -23,50 +26,25 @@ constexpr std::uint64_t kMostInputBytes = 1u << 28;
 struct ClipOptions {
   std::string input = "-";
   std::string output = "-";
-  std::string svg;
-  std::vector<std::uint32_t> planes;
+  std::optional<std::string> svg;
+  std::uint32_t mask = kVolume;
   bool rectangle = false;
   bool inFloat = false;
   bool text = false;
+  bool json = false;
   bool segments = false;
-
-  std::uint32_t mask() const {
-    std::uint32_t named = planes.empty() ? kVolume : 0;
-    for (const std::uint32_t plane : planes) named |= plane;
-    return named & (rectangle ? kRectangle : kVolume);
-  }
 };
 
-template <class Real>
-std::optional<ClipPoints<Real>> clipPolygon(const ClipPoints<Real>& points, std::uint32_t mask) {
-  const auto count = static_cast<std::uint32_t>(points.size());
-  if (count != points.size()) throw std::runtime_error("too many vertices in a polygon");
-  clip::BasicClipPolygonArray<Real> polygon(count, true);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const auto& [x, y, z, w] = points[i];
-    clip::BasicClipVertex<Real>& vertex = polygon.vertexForWrite(i);
-    vertex = {x, y, z, w, 0};
-    vertex.outcode = clip::computeOutcode(vertex) & mask;  // so that no other plane has a say
+std::uint32_t planeNamed(std::string name) {
+  constexpr std::pair<const char*, std::uint32_t> kPlanes[] = {
+      {"xmin", clip::ClipXMin}, {"xmax", clip::ClipXMax}, {"ymin", clip::ClipYMin},
+      {"ymax", clip::ClipYMax}, {"zmin", clip::ClipZMin}, {"zmax", clip::ClipZMax}};
+  for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  for (const auto& [plane, bit] : kPlanes) {
+    if (name == plane) return bit;
   }
-  if (!clip::clipPolygonArrayInPlace(polygon)) return std::nullopt;
-  ClipPoints<Real> clipped;
-  clipped.reserve(polygon.count);
-  for (std::uint32_t i = 0; i < polygon.count; ++i) {
-    const clip::BasicClipVertex<Real>& vertex = polygon.vertexAt(i);
-    clipped.push_back({vertex.x, vertex.y, vertex.z, vertex.w});
-  }
-  return clipped;
-}
-
-template <class Real>
-std::optional<ClipPoints<Real>> clipSegment(const ClipPoints<Real>& points, std::uint32_t mask) {
-  const auto pointOf = [](const std::array<Real, 4>& k) {
-    return clip::BasicClipPoint<Real>{k[0], k[1], k[2], k[3]};
-  };
-  clip::BasicClipPoint<Real> a = pointOf(points.front());
-  clip::BasicClipPoint<Real> b = pointOf(points.back());
-  if (!clip::clipSegmentToVolume(a, b, mask)) return std::nullopt;
-  return ClipPoints<Real>{{a.x, a.y, a.z, a.w}, {b.x, b.y, b.z, b.w}};
+  throw CLI::ValidationError("--planes",
+                             "'" + name + "' is none of xmin, xmax, ymin, ymax, zmin, zmax");
 }
 
 template <class Real, class ClipOne>
@@ -82,15 +60,16 @@ std::optional<ClipShapes<Real>> clipEach(const std::optional<ClipShapes<Real>>& 
 
 template <class Real>
 void run(const ClipOptions& options, const std::string& text) {
-  const std::uint32_t mask = options.mask();
+  const std::uint32_t mask = options.mask;
   const ClipDocument<Real> before = readClipDocument<Real>(text, options.segments);
   const ClipDocument<Real> after = {
       clipEach(before.polygons, [&](const auto& p) { return clipPolygon<Real>(p, mask); }),
-      clipEach(before.segments, [&](const auto& s) { return clipSegment<Real>(s, mask); })};
-  const std::string result = options.text ? writeClipText(after) : writeClipJson(after);
+      clipEach(before.segments, [&](const auto& s) { return clipSegment<Real>(s, mask); }),
+      options.text || (before.text && !options.json), before.headings};
+  const std::string result = after.text ? writeClipText(after) : writeClipJson(after);
   FileBatch outputs;
   outputs.protect(options.input);
-  if (!options.svg.empty()) outputs.add(options.svg, writeClipSvg(before, after));
+  if (options.svg) outputs.add(*options.svg, writeClipSvg(before, after));
   outputs.add(options.output, result);
   outputs.commit();
 }
@@ -109,24 +88,35 @@ void runCommand(const ClipOptions& options) {
 }  // namespace
 
 void addClipCommand(CLI::App& app, int& /*status*/) {
-  static const std::map<std::string, std::uint32_t> kPlanes = {
-      {"xmin", clip::ClipXMin}, {"xmax", clip::ClipXMax}, {"ymin", clip::ClipYMin},
-      {"ymax", clip::ClipYMax}, {"zmin", clip::ClipZMin}, {"zmax", clip::ClipZMax}};
   const auto options = std::make_shared<ClipOptions>();
   CLI::App* const command =
       app.add_subcommand("clip", "Clip polygons and segments against the view volume");
   command->add_option("file", options->input, "JSON or plain text; standard input without it");
   command->add_flag("--rectangle", options->rectangle, "Clip in x and y only");
   command->add_flag("--float", options->inFloat, "Compute in 32 bits instead of 64");
-  command
-      ->add_option("--planes", options->planes, "Only these planes: xmin,xmax,ymin,ymax,zmin,zmax")
-      ->delimiter(',')
-      ->transform(CLI::CheckedTransformer(kPlanes, CLI::ignore_case));
-  command->add_flag("--segments", options->segments, "Plain text input holds segments");
-  command->add_flag("--text", options->text, "Write plain text instead of JSON");
+  const auto readPlanes = [options](const std::vector<std::string>& names) {
+    options->mask = 0;
+    for (const std::string& name : names) options->mask |= planeNamed(name);
+  };
+  CLI::Option* const planes = command->add_option_function<std::vector<std::string>>(
+      "--planes", readPlanes, "Only these planes, of xmin, xmax, ymin, ymax, zmin, zmax");
+  // One text after the option: what follows is the file.
+  planes->type_name("PLANE,...")->type_size(1)->expected(1)->delimiter(',')->take_all();
+  planes->allow_extra_args(false);
+  command->add_flag("--segments", options->segments, "Plain text without headings holds segments");
+  CLI::Option* const json =
+      command->add_flag("--json", options->json, "Write JSON; without it the input's form");
+  command->add_flag("--text", options->text, "Write plain text; without it the input's form")
+      ->excludes(json);
   command->add_option("-o,--output", options->output, "Write to this file");
   command->add_option("--svg", options->svg, "Draw before and after into this file");
-  command->callback([options] { runCommand(*options); });
+  command->callback([options, planes] {
+    if (options->rectangle && planes->count() == 0) options->mask = kRectangle;
+    if (options->rectangle && (options->mask & ~kRectangle) != 0) {
+      throw CLI::ValidationError("--planes", "--rectangle leaves out zmin and zmax");
+    }
+    runCommand(*options);
+  });
 }
 
 }  // namespace ulm::tools

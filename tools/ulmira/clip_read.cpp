@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 
 #include "tools/ulmira/clip_document.h"
@@ -12,6 +11,27 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
+// Whether a number's text stands for less than 1, by the power of ten of its first digit that is
+// not zero.
+bool isBelowOne(std::string_view number) {
+  if (number.front() == '-') number.remove_prefix(1);
+  const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view digits = number.substr(0, mark);
+  const std::size_t first = digits.find_first_of("123456789");
+  if (first == digits.npos) return true;
+  const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+  const auto place = static_cast<std::int64_t>(first);
+  std::string_view exponent = number.substr(std::min(mark + 1, number.size()));
+  const bool negative = !exponent.empty() && exponent.front() == '-';
+  if (!exponent.empty() && !isDigit(exponent.front())) exponent.remove_prefix(1);
+  constexpr std::int64_t kFarBeyondAnyText = std::int64_t{1} << 56;
+  std::int64_t power = 0;
+  for (const char digit : exponent) {
+    if (power < kFarBeyondAnyText) power = 10 * power + (digit - '0');
+  }
+  return (place < point ? point - place - 1 : point - place) + (negative ? -power : power) < 0;
+}
+
 // The value of a number's text, to the nearest Real; nothing where it is too large. A number too
 // small for Real is 0 with its sign.
 template <class Real>
@@ -21,13 +41,7 @@ std::optional<Real> valueOf(std::string_view digits) {
   const auto [stop, error] = std::from_chars(digits.data(), end, value);
   if (stop != end) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
-    // Of the two ways out of range, only a negative exponent or leading zeros make it small.
-    long double wide = 0;
-    const auto again = std::from_chars(digits.data(), end, wide);
-    const bool small = again.ec == std::errc()
-                           ? std::abs(wide) < 1
-                           : digits.find("e-") != digits.npos || digits.find("E-") != digits.npos;
-    if (!small) return std::nullopt;
+    if (!isBelowOne(digits)) return std::nullopt;
     return digits.front() == '-' ? -Real(0) : Real(0);
   }
   return value;
@@ -49,6 +63,7 @@ class JsonReader {
     }
     skipBlanks();
     if (at_ != text_.size()) fail("end of input");
+    document.headings = document.segments.has_value();
     return document;
   }
 
@@ -147,35 +162,27 @@ class JsonReader {
   std::size_t at_ = 0;
 };
 
+template <class Real>
 class TextReader {
  public:
   TextReader(std::string_view text, bool segments) : text_(text), segments_(segments) {}
 
-  template <class Real>
   ClipDocument<Real> read() {
-    ClipShapes<Real> shapes;
-    std::optional<ClipPoints<Real>> group;  // the points of the group that is being read
-    bool open = false;
-    const auto close = [&] {
-      if (!open) return;
-      if (segments_ && group && group->size() != 2) fail("a second vertex expected");
-      shapes.push_back(std::move(group));
-      open = false;
-    };
     while (at_ < text_.size()) {
-      const std::size_t end = std::min(text_.find('\n', at_), text_.size());
+      const std::size_t newline = std::min(text_.find('\n', at_), text_.size());
+      const std::size_t end = std::min(text_.find('#', at_), newline);  // a remark is left out
       skipBlanks(end);
-      if (at_ == end) {
-        close();
-      } else if (text_[at_] != '#') {
-        readLine(end, open, group);
+      if (at_ < end) {
+        readLine(end);
+      } else if (end == newline) {
+        closeGroup();
       }
-      at_ = std::min(end + 1, text_.size());
+      at_ = std::min(newline + 1, text_.size());
     }
-    close();
-    ClipDocument<Real> document;
-    (segments_ ? document.segments : document.polygons) = std::move(shapes);
-    return document;
+    closeGroup();
+    if (!document_.polygons && !document_.segments) shapes();
+    document_.text = true;
+    return std::move(document_);
   }
 
  private:
@@ -186,24 +193,44 @@ class TextReader {
     return text_.substr(at_, stop - at_);
   }
 
-  template <class Real>
-  void readLine(std::size_t end, bool& open, std::optional<ClipPoints<Real>>& group) {
-    if (open && !group) fail("a blank line expected after null");
-    if (word(end) == "null") {
-      if (open) fail("four numbers expected");
-      group.reset();
-      at_ += 4;
+  // The list that is being read.
+  ClipShapes<Real>& shapes() {
+    std::optional<ClipShapes<Real>>& list = segments_ ? document_.segments : document_.polygons;
+    return list ? *list : list.emplace();
+  }
+
+  void closeGroup() {
+    if (!open_) return;
+    if (segments_ && group_ && group_->size() != 2) fail("a second vertex expected");
+    shapes().push_back(std::move(group_));
+    open_ = false;
+  }
+
+  void readLine(std::size_t end) {
+    const std::string_view first = word(end);
+    if (first == "polygons" || first == "segments") {
+      closeGroup();
+      segments_ = first == "segments";
+      shapes();
+      document_.headings = true;
+      at_ += first.size();
     } else {
-      if (!open) group.emplace();
-      if (segments_ && group->size() == 2) fail("a blank line expected after two vertices");
-      group->push_back(readPoint<Real>(end));
+      if (open_ && !group_) fail("a blank line expected after null");
+      if (first == "null") {
+        if (open_) fail("four numbers expected");
+        group_.reset();
+        at_ += first.size();
+      } else {
+        if (!open_) group_.emplace();
+        if (segments_ && group_->size() == 2) fail("a blank line expected after two vertices");
+        group_->push_back(readPoint(end));
+      }
+      open_ = true;
     }
-    open = true;
     skipBlanks(end);
     if (at_ != end) fail("end of line expected");
   }
 
-  template <class Real>
   std::array<Real, 4> readPoint(std::size_t end) {
     std::array<Real, 4> point;
     for (Real& coordinate : point) {
@@ -223,6 +250,9 @@ class TextReader {
   std::string_view text_;
   bool segments_;
   std::size_t at_ = 0;
+  ClipDocument<Real> document_;
+  std::optional<ClipPoints<Real>> group_;  // the points of the group that is being read
+  bool open_ = false;
 };
 
 }  // namespace
@@ -238,9 +268,13 @@ ClipInputError::ClipInputError(std::string_view text, std::size_t offset,
 
 template <class Real>
 ClipDocument<Real> readClipDocument(std::string_view text, bool textHoldsSegments) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    text.remove_prefix(kByteOrderMark.size());
+  }
   const std::size_t first = text.find_first_not_of(kBlanks);
   if (first != text.npos && text[first] == '{') return JsonReader(text).read<Real>();
-  return TextReader(text, textHoldsSegments).read<Real>();
+  return TextReader<Real>(text, textHoldsSegments).read();
 }
 
 template ClipDocument<double> readClipDocument(std::string_view, bool);

@@ -1,0 +1,97 @@
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "clip/vertex.h"
+#include "tools/ulmira/clip_document.h"
+#include "tools/ulmira/clip_shapes.h"
+
+namespace ulm::tools {
+namespace {
+
+// What lies further out than this, from the middle, is cut off; the visible part ends at 1.6.
+constexpr double kFrame = 4;
+constexpr std::uint32_t kFrameMask =
+    clip::ClipXMin | clip::ClipXMax | clip::ClipYMin | clip::ClipYMax;
+
+void addNumber(std::string& out, double value) {
+  char digits[32];
+  const auto written = std::to_chars(digits, digits + sizeof digits, value);
+  out.append(digits, written.ptr);
+}
+
+// The points of a shape in the picture, each as (x, y, 0, kFrame); nothing where it has none.
+template <class Real>
+std::optional<ClipPoints<double>> pictureOf(const ClipPoints<Real>& points, bool polygon) {
+  ClipPoints<double> picture;
+  bool within = true;
+  for (const auto& [x, y, z, w] : points) {
+    const double across = static_cast<double>(x) / static_cast<double>(w);
+    const double up = static_cast<double>(y) / static_cast<double>(w);
+    if (!(w > 0) || !std::isfinite(across) || !std::isfinite(up)) return std::nullopt;
+    within = within && std::abs(across) <= kFrame && std::abs(up) <= kFrame;
+    picture.push_back({across, up, 0, kFrame});
+  }
+  if (within) return picture;
+  std::optional<ClipPoints<double>> cut =
+      polygon ? clipPolygon(picture, kFrameMask) : clipSegment(picture, kFrameMask);
+  // Differences of huge coordinates overflow.
+  const auto isFinite = [](const std::array<double, 4>& k) {
+    return std::isfinite(k[0]) && std::isfinite(k[1]);
+  };
+  if (cut && !std::all_of(cut->begin(), cut->end(), isFinite)) return std::nullopt;
+  return cut;
+}
+
+template <class Real>
+void addShapes(std::string& out, const std::optional<ClipShapes<Real>>& shapes, bool polygons,
+               const char* style) {
+  if (!shapes) return;
+  for (const std::optional<ClipPoints<Real>>& shape : *shapes) {
+    if (!shape || shape->empty()) continue;
+    const std::optional<ClipPoints<double>> picture = pictureOf(*shape, polygons);
+    if (!picture) continue;
+    out += polygons ? "  <polygon class=\"" : "  <polyline class=\"";
+    out += style;
+    out += "\" points=\"";
+    for (const auto& [x, y, z, w] : *picture) {
+      if (out.back() != '"') out += ' ';
+      addNumber(out, x);
+      out += ',';
+      addNumber(out, y);
+    }
+    out += "\"/>\n";
+  }
+}
+
+}  // namespace
+
+template <class Real>
+std::string writeClipSvg(const ClipDocument<Real>& before, const ClipDocument<Real>& after) {
+  // Strokes and dashes are in the units of the picture, 200 pixels each: renderers know no others
+  // for certain.
+  std::string out =
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"640\" height=\"640\" "
+      "viewBox=\"-1.6 -1.6 3.2 3.2\">\n"
+      " <style>\n"
+      "  .volume { fill: #fff; stroke: #222; stroke-width: 0.0075 }\n"
+      "  .before { fill: none; stroke: #8a8a8a; stroke-width: 0.0075; "
+      "stroke-dasharray: 0.025 0.02 }\n"
+      "  .after { fill: #2f7bd0; fill-opacity: 0.3; stroke: #1b4f8a; stroke-width: 0.0075; "
+      "stroke-linejoin: round }\n"
+      "  polyline.after { fill: none }\n"
+      " </style>\n"
+      " <rect x=\"-1.6\" y=\"-1.6\" width=\"3.2\" height=\"3.2\" fill=\"#f2f2f2\"/>\n"
+      " <g transform=\"scale(1,-1)\">\n"
+      "  <rect class=\"volume\" x=\"-1\" y=\"-1\" width=\"2\" height=\"2\"/>\n";
+  addShapes(out, before.polygons, true, "before");
+  addShapes(out, before.segments, false, "before");
+  addShapes(out, after.polygons, true, "after");
+  addShapes(out, after.segments, false, "after");
+  return out + " </g>\n</svg>\n";
+}
+
+template std::string writeClipSvg(const ClipDocument<double>&, const ClipDocument<double>&);
+template std::string writeClipSvg(const ClipDocument<float>&, const ClipDocument<float>&);
+
+}  // namespace ulm::tools
