@@ -5,9 +5,9 @@ ROWS holds blocks of "Key = value", parted by blank lines; '#' starts a line for
 the shell in a folder with a file abc of these three letters and copies of the files of FOLDER; $U is the
 command, and num and font are short for `$U num` and `$U font`. Prints is all that it prints, both streams
 together, without the last line end, \\n being a line end and \\\\ a backslash; Tells is a part of that,
-written the same way. Status is the exit code if it is not 0. With FOLDER a run that fails must leave all files as they were and,
-where only Tells says what it prints and the call is no wrong one, print one line. On = posix marks what
-Windows has no such thing for.
+written the same way. Status is the exit code if it is not 0. With FOLDER a run that fails must leave all
+files as they were and, where only Tells says what it prints and the call is no wrong one, print one line.
+On = posix marks what Windows has no such thing for.
 """
 import pathlib
 import shlex
