@@ -9,7 +9,6 @@
 #include <cstdint>
 
 #include "clip/cursor.h"
-#include "clip/trace.h"
 #include "clip/vertex.h"
 
 namespace ulm::clip {
@@ -21,6 +20,7 @@ inline constexpr std::uint32_t kClipPolygonCapacity = 32;
 template <std::floating_point Real>
 struct BasicClipPolygon {
   using Vertex = BasicClipVertex<Real>;
+  using Source = const BasicClipPolygon;  // what clippers read
 
   Vertex vertices[kClipPolygonCapacity];
   std::uint32_t count;
@@ -107,25 +107,6 @@ std::size_t clipPolygonsInPlace(BasicClipPolygon<Real>* polygons, std::size_t po
 template <std::floating_point Real>
 std::size_t clipPolygonsInPlace2D(BasicClipPolygon<Real>* polygons, std::size_t polygonCount,
                                   ClipOutcome* outcomes) noexcept;
-
-// As without `trace`, which receives the origins of the result's vertices. It is empty when nothing
-// remains, and when a ping-pong driver runs no plane.
-template <std::floating_point Real>
-BasicClipPolygon<Real>* clipPolygonToVolume(BasicClipPolygon<Real>& first,
-                                            BasicClipPolygon<Real>& second,
-                                            const BasicClipPolygon<Real>& source,
-                                            std::uint32_t mask,
-                                            BasicClipTrace<Real>& trace) noexcept;
-template <std::floating_point Real>
-BasicClipPolygon<Real>* clipPolygonToRectangle(BasicClipPolygon<Real>& first,
-                                               BasicClipPolygon<Real>& second,
-                                               const BasicClipPolygon<Real>& source,
-                                               std::uint32_t mask,
-                                               BasicClipTrace<Real>& trace) noexcept;
-template <std::floating_point Real>
-bool clipPolygonInPlace(BasicClipPolygon<Real>& polygon, BasicClipTrace<Real>& trace) noexcept;
-template <std::floating_point Real>
-bool clipPolygonInPlace2D(BasicClipPolygon<Real>& polygon, BasicClipTrace<Real>& trace) noexcept;
 
 // Sets the `outcode` of every vertex in use, and returns the OR of all.
 template <std::floating_point Real>

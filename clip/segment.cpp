@@ -10,7 +10,7 @@ bool clipAgainst(Point& a, Point& b) noexcept {
   const bool aOutside = Plane::startOutside(a);
   const bool bInside = Plane::endInside(b);
   if (aOutside != bInside) return bInside;  // both ends on the same side
-  detail::placeBetween(aOutside ? a : b, a, b, detail::crossingOf<Plane>(a, b));
+  detail::setBetween(aOutside ? a : b, a, b, detail::crossingOf<Plane>(a, b));
   return true;
 }
 

@@ -6,6 +6,7 @@
 
 #include "clip/growable/polygon_array.h"
 #include "clip/polygon.h"
+#include "clip/trace.h"
 
 namespace {
 
@@ -75,12 +76,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       clipPolygonArrayToVolume(firstArray, secondArray, growable, mask);
   require(resultArray == nullptr || resultArray->count <= resultArray->vertices.length());
 
-  ClipTrace trace;
-  ClipTraceArray traceArray;
-  if (clipPolygonInPlace(fixed, trace)) require(trace.originCount == fixed.count);
-  if (clipPolygonArrayInPlace(growable, traceArray)) {
-    require(traceArray.origins.length() == growable.count);
+  ClipTrace<ClipPolygon> trace;
+  ClipTrace<ClipPolygonArray> traceArray;
+  if (clipPolygonInPlace(fixed, trace)) require(trace.origins().size() == fixed.count);
+  if (clipPolygonInPlace(growable, traceArray)) {
+    require(traceArray.origins().size() == growable.count);
   }
-  require(trace.recordCount <= kClipTraceCapacity);
+  require(trace.records().size() <= kClipTraceCapacity);
   return 0;
 }

@@ -118,7 +118,7 @@ constexpr auto crossingOf(const Point& p, const Point& q) noexcept {
 // Gives `out`, which may be p or q, the four coordinates at t. The result is not snapped onto the
 // plane.
 template <class Point, class Real>
-constexpr void placeBetween(Point& out, const Point& p, const Point& q, Real t) noexcept {
+constexpr void setBetween(Point& out, const Point& p, const Point& q, Real t) noexcept {
   out.x = between(p.x, q.x, t);
   out.y = between(p.y, q.y, t);
   out.z = between(p.z, q.z, t);

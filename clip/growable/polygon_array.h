@@ -15,7 +15,6 @@
 
 #include "clip/cursor.h"
 #include "clip/polygon.h"
-#include "clip/trace.h"
 #include "clip/vertex.h"
 #include "platform/odrx/od_array.h"
 
@@ -34,8 +33,11 @@ inline constexpr std::int32_t kClipGrowByHalf = -50;
 template <std::floating_point Real>
 struct BasicClipPolygonArray {
   using Vertex = BasicClipVertex<Real>;
+  using Source = BasicClipPolygonArray;  // what clippers read; not const, since reading may detach
+  template <class T>
+  using Array = OdArray<T>;
 
-  OdArray<Vertex> vertices;
+  Array<Vertex> vertices;
   std::uint32_t count = 0;
 
   // An empty polygon without storage. The first vertex written makes its array as the constructor
@@ -83,15 +85,6 @@ using ClipPolygonArrayF = BasicClipPolygonArray<float>;
 
 using ClipVertexRefArray = BasicClipVertexRef<ClipPolygonArray>;
 using ClipVertexRefArrayF = BasicClipVertexRef<ClipPolygonArrayF>;
-
-// The trace of a growable polygon; see clip/trace.h.
-template <std::floating_point Real>
-struct BasicClipTraceArray {
-  OdArray<BasicClipRecord<Real>> records;
-  OdArray<ClipOrigin> origins;  // one for each vertex of the result
-};
-using ClipTraceArray = BasicClipTraceArray<double>;
-using ClipTraceArrayF = BasicClipTraceArray<float>;
 
 // Plane clippers: the number of vertices now in `destination`, without a limit. Reading may detach
 // the buffer of `source`, whose values do not change by that. After an exception `destination` is
@@ -142,27 +135,6 @@ std::size_t clipPolygonArraysInPlace(BasicClipPolygonArray<Real>* polygons,
 template <std::floating_point Real>
 std::size_t clipPolygonArraysInPlace2D(BasicClipPolygonArray<Real>* polygons,
                                        std::size_t polygonCount, ClipOutcome* outcomes);
-
-// A trace allocates where it has something to hold: one array for the origins of an untouched
-// polygon, nothing for a polygon that its outcodes refuse. After an exception `trace` is of no use.
-template <std::floating_point Real>
-BasicClipPolygonArray<Real>* clipPolygonArrayToVolume(BasicClipPolygonArray<Real>& first,
-                                                      BasicClipPolygonArray<Real>& second,
-                                                      BasicClipPolygonArray<Real>& source,
-                                                      std::uint32_t mask,
-                                                      BasicClipTraceArray<Real>& trace);
-template <std::floating_point Real>
-BasicClipPolygonArray<Real>* clipPolygonArrayToRectangle(BasicClipPolygonArray<Real>& first,
-                                                         BasicClipPolygonArray<Real>& second,
-                                                         BasicClipPolygonArray<Real>& source,
-                                                         std::uint32_t mask,
-                                                         BasicClipTraceArray<Real>& trace);
-template <std::floating_point Real>
-bool clipPolygonArrayInPlace(BasicClipPolygonArray<Real>& polygon,
-                             BasicClipTraceArray<Real>& trace);
-template <std::floating_point Real>
-bool clipPolygonArrayInPlace2D(BasicClipPolygonArray<Real>& polygon,
-                               BasicClipTraceArray<Real>& trace);
 
 // Detaches a shared buffer first, since it writes.
 template <std::floating_point Real>

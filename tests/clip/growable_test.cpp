@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "clip/trace.h"
 #include "platform/odrx/alloc_control.h"
 
 namespace ulm::clip {
@@ -102,13 +103,13 @@ TEST(Growable, OutcodesSettleWithoutMemory) {
     for (std::uint32_t i = 0; i < 1000; ++i) polygon.vertexForWrite(i).outcode = outcode;
     polygon.count = count;
     const ClipPolygonArray shared = polygon;
-    ClipTraceArray trace;
+    ClipTrace<ClipPolygonArray> trace;
     const std::uint64_t before = odrxAllocCounts().calls;
     EXPECT_EQ(clipPolygonArrayInPlace(polygon), remains);
     EXPECT_EQ(odrxAllocCounts().calls, before) << outcode;
-    EXPECT_EQ(clipPolygonArrayInPlace2D(polygon, trace), remains);
+    EXPECT_EQ(clipPolygonInPlace2D(polygon, trace), remains);
     EXPECT_EQ(odrxAllocCounts().calls - before, calls) << outcode;
-    EXPECT_EQ(trace.origins.length(), remains ? count : 0);
+    EXPECT_EQ(trace.origins().size(), remains ? count : 0);
     EXPECT_EQ(bufferOf(polygon), bufferOf(shared));
   }
 }
@@ -150,9 +151,9 @@ TEST(Growable, SurvivesEachFailingAllocation) {
     std::uint64_t served = 0;
     for (std::int32_t code = 9; code != 0; ++served) {
       ClipPolygonArray polygon = original;
-      ClipTraceArray trace;
+      ClipTrace<ClipPolygonArray> trace;
       odrxAllocFail(served, 1);
-      code = codeRaisedBy([&] { clipPolygonArrayInPlace(polygon, trace); });
+      code = codeRaisedBy([&] { clipPolygonInPlace(polygon, trace); });
       odrxAllocFail(0, 0);
       if (code == 0) break;
       ASSERT_EQ(code, 9);
