@@ -78,7 +78,7 @@ struct TraceList<Polygon, T, Capacity> {
   using Type = typename Polygon::template Array<T>;
 };
 
-// Fixed polygons never throw; growable ones do where writing a vertex does.
+// False for growable polygons, whose accessors can throw.
 template <class Polygon>
 inline constexpr bool kNeverThrows = noexcept(std::declval<Polygon&>().vertexForWrite(0));
 

@@ -1,4 +1,4 @@
-// How the passes and drivers of clip/detail/polygon_pass.h reach a polygon of 32 vertices.
+// The access of the passes and drivers in clip/detail/polygon_pass.h to a polygon of 32 vertices.
 #pragma once
 
 #include <algorithm>
@@ -47,14 +47,14 @@ struct PolygonAccess<BasicClipPolygon<Real>> {
   }
 
   static Scratch scratchFor(const Polygon&) noexcept { return {}; }
-  // The whole record, but for slots without a value.
+  // Copies the whole record except slots that were never assigned.
   static void handOver(const Scratch& result, Polygon& polygon) noexcept {
     std::copy_n(result.vertices, result.written, polygon.vertices);
     polygon.count = result.count;
   }
 
   template <class List>
-  static void startList(List&, std::uint32_t) noexcept {}  // all its room is in the object
+  static void startList(List&, std::uint32_t) noexcept {}  // its capacity is fixed
 };
 
 template <class Real>

@@ -3,7 +3,7 @@
 // A container takes part through a specialisation of PolygonAccess:
 //   Scratch                what an in-place driver works in
 //   countOf(polygon)       the number of vertices that can be read
-//   peek(polygon)          its vertices; raises where `count` is wrong, detaches nothing
+//   peek(polygon)          its vertices; raises if `count` is wrong, copies no shared buffer
 //   readable(source)       the vertices of a source of at least one, as checked access gives them
 //   slotIndex(n)           the index of the slot that vertex n of a result is written to
 //   Writer(destination)    slot(n) is that slot, made if needed
@@ -81,8 +81,8 @@ Polygon* clipThrough(Polygon& first, Polygon& second, typename Polygon::Source& 
   typename Polygon::Source* from = &source;
   Polygon* written = &second;
   Polygon* next = &first;
-  const bool remains = Planes::every([&](auto plane) {
-    if ((mask & plane.bit) == 0) return true;
+  const bool remains = Planes::allOf([&](auto plane) {
+    if ((mask & plane.kBit) == 0) return true;
     if (clipPass<decltype(plane)>(*from, *next, tracer) < 3) return false;
     tracer.endPass();
     from = written = next;
@@ -107,7 +107,7 @@ ClipOutcome clipInPlace(Polygon& polygon, Tracer&& tracer = NoTracer()) {
     all &= vertices[i].outcode;
   }
   if (all != 0) return ClipOutcome::Gone;
-  if ((any & Planes::bits) == 0) return ClipOutcome::Untouched;
+  if ((any & Planes::kBits) == 0) return ClipOutcome::Untouched;
 
   typename Access::Scratch first = Access::scratchFor(polygon);
   typename Access::Scratch second = Access::scratchFor(polygon);

@@ -1,6 +1,6 @@
-// The drivers with a trace, one template for both containers, and what instantiates it. Beside the
-// members that clip/detail/polygon_pass.h lists, a container's PolygonAccess has
-//   startList(list, n)     makes room for n elements in a list without storage
+// The definitions of the drivers with a trace, which both containers instantiate. In addition to
+// the members that clip/detail/polygon_pass.h lists, they use one more of PolygonAccess:
+//   startList(list, n)     gives a list without storage a capacity of at least n
 #pragma once
 
 #include <cstdint>
@@ -67,7 +67,7 @@ Polygon* clipThroughTraced(Polygon& first, Polygon& second, typename Polygon::So
                            std::uint32_t mask, ClipTrace<Polygon>& trace) {
   TraceWriter<Polygon> writer(trace);
   Polygon* const result = clipThrough<Planes>(first, second, source, mask, writer);
-  if (result != nullptr && (mask & Planes::bits) != 0) {
+  if (result != nullptr && (mask & Planes::kBits) != 0) {
     writer.finish(result->count);
   } else {
     writer.finishEmpty();

@@ -82,7 +82,8 @@ std::size_t clipPolygonArraysInPlace2D(BasicClipPolygonArray<Real>* polygons,
 
 template <std::floating_point Real>
 std::uint32_t computeOutcode(BasicClipPolygonArray<Real>& polygon) {
-  detail::PolygonAccess<BasicClipPolygonArray<Real>>::peek(polygon);  // all or none is written
+  detail::PolygonAccess<BasicClipPolygonArray<Real>>::peek(
+      polygon);  // checks `count`, so that all are written or none
   std::uint32_t any = 0;
   for (std::uint32_t i = 0; i < polygon.count; ++i) any |= computeOutcode(polygon.vertices.at(i));
   return any;

@@ -1,4 +1,4 @@
-// How the passes and drivers of clip/detail/polygon_pass.h reach a growable polygon.
+// The access of the passes and drivers in clip/detail/polygon_pass.h to a growable polygon.
 #pragma once
 
 #include <algorithm>
@@ -21,14 +21,14 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
     return polygon.vertices.data();
   }
   // One checked access to the last vertex replaces all others: it raises what any of them would,
-  // and detaches. The destination is another polygon, so the buffer then stays where it is.
+  // and detaches. The destination is another polygon, so writing it does not move this buffer.
   static const Vertex* readable(Polygon& source) {
     source.vertices.at(source.count - 1);
     return source.vertices.data();
   }
 
   static std::uint32_t slotIndex(std::uint32_t n) noexcept { return n; }
-  // Calls vertexForWrite only where the elements that are known to exist, detached, run out.
+  // Calls vertexForWrite once for all the elements that exist, and again when they run out.
   class Writer {
    public:
     explicit Writer(Polygon& polygon) noexcept : polygon_(polygon) {}
