@@ -71,15 +71,15 @@ struct BasicClipPolygonArray {
   // initialised. An array without storage becomes one of capacity i + 17 that grows by half. The
   // index 2^32 - 1 raises OdError 9. After an exception the polygon is unchanged.
   Vertex& vertexForWrite(std::uint32_t i) {
-    if (i >= count) {
-      if (i == UINT32_MAX) throw OdError(kOdResultNoMemory);
-      if (vertices.capacity() == 0) {
-        vertices = OdArray<Vertex>(std::uint64_t{i} + 1 + kClipSpareVertices, kClipGrowByHalf);
-      }
-      if (i + 1 >= vertices.length()) vertices.resize(i + 1);
-      count = i + 1;
+    if (i < count) return vertices.at(i);
+    if (i == UINT32_MAX) throw OdError(kOdResultNoMemory);
+    if (vertices.capacity() == 0) {
+      vertices = OdArray<Vertex>(std::uint64_t{i} + 1 + kClipSpareVertices, kClipGrowByHalf);
     }
-    return vertices.at(i);
+    if (i + 1 >= vertices.length()) vertices.resize(i + 1);
+    Vertex& slot = vertices.at(i);  // before `count` changes, since it may raise
+    count = i + 1;
+    return slot;
   }
 };
 using ClipPolygonArray = BasicClipPolygonArray<double>;

@@ -87,6 +87,12 @@ TEST(Growable, GrowsAsItIsMadeAndWritten) {
     EXPECT_EQ(codeRaisedBy([&] { polygon.vertexForWrite(index); }), 9) << index;
     EXPECT_TRUE(polygon.count == 22 && polygon.vertices.length() == 22);
   }
+  ClipPolygonArray spare(4, false);
+  const ClipPolygonArray shared = spare;
+  odrxAllocFail(0, 1);
+  EXPECT_EQ(codeRaisedBy([&] { spare.vertexForWrite(1); }), 9);  // the copy of the shared buffer
+  odrxAllocFail(0, 0);
+  EXPECT_EQ(spare.count, 0U);
 }
 
 // The tests on outcodes allocate and detach nothing. A trace then holds the origins of an untouched
