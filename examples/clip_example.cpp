@@ -8,7 +8,7 @@
 int main() {
   using namespace ulm::clip;
 
-  // In homogeneous clip space, as a projection leaves it. The corner at x = 3 lies outside.
+  // In homogeneous clip space, as a projection leaves it. The corner at x = 3 is outside.
   ClipPolygon triangle{};
   triangle.vertexForWrite(0) = {-0.5, -0.5, 0, 1, 0};
   triangle.vertexForWrite(1) = {3.0, 0.0, 0, 1, 0};
@@ -23,7 +23,7 @@ int main() {
     return 0;
   }
 
-  // Each record is one new vertex: its colour comes from the two it lies between.
+  // Each record is one new vertex: its colour is interpolated between its two ends.
   const auto sourceCount = static_cast<std::uint32_t>(red.size());
   const auto indexOf = [&](ClipOrigin origin) {
     return origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sourceCount;

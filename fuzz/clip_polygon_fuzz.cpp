@@ -32,7 +32,7 @@ bool same(const ClipPolygon& fixed, ClipPolygonArray& growable) {
 
 }  // namespace
 
-// A byte of mask, a byte of stale count, then coordinates as they lie there.
+// A byte of mask, a byte of stale count, then the bytes of coordinates.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2 || size > 16384) return 0;
   const std::uint32_t mask = data[0];

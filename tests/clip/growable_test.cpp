@@ -1,4 +1,4 @@
-// What is the growable polygons' own: sharing, growth, the errors that they raise.
+// What only growable polygons have: sharing, growth and exceptions.
 #include "clip/growable/polygon_array.h"
 
 #include <gtest/gtest.h>
@@ -149,7 +149,7 @@ TEST(Growable, ACountAboveTheLengthIsAnInvalidIndex) {
   EXPECT_EQ(clipPolygonArrayToVolume(polygon, second, first, ~0U), nullptr);
 }
 
-// Every allocation of a call fails once: OdError 9, the input as it was, nothing left behind.
+// Every allocation of a call fails once: OdError 9, the input unchanged, no memory leaked.
 TEST(Growable, SurvivesEachFailingAllocation) {
   const std::uint64_t liveBefore = odrxAllocCounts().liveBlocks;
   {

@@ -1,5 +1,4 @@
-// The fixed and the growable polygons beside the model, bit by bit, with the origins that they
-// tell.
+// Compares segments, fixed and growable polygons and their traces with the model, bit by bit.
 #include "clip/polygon.h"
 
 #include <gtest/gtest.h>
@@ -69,8 +68,8 @@ TEST(Interpolate, KeepsTheOrderOfOperations) {
   EXPECT_TRUE(std::isinf(interpolateRatio(0.0F, 1e38F, 10.0F, 100.0F)));  // and is not widened
 }
 
-// What the two containers have in common, under one set of names; the drivers for the volume come
-// first, those for the rectangle second.
+// The functions that the two containers have in common, under one set of names; the drivers for the
+// volume come first, those for the rectangle second.
 #define ULM_CONTAINER(Name, PolygonOf, From, clip, grows)                                         \
   template <class Real>                                                                           \
   struct Name {                                                                                   \
