@@ -1,12 +1,13 @@
-// A polygon's cursor: a place in a polygon that is read and written as its accessors do it.
+// The cursor of a polygon: an index that is read and written through the polygon's accessors.
 #pragma once
 
 #include <cstdint>
 
 namespace ulm::clip {
 
-// `polygon` is borrowed. An index may lie beyond the count: it is for vertexAt and vertexForWrite
-// to settle what is there, and what they raise passes through. Index sums wrap at 32 bits.
+// `polygon` is borrowed and must not be null when the cursor is read or written. `index` may be at
+// or above the count; vertexAt and vertexForWrite define what that means, and their exceptions pass
+// through. Sums of indices wrap at 32 bits.
 template <class Polygon>
 struct BasicClipVertexRef {
   using Vertex = typename Polygon::Vertex;
@@ -14,10 +15,12 @@ struct BasicClipVertexRef {
   std::uint32_t index;
   Polygon* polygon;
 
+  // Returns polygon->vertexAt(index).
   const Vertex& read() const { return polygon->vertexAt(index); }
+  // Returns polygon->vertexForWrite(index).
   Vertex& write() const { return polygon->vertexForWrite(index); }
 
-  // The cursor `n` places on, for reading and writing there.
+  // Returns the cursor for index + n.
   BasicClipVertexRef operator[](std::uint32_t n) const noexcept { return {index + n, polygon}; }
 
   BasicClipVertexRef& operator++() noexcept {

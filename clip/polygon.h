@@ -1,6 +1,6 @@
-// Polygons of at most 32 vertices, clipped against the planes of the view volume, one
-// Sutherland-Hodgman pass a plane. Nothing here allocates, throws or keeps state; one record must
-// not be used by two calls at a time.
+// Clips polygons of at most 32 vertices against the planes of the view volume, with one
+// Sutherland-Hodgman pass for each plane. No function allocates, throws or keeps state. Different
+// polygons can be clipped by different threads; one polygon belongs to one call at a time.
 #pragma once
 
 #include <algorithm>
@@ -9,27 +9,28 @@
 #include <cstdint>
 
 #include "clip/cursor.h"
-#include "clip/trace.h"
 #include "clip/vertex.h"
 
 namespace ulm::clip {
 
 inline constexpr std::uint32_t kClipPolygonCapacity = 32;
 
-// A plain value, copied whole. The outline is closed from the last vertex to the first. A `count`
-// above 32 makes no more slots: vertices from 32 on do not exist for any function.
+// A plain value, copied whole. The outline is closed by an edge from the last vertex to the first.
+// Every function treats a `count` above 32 as 32.
 template <std::floating_point Real>
 struct BasicClipPolygon {
   using Vertex = BasicClipVertex<Real>;
+  using Source = const BasicClipPolygon;  // what clippers read
 
   Vertex vertices[kClipPolygonCapacity];
   std::uint32_t count;
 
-  // Vertex i; the default vertex from `count` on.
+  // Returns vertex i, or the default vertex if i is not below `count`.
   const Vertex& vertexAt(std::uint32_t i) const noexcept;
 
-  // Slot i to write to, `count` raised to i + 1 where it is not above i. From 32 on the last slot,
-  // and `count` stays: a writer never leaves the record, and the last such write wins.
+  // Returns slot i for writing, and raises `count` to i + 1 if it is lower. For an i of 32 or more
+  // it returns the last slot and leaves `count`, so a writer stays inside the record and the last
+  // such write wins.
   Vertex& vertexForWrite(std::uint32_t i) noexcept {
     if (i >= kClipPolygonCapacity) return vertices[kClipPolygonCapacity - 1];
     count = std::max(count, i + 1);
@@ -42,17 +43,18 @@ using ClipPolygonF = BasicClipPolygon<float>;
 using ClipVertexRef = BasicClipVertexRef<ClipPolygon>;
 using ClipVertexRefF = BasicClipVertexRef<ClipPolygonF>;
 
-// What became of a polygon that was clipped in place.
+// The outcome of clipping a polygon in place.
 enum class ClipOutcome : std::uint8_t {
-  Untouched,  // remains as it was; no plane ran
-  Clipped,    // remains, its record written anew
-  Gone,       // fewer than 3 vertices were left, or all lie beyond one plane; the record as it was
+  Untouched,  // the polygon remains; no plane ran and nothing was written
+  Clipped,    // the result has replaced the polygon
+  Gone,       // fewer than 3 vertices remain, or all are beyond one plane; nothing was written
 };
 
-// Plane clippers: `source` into `destination`, another record, whatever that held before. Returns
-// the number of vertices now in `destination`, at most 32; of a source of fewer than 2 vertices
-// none is left. Kept vertices are copied with their `outcode`; new ones get x, y, z and w, and the
-// `outcode` that the slot held stays. Vertices beyond 32 all go to the last slot.
+// The six plane clippers. Each clips `source` against one plane into `destination`, which is
+// another polygon and may hold anything before. Returns the number of vertices in `destination`, at
+// most 32, and 0 for a source of fewer than 2 vertices. Kept vertices are copied with their
+// `outcode`. New ones get x, y, z and w, and keep the `outcode` that their slot held. All vertices
+// after the 32nd are written to the last slot.
 template <std::floating_point Real>
 std::uint32_t clipPolygonXMin(const BasicClipPolygon<Real>& source,
                               BasicClipPolygon<Real>& destination) noexcept;
@@ -72,66 +74,57 @@ template <std::floating_point Real>
 std::uint32_t clipPolygonZMax(const BasicClipPolygon<Real>& source,
                               BasicClipPolygon<Real>& destination) noexcept;
 
-// Runs the planes of the volume, or of its rectangle, whose ClipPlaneBit is set in `mask`, writing
-// `first` and `second`, two other records, in turn. Returns the one that holds the result, or null
-// when fewer than 3 vertices remain. A mask that names no plane writes nothing and gives `second`
-// as it stands. Outcodes are not looked at.
+// Clips `source` against the planes of the volume whose ClipPlaneBit is set in `mask`; other bits
+// are ignored. The passes write `first` and `second` alternately; the three polygons must be
+// different. Returns the one of the two that holds the result, or null when fewer than 3 vertices
+// remain. If `mask` contains no plane it writes nothing and returns `second`. Outcodes are not
+// read.
 template <std::floating_point Real>
 BasicClipPolygon<Real>* clipPolygonToVolume(BasicClipPolygon<Real>& first,
                                             BasicClipPolygon<Real>& second,
                                             const BasicClipPolygon<Real>& source,
                                             std::uint32_t mask) noexcept;
+
+// The same with the four planes of the rectangle.
 template <std::floating_point Real>
 BasicClipPolygon<Real>* clipPolygonToRectangle(BasicClipPolygon<Real>& first,
                                                BasicClipPolygon<Real>& second,
                                                const BasicClipPolygon<Real>& source,
                                                std::uint32_t mask) noexcept;
 
-// Clips by the outcodes, which are trusted: a bit that all vertices share refuses the polygon, and
-// the planes that run are those that some vertex names. True when a polygon remains; after false
-// `polygon` is as it was. Where no plane is to run the polygon stays as it is too, with true,
-// unless it has no vertex. The test of the shared bit is over the whole word, for the rectangle as
-// well. The result replaces the record; slots that no plane wrote to have no value in it and stay
-// as they were. The `outcode` of a new vertex is 0, or what an earlier plane left in its slot:
-// computeOutcode makes them good.
+// Clips `polygon` against the volume, by its outcodes, which are trusted. Returns whether a polygon
+// remains; after false `polygon` is unchanged.
+//   count is 0                     false
+//   a bit is in all the outcodes   false, whether the bit belongs to a plane or not
+//   no outcode has a plane's bit   true, `polygon` is unchanged
+//   otherwise                      the planes that are in any outcode run and decide
+// The result replaces `polygon`; slots that no pass wrote keep their value. The `outcode` of a new
+// vertex is 0, or what an earlier pass left in its slot. Call computeOutcode to clip again.
 template <std::floating_point Real>
 bool clipPolygonInPlace(BasicClipPolygon<Real>& polygon) noexcept;
+
+// The same with the four planes of the rectangle. An outcode bit of a z plane in every vertex still
+// refuses the polygon.
 template <std::floating_point Real>
 bool clipPolygonInPlace2D(BasicClipPolygon<Real>& polygon) noexcept;
 
-// The same for `polygonCount` polygons in a row, with the outcome of each in `outcomes`. Returns
-// how many remain.
+// Clips an array of polygons, each as clipPolygonInPlace does. Both pointers are to `polygonCount`
+// elements, and may be null only when that is 0; `outcomes` receives the outcome of each polygon.
+// Returns the number of polygons that remain.
 template <std::floating_point Real>
 std::size_t clipPolygonsInPlace(BasicClipPolygon<Real>* polygons, std::size_t polygonCount,
                                 ClipOutcome* outcomes) noexcept;
+
+// The same with the four planes of the rectangle.
 template <std::floating_point Real>
 std::size_t clipPolygonsInPlace2D(BasicClipPolygon<Real>* polygons, std::size_t polygonCount,
                                   ClipOutcome* outcomes) noexcept;
 
-// As without `trace`, which receives the origins of the result's vertices. It is empty when nothing
-// remains, and when a ping-pong driver runs no plane.
-template <std::floating_point Real>
-BasicClipPolygon<Real>* clipPolygonToVolume(BasicClipPolygon<Real>& first,
-                                            BasicClipPolygon<Real>& second,
-                                            const BasicClipPolygon<Real>& source,
-                                            std::uint32_t mask,
-                                            BasicClipTrace<Real>& trace) noexcept;
-template <std::floating_point Real>
-BasicClipPolygon<Real>* clipPolygonToRectangle(BasicClipPolygon<Real>& first,
-                                               BasicClipPolygon<Real>& second,
-                                               const BasicClipPolygon<Real>& source,
-                                               std::uint32_t mask,
-                                               BasicClipTrace<Real>& trace) noexcept;
-template <std::floating_point Real>
-bool clipPolygonInPlace(BasicClipPolygon<Real>& polygon, BasicClipTrace<Real>& trace) noexcept;
-template <std::floating_point Real>
-bool clipPolygonInPlace2D(BasicClipPolygon<Real>& polygon, BasicClipTrace<Real>& trace) noexcept;
-
-// Sets the `outcode` of every vertex in use, and returns the OR of all.
+// Sets the `outcode` of every vertex below `count`. Returns the OR of all of them.
 template <std::floating_point Real>
 std::uint32_t computeOutcode(BasicClipPolygon<Real>& polygon) noexcept;
 
-// Whether all coordinates of all vertices in use are finite.
+// Returns whether all coordinates of all vertices below `count` are finite.
 template <std::floating_point Real>
 bool isFinite(const BasicClipPolygon<Real>& polygon) noexcept;
 

@@ -9,16 +9,16 @@ template <class Plane, class Point>
 bool clipAgainst(Point& a, Point& b) noexcept {
   const bool aOutside = Plane::startOutside(a);
   const bool bInside = Plane::endInside(b);
-  if (aOutside != bInside) return bInside;  // both ends on the same side
-  detail::placeBetween(aOutside ? a : b, a, b, detail::crossingOf<Plane>(a, b));
+  if (aOutside != bInside) return bInside;  // both ends are on the same side
+  detail::setBetween(aOutside ? a : b, a, b, detail::crossingOf<Plane>(a, b));
   return true;
 }
 
-// No segment is refused early by what the codes of its ends have in common: the planes before the
-// one that refuses it move its ends first, and by rounding may move one to the other side.
+// A plane that both ends are beyond does not refuse the segment early: the planes before it move
+// the ends first, and rounding may move one of them to the inside.
 template <class Planes, class Point>
 bool clipThrough(Point& a, Point& b) noexcept {
-  return Planes::every([&](auto plane) { return clipAgainst<decltype(plane)>(a, b); });
+  return Planes::allOf([&](auto plane) { return clipAgainst<decltype(plane)>(a, b); });
 }
 
 }  // namespace
@@ -59,8 +59,8 @@ bool clipSegment3D(Point& a, Point& b) noexcept {
 
 template <HomogeneousPoint Point>
 bool clipSegmentToVolume(Point& a, Point& b, std::uint32_t mask) noexcept {
-  return detail::VolumePlanes::every(
-      [&](auto plane) { return (mask & plane.bit) == 0 || clipAgainst<decltype(plane)>(a, b); });
+  return detail::VolumePlanes::allOf(
+      [&](auto plane) { return (mask & plane.kBit) == 0 || clipAgainst<decltype(plane)>(a, b); });
 }
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the arguments are types

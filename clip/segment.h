@@ -1,15 +1,9 @@
-// Segments from `a` to `b` in homogeneous clip space, clipped in place: against one plane, or
-// against the planes of the rectangle or the volume in the order of ClipPlaneBit, the result of
-// each plane being the input of the next.
+// Clips segments from `a` to `b` in homogeneous clip space, in place. No function throws, allocates
+// or keeps state.
 //
 // An end that moves becomes (b - a) * t + a in each component, with t = d(a) / (d(a) - d(b)) and d
-// the distance to the plane, always taken from `a` to `b`. The direction of the segment is kept. Of
-// a ClipVertex the coordinates alone are read and written.
-//
-// False means that nothing is left. One plane alone then leaves the points as they were; after more
-// than one an earlier plane may have moved an end, and the points are of no further use.
-//
-// `a` and `b` are different objects. No function throws, allocates or keeps state.
+// the distance to the plane. t is always taken from `a` to `b`, so the segment keeps its direction.
+// Of a ClipVertex only the coordinates are read and written. `a` and `b` must be different objects.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +12,8 @@
 
 namespace ulm::clip {
 
+// The six plane clippers. Each returns false, with both points unchanged, when nothing of the
+// segment is left, and true otherwise.
 template <HomogeneousPoint Point>
 bool clipSegmentXMin(Point& a, Point& b) noexcept;
 template <HomogeneousPoint Point>
@@ -31,12 +27,17 @@ bool clipSegmentZMin(Point& a, Point& b) noexcept;
 template <HomogeneousPoint Point>
 bool clipSegmentZMax(Point& a, Point& b) noexcept;
 
+// Clips against the four planes of the rectangle in the order of ClipPlaneBit; the result of each
+// plane is the input of the next. Returns false when nothing is left. An earlier plane may then
+// have moved an end, and the points are of no further use.
 template <HomogeneousPoint Point>
 bool clipSegment2D(Point& a, Point& b) noexcept;
+
+// The same with the six planes of the volume.
 template <HomogeneousPoint Point>
 bool clipSegment3D(Point& a, Point& b) noexcept;
 
-// As clipSegment3D over the planes whose ClipPlaneBit is set in `mask`; other bits are ignored.
+// The same with the planes whose ClipPlaneBit is set in `mask`; other bits are ignored.
 template <HomogeneousPoint Point>
 bool clipSegmentToVolume(Point& a, Point& b, std::uint32_t mask) noexcept;
 

@@ -7,10 +7,11 @@
 namespace ulm::clip {
 namespace {
 
-// A point is inside the volume where no plane would take it for the outer start of a segment.
+// A point is inside unless some plane would treat it as the outer start of a segment. This differs
+// from !beyond for NaN.
 template <class Planes, class Point>
 bool isInside(const Point& p) noexcept {
-  return Planes::every([&](auto plane) { return !plane.startOutside(p); });
+  return Planes::allOf([&](auto plane) { return !plane.startOutside(p); });
 }
 
 }  // namespace
@@ -36,8 +37,8 @@ bool isInsideVolume3D(const Point& p) noexcept {
 template <std::floating_point Real>
 std::uint32_t computeOutcode(BasicClipVertex<Real>& vertex) noexcept {
   std::uint32_t outcode = 0;
-  detail::VolumePlanes::every([&](auto plane) {
-    outcode |= plane.beyond(vertex) ? plane.bit : 0U;
+  detail::VolumePlanes::allOf([&](auto plane) {
+    outcode |= plane.beyond(vertex) ? plane.kBit : 0U;
     return true;
   });
   vertex.outcode = outcode;

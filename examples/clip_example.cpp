@@ -3,11 +3,12 @@
 #include <vector>
 
 #include "clip/polygon.h"
+#include "clip/trace.h"
 
 int main() {
   using namespace ulm::clip;
 
-  // In homogeneous clip space, as a projection leaves it. The corner at x = 3 lies outside.
+  // In homogeneous clip space, as a projection leaves it. The corner at x = 3 is outside.
   ClipPolygon triangle{};
   triangle.vertexForWrite(0) = {-0.5, -0.5, 0, 1, 0};
   triangle.vertexForWrite(1) = {3.0, 0.0, 0, 1, 0};
@@ -16,26 +17,25 @@ int main() {
 
   if (!isFinite(triangle)) return 1;
   computeOutcode(triangle);  // the clipper trusts outcodes, so they are made first
-  ClipTrace trace;
+  ClipTrace<ClipPolygon> trace;
   if (!clipPolygonInPlace(triangle, trace)) {
     std::puts("nothing is left");
     return 0;
   }
 
-  // Each record is one new vertex: its colour comes from the two it lies between.
+  // Each record is one new vertex: its colour is interpolated between its two ends.
   const auto sourceCount = static_cast<std::uint32_t>(red.size());
-  const auto place = [&](ClipOrigin origin) {
+  const auto indexOf = [&](ClipOrigin origin) {
     return origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sourceCount;
   };
-  for (std::uint32_t i = 0; i < trace.recordCount; ++i) {
-    const ClipRecord& record = trace.records[i];
-    red.push_back(interpolate(red[place(record.earlier)], red[place(record.later)], record.t));
+  for (const ClipRecord& record : trace.records()) {
+    red.push_back(interpolate(red[indexOf(record.earlier)], red[indexOf(record.later)], record.t));
   }
 
   for (std::uint32_t i = 0; i < triangle.count; ++i) {
     const ClipVertex& vertex = triangle.vertexAt(i);
     std::printf("%6.3f %6.3f %6.3f %6.3f  red %.3f\n", vertex.x, vertex.y, vertex.z, vertex.w,
-                red[place(trace.origins[i])]);
+                red[indexOf(trace.origins()[i])]);
   }
   return 0;
 }

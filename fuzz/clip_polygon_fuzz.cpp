@@ -6,6 +6,7 @@
 
 #include "clip/growable/polygon_array.h"
 #include "clip/polygon.h"
+#include "clip/trace.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ bool same(const ClipPolygon& fixed, ClipPolygonArray& growable) {
 
 }  // namespace
 
-// A byte of mask, a byte of stale count, then coordinates as they lie there.
+// A byte of mask, a byte of stale count, then the bytes of coordinates.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2 || size > 16384) return 0;
   const std::uint32_t mask = data[0];
@@ -75,12 +76,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       clipPolygonArrayToVolume(firstArray, secondArray, growable, mask);
   require(resultArray == nullptr || resultArray->count <= resultArray->vertices.length());
 
-  ClipTrace trace;
-  ClipTraceArray traceArray;
-  if (clipPolygonInPlace(fixed, trace)) require(trace.originCount == fixed.count);
-  if (clipPolygonArrayInPlace(growable, traceArray)) {
-    require(traceArray.origins.length() == growable.count);
+  ClipTrace<ClipPolygon> trace;
+  ClipTrace<ClipPolygonArray> traceArray;
+  if (clipPolygonInPlace(fixed, trace)) require(trace.origins().size() == fixed.count);
+  if (clipPolygonInPlace(growable, traceArray)) {
+    require(traceArray.origins().size() == growable.count);
   }
-  require(trace.recordCount <= kClipTraceCapacity);
+  require(trace.records().size() <= kClipTraceCapacity);
   return 0;
 }

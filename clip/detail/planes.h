@@ -1,8 +1,8 @@
-// The six planes, said once. The inside tests, the segment and polygon clippers, their drivers and
-// the outcodes all follow from this table.
+// The table of the six planes. The inside tests, the segment and polygon clippers, their drivers
+// and the outcodes are all derived from it.
 //
-// This header holds arithmetic whose rounding is promised, so only the library's sources include
-// it, under the flags that the library is built with.
+// The rounding of the arithmetic in this header is part of the contract. Only sources of the
+// library include it, since they are compiled under flags that keep it.
 #pragma once
 
 #include <cfloat>
@@ -16,11 +16,12 @@
 
 namespace ulm::clip::detail {
 
-static_assert(FLT_EVAL_METHOD == 0, "each width must compute in itself, without wider results");
+static_assert(FLT_EVAL_METHOD == 0, "each width must compute in its own type");
 
 enum class Axis { X, Y, Z };
 enum class Side { Min, Max };
 
+// Returns the coordinate of `p` on axis A.
 template <Axis A, class Point>
 constexpr auto along(const Point& p) noexcept {
   if constexpr (A == Axis::X) {
@@ -32,13 +33,13 @@ constexpr auto along(const Point& p) noexcept {
   }
 }
 
-// With a NaN the three comparisons part, and all of them part from distance(p) < 0; so each is
-// spelled as it is promised and none is derived from another.
+// With NaN the three comparisons differ from each other and from distance(p) < 0. So each is
+// written out as the contract gives it, and none is derived from another.
 template <ClipPlaneBit Bit, Axis A, Side S>
 struct Plane {
-  static constexpr std::uint32_t bit = Bit;
+  static constexpr std::uint32_t kBit = Bit;
 
-  // Polygons and outcodes: strictly beyond the plane.
+  // For polygons and outcodes: whether `p` is strictly beyond the plane.
   template <class Point>
   static constexpr bool beyond(const Point& p) noexcept {
     if constexpr (S == Side::Min) {
@@ -48,7 +49,7 @@ struct Plane {
     }
   }
 
-  // Segments: the start `a` and the end `b`.
+  // For segments: whether the start `a` is outside.
   template <class Point>
   static constexpr bool startOutside(const Point& a) noexcept {
     if constexpr (S == Side::Min) {
@@ -57,6 +58,7 @@ struct Plane {
       return along<A>(a) > a.w;
     }
   }
+  // For segments: whether the end `b` is inside.
   template <class Point>
   static constexpr bool endInside(const Point& b) noexcept {
     if constexpr (S == Side::Min) {
@@ -66,7 +68,7 @@ struct Plane {
     }
   }
 
-  // Signed, in the units of the coordinates; not below 0 inside.
+  // The signed distance, in the units of the coordinates; not below 0 inside.
   template <class Point>
   static constexpr auto distance(const Point& p) noexcept {
     if constexpr (S == Side::Min) {
@@ -79,15 +81,15 @@ struct Plane {
 
 template <class... Planes>
 struct PlaneList {
-  static constexpr std::uint32_t bits = (Planes::bit | ...);
+  static constexpr std::uint32_t kBits = (Planes::kBit | ...);
 
   template <class... More>
   using And = PlaneList<Planes..., More...>;
 
-  // Visits the planes in order until `visit` gives false; whether it never did.
-  template <class Visit>
-  static constexpr bool every(Visit&& visit) {
-    return (visit(Planes{}) && ...);
+  // Calls `test` with the planes in order until it returns false. Returns whether it never did.
+  template <class Test>
+  static constexpr bool allOf(Test&& test) {
+    return (test(Planes{}) && ...);
   }
 };
 
@@ -98,27 +100,28 @@ using YMax = Plane<ClipYMax, Axis::Y, Side::Max>;
 using ZMin = Plane<ClipZMin, Axis::Z, Side::Min>;
 using ZMax = Plane<ClipZMax, Axis::Z, Side::Max>;
 
-// The order is the contract.
+// The order of the planes is part of the contract.
 using RectanglePlanes = PlaneList<XMin, XMax, YMax, YMin>;
 using VolumePlanes = RectanglePlanes::And<ZMax, ZMin>;
 
+// Returns the value at t on the way from a to b.
 template <class Real>
 constexpr Real between(Real a, Real b, Real t) noexcept {
   return (b - a) * t + a;
 }
 
-// Where the edge from p to q, one of them inside and the other not, meets the plane. One division
-// for a crossing; the sides differ, so without a NaN the denominator is not 0.
+// Returns the parameter t at which the edge from p to q crosses the plane. One of the ends is
+// inside and the other is not, so without NaN the denominator is not 0.
 template <class Plane, class Point>
 constexpr auto crossingOf(const Point& p, const Point& q) noexcept {
   const auto distance = Plane::distance(p);
   return distance / (distance - Plane::distance(q));
 }
 
-// Gives `out`, which may be p or q, the four coordinates at t. The result is not snapped onto the
-// plane.
+// Sets the four coordinates of `out`, which may be p or q, to those at t. They are not snapped onto
+// the plane.
 template <class Point, class Real>
-constexpr void placeBetween(Point& out, const Point& p, const Point& q, Real t) noexcept {
+constexpr void setBetween(Point& out, const Point& p, const Point& q, Real t) noexcept {
   out.x = between(p.x, q.x, t);
   out.y = between(p.y, q.y, t);
   out.z = between(p.z, q.z, t);

@@ -1,10 +1,11 @@
-// What is the growable polygons' own: sharing, growth, the errors that they raise.
+// What only growable polygons have: sharing, growth and exceptions.
 #include "clip/growable/polygon_array.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "clip/trace.h"
 #include "standin/odrx/alloc_control.h"
 
 namespace ulm::clip {
@@ -86,6 +87,12 @@ TEST(Growable, GrowsAsItIsMadeAndWritten) {
     EXPECT_EQ(codeRaisedBy([&] { polygon.vertexForWrite(index); }), 9) << index;
     EXPECT_TRUE(polygon.count == 22 && polygon.vertices.length() == 22);
   }
+  ClipPolygonArray spare(4, false);
+  const ClipPolygonArray shared = spare;
+  odrxAllocFail(0, 1);
+  EXPECT_EQ(codeRaisedBy([&] { spare.vertexForWrite(1); }), 9);  // the copy of the shared buffer
+  odrxAllocFail(0, 0);
+  EXPECT_EQ(spare.count, 0U);
 }
 
 // The tests on outcodes allocate and detach nothing. A trace then holds the origins of an untouched
@@ -102,13 +109,13 @@ TEST(Growable, OutcodesSettleWithoutMemory) {
     for (std::uint32_t i = 0; i < 1000; ++i) polygon.vertexForWrite(i).outcode = outcode;
     polygon.count = count;
     const ClipPolygonArray shared = polygon;
-    ClipTraceArray trace;
+    ClipTrace<ClipPolygonArray> trace;
     const std::uint64_t before = odrxAllocCounts().calls;
     EXPECT_EQ(clipPolygonArrayInPlace(polygon), remains);
     EXPECT_EQ(odrxAllocCounts().calls, before) << outcode;
-    EXPECT_EQ(clipPolygonArrayInPlace2D(polygon, trace), remains);
+    EXPECT_EQ(clipPolygonInPlace2D(polygon, trace), remains);
     EXPECT_EQ(odrxAllocCounts().calls - before, calls) << outcode;
-    EXPECT_EQ(trace.origins.length(), remains ? count : 0);
+    EXPECT_EQ(trace.origins().size(), remains ? count : 0);
     EXPECT_EQ(bufferOf(polygon), bufferOf(shared));
   }
 }
@@ -142,7 +149,7 @@ TEST(Growable, ACountAboveTheLengthIsAnInvalidIndex) {
   EXPECT_EQ(clipPolygonArrayToVolume(polygon, second, first, ~0U), nullptr);
 }
 
-// Every allocation of a call fails once: OdError 9, the input as it was, nothing left behind.
+// Every allocation of a call fails once: OdError 9, the input unchanged, no memory leaked.
 TEST(Growable, SurvivesEachFailingAllocation) {
   const std::uint64_t liveBefore = odrxAllocCounts().liveBlocks;
   {
@@ -150,9 +157,9 @@ TEST(Growable, SurvivesEachFailingAllocation) {
     std::uint64_t served = 0;
     for (std::int32_t code = 9; code != 0; ++served) {
       ClipPolygonArray polygon = original;
-      ClipTraceArray trace;
+      ClipTrace<ClipPolygonArray> trace;
       odrxAllocFail(served, 1);
-      code = codeRaisedBy([&] { clipPolygonArrayInPlace(polygon, trace); });
+      code = codeRaisedBy([&] { clipPolygonInPlace(polygon, trace); });
       odrxAllocFail(0, 0);
       if (code == 0) break;
       ASSERT_EQ(code, 9);

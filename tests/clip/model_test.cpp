@@ -1,5 +1,4 @@
-// The fixed and the growable polygons beside the model, bit by bit, with the origins that they
-// tell.
+// Compares segments, fixed and growable polygons and their traces with the model, bit by bit.
 #include "clip/polygon.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 
 #include "clip/growable/polygon_array.h"
 #include "clip/segment.h"
+#include "clip/trace.h"
 #include "tests/support/clip_model.h"
 
 namespace ulm::clip {
@@ -68,29 +68,30 @@ TEST(Interpolate, KeepsTheOrderOfOperations) {
   EXPECT_TRUE(std::isinf(interpolateRatio(0.0F, 1e38F, 10.0F, 100.0F)));  // and is not widened
 }
 
-// What the two containers have in common, under one set of names; the drivers for the volume come
-// first, those for the rectangle second.
-#define ULM_CONTAINER(Name, PolygonOf, TraceOf, From, clip, grows)                                \
+// The functions that the two containers have in common, under one set of names; the drivers for the
+// volume come first, those for the rectangle second.
+#define ULM_CONTAINER(Name, PolygonOf, From, clip, grows)                                         \
   template <class Real>                                                                           \
   struct Name {                                                                                   \
     using Number = Real;                                                                          \
     using Polygon = PolygonOf<Real>;                                                              \
-    using Trace = TraceOf<Real>;                                                                  \
+    using Trace = ClipTrace<Polygon>;                                                             \
     static constexpr bool kGrows = grows;                                                         \
     static constexpr std::uint32_t (*kPass[])(From Polygon&, Polygon&) = {                        \
         clip##XMin, clip##XMax, clip##YMax, clip##YMin, clip##ZMax, clip##ZMin};                  \
     static constexpr Polygon* (*kDrive[])(Polygon&, Polygon&, From Polygon&, std::uint32_t) = {   \
         clip##ToVolume, clip##ToRectangle};                                                       \
     static constexpr Polygon* (*kDriveTraced[])(Polygon&, Polygon&, From Polygon&, std::uint32_t, \
-                                                Trace&) = {clip##ToVolume, clip##ToRectangle};    \
+                                                Trace&) = {clipPolygonToVolume,                   \
+                                                           clipPolygonToRectangle};               \
     static constexpr bool (*kInPlace[])(Polygon&) = {clip##InPlace, clip##InPlace2D};             \
-    static constexpr bool (*kInPlaceTraced[])(Polygon&, Trace&) = {clip##InPlace,                 \
-                                                                   clip##InPlace2D};              \
+    static constexpr bool (*kInPlaceTraced[])(Polygon&, Trace&) = {clipPolygonInPlace,            \
+                                                                   clipPolygonInPlace2D};         \
     static constexpr std::size_t (*kBatch[])(Polygon*, std::size_t, ClipOutcome*) = {             \
         clip##sInPlace, clip##sInPlace2D};                                                        \
   };
-ULM_CONTAINER(Fixed, BasicClipPolygon, BasicClipTrace, const, clipPolygon, false)
-ULM_CONTAINER(Growable, BasicClipPolygonArray, BasicClipTraceArray, , clipPolygonArray, true)
+ULM_CONTAINER(Fixed, BasicClipPolygon, const, clipPolygon, false)
+ULM_CONTAINER(Growable, BasicClipPolygonArray, , clipPolygonArray, true)
 #undef ULM_CONTAINER
 
 // A polygon and its model, with the same vertices in all slots that a test can reach.
@@ -134,24 +135,19 @@ struct Pair {
 
 // A coordinate that is carried along by a trace, as a caller would carry a colour, comes out with
 // the clipper's own bits: `y` are those of the source.
-template <class Trace, class Real>
-void checkTrace(const Trace& trace, std::vector<Real> y, auto* result, std::uint32_t size) {
-  std::span<const BasicClipRecord<Real>> records;
-  std::span<const ClipOrigin> origins;
-  if constexpr (requires { trace.recordCount; }) {
-    ASSERT_LE(trace.recordCount, kClipTraceCapacity);
-    records = {trace.records, trace.recordCount};
-    origins = {trace.origins, trace.originCount};
-  } else {
-    records = {trace.records.data(), trace.records.length()};
-    origins = {trace.origins.data(), trace.origins.length()};
+template <class Polygon, class Real>
+void checkTrace(const ClipTrace<Polygon>& trace, std::vector<Real> y, Polygon* result,
+                std::uint32_t size) {
+  if constexpr (detail::kNeverThrows<Polygon>) {
+    ASSERT_LE(trace.records().size(), kClipTraceCapacity);
   }
+  const std::span<const ClipOrigin> origins = trace.origins();
   ASSERT_EQ(origins.size(), result != nullptr ? size : 0U);
   const std::size_t sources = y.size();
   const auto at = [&](ClipOrigin origin) {
     return y.at(origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sources);
   };
-  for (const auto& [earlier, later, t] : records) {
+  for (const auto& [earlier, later, t] : trace.records()) {
     y.push_back(interpolate(at(earlier), at(later), t));
   }
   for (std::uint32_t i = 0; i < origins.size(); ++i) {

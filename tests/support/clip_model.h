@@ -1,5 +1,5 @@
-// A second clipper, written for the tests alone: slow, plain, sharing nothing with the library but
-// the meaning of the operations. Points are x, y, z, w in an array.
+// A second clipper for the tests: slow, plain, and without any code of the library. Points are x,
+// y, z, w in an array.
 #pragma once
 
 #include <algorithm>
@@ -54,7 +54,7 @@ std::uint32_t modelOutcode(const auto& k) {
   return code;
 }
 
-// A polygon with 32 slots, or with as many as are asked for.
+// A polygon with 32 slots, or with as many as are written.
 template <class Real>
 struct ModelPolygon {
   struct Vertex {
