@@ -12,9 +12,9 @@
 #include <string>
 
 #include "bignum/bytes.h"
-#include "bignum/rsa.h"
-#include "bignum/sha.h"
-#include "tests/bignum/sha_model.h"
+#include "bignum/digest/sha.h"
+#include "bignum/rsa/rsa.h"
+#include "tests/bignum/digest/sha_model.h"
 
 namespace ulm::bignum::test {
 namespace {

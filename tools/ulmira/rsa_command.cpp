@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "bignum/bytes.h"
-#include "bignum/rsa.h"
+#include "bignum/rsa/rsa.h"
 #include "bignum/text.h"
 #include "tools/support/program.h"
 #include "tools/ulmira/commands.h"

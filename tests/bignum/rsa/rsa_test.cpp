@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "bignum/rsa.h"
+#include "bignum/rsa/rsa.h"
 #include "bignum/text.h"
 #include "platform/odrx/alloc_control.h"
 #include "tests/support/table_place.h"
