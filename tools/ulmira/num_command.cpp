@@ -11,6 +11,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 #include "tools/ulmira/commands.h"
 #include "tools/ulmira/number_argument.h"
 
@@ -41,7 +42,7 @@ const QLInteger& exponentOf(const QLInteger& number) {
 template <class Compute>
 Operation numeric(std::size_t operands, Compute compute) {
   return {operands, [compute](const Operands& n, std::uint32_t radix) {
-            return Texts{toText(compute(n), radix)};
+            return Texts{toString(compute(n), radix)};
           }};
 }
 
@@ -82,7 +83,7 @@ QLInteger commonDivisor(const Operands& n) {
 Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
   QLInteger g, x, y;
   ExtendedGcd(n[0], n[1], g, x, y);
-  return {toText(g, radix), toText(x, radix), toText(y, radix)};
+  return {toString(g, radix), toString(x, radix), toString(y, radix)};
 }
 
 QLInteger rootOf(const Operands& n) {
