@@ -8,6 +8,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 #ifdef ULM_BENCH_GMP
 #include <gmp.h>
 #endif
@@ -28,9 +29,9 @@ struct Ulmira {
   struct Number {
     QLInteger value;
     explicit Number(const std::string& hex = "0")
-        : value(QLInteger::fromText((hex + 'h').c_str())) {}
+        : value(ulm::bignum::parseInteger((hex + 'h').c_str())) {}
     std::string hex() const {
-      std::string text = toText(value, 16);
+      std::string text = toString(value, 16);
       text.pop_back();
       return text;
     }

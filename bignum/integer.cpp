@@ -59,12 +59,6 @@ QLInteger QLInteger::fromUint64(std::uint64_t number) {
   return made;
 }
 
-QLInteger QLInteger::fromText(const char* text) {
-  QLInteger made(kEmptyHolder);
-  FromText(made, text);
-  return made;
-}
-
 void QLInteger::Assign(const QLInteger& source) {
   if (this == &source) return;
   if (capacity < source.count) Reallocate(source.count, false);

@@ -14,15 +14,8 @@
 
 #include <compare>
 #include <concepts>
-#include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <iosfwd>
-#include <memory>
-#include <new>
-#include <string>
 
-#include "bignum/text.h"
 #include "bignum/words.h"
 
 namespace ulm::bignum {
@@ -70,14 +63,13 @@ class QLInteger {
   // As Assign. There is no assignment by move: assignment keeps storage, it never shrinks it.
   QLInteger& operator=(const QLInteger& source);
 
-  // Numbers from elsewhere: capacity 32 for these two, the storage of FromText for the third.
+  // Numbers of 64 bits; capacity 32.
   static QLInteger fromInt64(std::int64_t number);
   static QLInteger fromUint64(std::uint64_t number);
   template <NarrowedTo<std::int64_t> T>
   static QLInteger fromInt64(T number) = delete;
   template <NarrowedTo<std::uint64_t> T>
   static QLInteger fromUint64(T number) = delete;
-  static QLInteger fromText(const char* text);
 
   // Copies count, sign and words. Storage is replaced, without its content, only if it is too
   // small.
@@ -217,8 +209,6 @@ inline bool operator<=(const QLInteger& a, std::int32_t b) noexcept { return a.C
 template <NarrowedTo<std::int32_t> T>
 bool operator==(const QLInteger& a, T b) = delete;
 
-// ---- Modern use: each a line or two over the operations above.
-
 inline std::strong_ordering operator<=>(const QLInteger& a, const QLInteger& b) noexcept {
   return a.Compare(b) <=> 0;
 }
@@ -230,36 +220,4 @@ std::strong_ordering operator<=>(const QLInteger& a, T b) = delete;
 
 inline void swap(QLInteger& a, QLInteger& b) noexcept { a.Swap(b); }
 
-// The text of ToText, in radix 2 to 16; empty for another.
-template <class Text = std::string>
-Text toText(const QLInteger& value, std::uint32_t radix = 10) {
-  // In radix 2 a digit a bit; a sign, a mark, the terminator and the byte that ToText leaves
-  // unused. A text beyond signed 32 bits is more than ToText can count.
-  if (value.BitLength() > INT32_MAX - 5) throw std::bad_alloc();
-  const std::uint32_t size = value.BitLength() + 5;
-  const auto buffer = std::make_unique<char[]>(size);
-  ToText(value, buffer.get(), size, radix);
-  return Text(buffer.get());
-}
-
-// Writes the text of ToText: in radix 16 or 8 where the stream is set to it, else in radix 10.
-template <class Traits>
-std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
-                                             const QLInteger& value) {
-  using Stream = std::basic_ostream<char, Traits>;
-  const auto base = out.flags() & Stream::basefield;
-  return out << toText(value, base == Stream::hex ? 16 : base == Stream::oct ? 8 : 10);
-}
-
 }  // namespace ulm::bignum
-
-template <>
-struct std::hash<ulm::bignum::QLInteger> {
-  std::size_t operator()(const ulm::bignum::QLInteger& value) const noexcept {
-    std::uint64_t mixed = value.negative;  // the 64-bit FNV-1a step, a word at a time
-    for (std::uint32_t i = 0; i < value.count; ++i) {
-      mixed = (mixed ^ value.words[i]) * 0x100000001B3u;
-    }
-    return static_cast<std::size_t>(mixed ^ (mixed >> 32));
-  }
-};

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstring>
 
-#include "bignum/integer.h"
-
 namespace ulm::bignum {
 namespace {
 
@@ -95,6 +93,12 @@ void FromText(QLInteger& value, const char* text) {
     value += digit;
   }
   if (scanned.negative) value.MakeNegative();
+}
+
+QLInteger parseInteger(const char* text) {
+  QLInteger made(kEmptyHolder);
+  FromText(made, text);
+  return made;
 }
 
 std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size,

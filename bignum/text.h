@@ -6,10 +6,14 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "bignum/integer.h"
 
 namespace ulm::bignum {
-
-class QLInteger;
 
 inline constexpr char DigitTable[] = "0123456789ABCDEF";
 
@@ -31,11 +35,37 @@ NumberText scanNumberText(const char* text) noexcept;
 // these leave. Throws std::bad_alloc alone. Quadratic time.
 void FromText(QLInteger& value, const char* text);
 
+// The number that FromText reads, as a fresh value.
+QLInteger parseInteger(const char* text);
+
 // Writes the number text, without leading zeros, of the radix 2 to 16. Gives the characters written
 // with the terminator, or `size` when the buffer is too small: it never uses the buffer's last
 // byte, so a text of L characters needs L + 2. The buffer then holds no usable text. Any other
 // radix gives `size` and an empty text, if there is a byte for it. A division for each digit.
 std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size, std::uint32_t radix);
+
+// Returns the text of ToText, in radix 2 to 16; an empty text for any other radix. Throws
+// std::bad_alloc when memory is short or the text would be longer than signed 32 bits count. It is
+// a template so that the library itself needs nothing of std::string.
+template <class Text = std::string>
+Text toString(const QLInteger& value, std::uint32_t radix = 10) {
+  // In radix 2 each bit is a digit; then a sign, a mark, the terminator and the byte that ToText
+  // leaves unused.
+  if (value.BitLength() > INT32_MAX - 5) throw std::bad_alloc();
+  const std::uint32_t size = value.BitLength() + 5;
+  const auto buffer = std::make_unique<char[]>(size);
+  ToText(value, buffer.get(), size, radix);
+  return Text(buffer.get());
+}
+
+// Writes the text of ToText: in radix 16 or 8 where the stream is set to it, else in radix 10.
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
+                                             const QLInteger& value) {
+  using Stream = std::basic_ostream<char, Traits>;
+  const auto base = out.flags() & Stream::basefield;
+  return out << toString(value, base == Stream::hex ? 16 : base == Stream::oct ? 8 : 10);
+}
 
 // Reads hexadecimal digits of either case, passing over all else, into bytes: the first digit is
 // the high half of byte 0. Zeroes all `size` bytes first. Gives the number of bytes completed; an

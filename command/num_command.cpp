@@ -11,6 +11,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 #include "command/commands.h"
 #include "command/number_argument.h"
 #include "command/support/streams.h"
@@ -42,7 +43,7 @@ const QLInteger& exponentOf(const QLInteger& number) {
 template <class Compute>
 Operation numeric(std::size_t operands, Compute compute) {
   return {operands, [compute](const Operands& n, std::uint32_t radix) {
-            return Texts{toText(compute(n), radix)};
+            return Texts{toString(compute(n), radix)};
           }};
 }
 
@@ -91,7 +92,7 @@ Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
   ExtendedGcd(magnitudeOf(n[0]), magnitudeOf(n[1]), g, x, y);
   if (n[0].IsNegative()) x.Negate();
   if (n[1].IsNegative()) y.Negate();
-  return {toText(g, radix), toText(x, radix), toText(y, radix)};
+  return {toString(g, radix), toString(x, radix), toString(y, radix)};
 }
 
 QLInteger commonDivisor(const Operands& n) {

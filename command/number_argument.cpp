@@ -20,7 +20,7 @@ bignum::QLInteger parseNumber(const std::string& text) {
   }
   if (scanned.first == scanned.last)
     throw std::runtime_error("\"" + printable(text) + "\" has no digits");
-  return bignum::QLInteger::fromText(text.c_str());
+  return bignum::parseInteger(text.c_str());
 }
 
 }  // namespace ulm::tools

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "bignum/bytes.h"
-#include "bignum/rsa.h"
+#include "bignum/rsa/rsa.h"
 #include "bignum/text.h"
 #include "command/commands.h"
 #include "command/number_argument.h"

@@ -5,12 +5,13 @@
 #include "bignum/bytes.h"
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 
 int main() {
   using namespace ulm::bignum;
 
   QLInteger p, q;
-  NextPrime(QLInteger::fromText("0x1000000000000000000000001"), p);
+  NextPrime(parseInteger("0x1000000000000000000000001"), p);
   NextPrime(p + PowerOfTwo(90), q);
   std::cout << "p = " << p << "\nq = " << q << '\n';
 
@@ -24,11 +25,11 @@ int main() {
   if (divisor != 1) return 1;
   if (inverse < 0) inverse += phi;
 
-  const QLInteger message = QLInteger::fromText("48656C6C6Fh");
+  const QLInteger message = parseInteger("48656C6C6Fh");
   QLInteger sealed, opened;
   ModPow(message, exponent, modulus, sealed);
   ModPow(sealed, inverse, modulus, opened);
-  std::cout << "sealed = " << toText(sealed, 16) << '\n' << "opened = ";
+  std::cout << "sealed = " << toString(sealed, 16) << '\n' << "opened = ";
   for (const std::uint8_t byte : bytesHighFirst(opened)) std::cout << static_cast<char>(byte);
   std::cout << '\n';
   return opened == message ? 0 : 1;

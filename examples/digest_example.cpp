@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "bignum/digest/sha.h"
 #include "bignum/number_theory.h"
-#include "bignum/rsa.h"
-#include "bignum/sha.h"
+#include "bignum/rsa/rsa.h"
 
 int main() {
   using namespace ulm::bignum;

@@ -10,6 +10,6 @@
 namespace ulm::glue {
 
 inline constexpr int kInitSwitchFlags = 200;  // the four debug switches
-inline constexpr int kInitConstants = 300;    // the constants of the facilities
+// The constants of the big numbers come next: kConstantsPriority in bignum/constants.h.
 
 }  // namespace ulm::glue

@@ -15,7 +15,9 @@
 
 #include "bignum/bytes.h"
 #include "bignum/constants.h"
+#include "bignum/hash.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 #include "standin/odrx/alloc_control.h"
 #include "tests/bignum/operands.h"
 
@@ -61,7 +63,7 @@ const std::string kConstants = [] {
     table << stateOf(*value) << ", ";
   }
   for (const QLInteger& witness : PrimeWitnesses) {
-    table << (witness.count == 1 && witness.capacity == 32 ? toText(witness) : "none") << ' ';
+    table << (witness.count == 1 && witness.capacity == 32 ? toString(witness) : "none") << ' ';
   }
   return table.str();
 }();
@@ -126,7 +128,7 @@ TEST(Integer, OrdersBySignThenMagnitude) {
   std::vector<QLInteger> ascending;
   for (const char* text : {"-1FFFFFFFFh", "-100000000h", "-80000000h", "-3", "-2", "0", "1", "2",
                            "7FFFFFFFh", "80000000h", "100000001h", "200000000h"}) {
-    ascending.push_back(QLInteger::fromText(text));
+    ascending.push_back(parseInteger(text));
   }
   for (std::size_t i = 0; i < ascending.size(); ++i) {
     const QLInteger& a = ascending[i];
@@ -200,7 +202,7 @@ TEST(Integer, BytesComeAndGoInBothOrders) {
 }
 
 TEST(Integer, ServesModernUse) {
-  const QLInteger value = QLInteger::fromText("-123456789Ah");
+  const QLInteger value = parseInteger("-123456789Ah");
   std::ostringstream out;
   out << value << ' ' << std::hex << value << ' ' << std::oct << QLInteger(8);
   EXPECT_EQ(out.str(), "-78187493530 -123456789Ah 10o");

@@ -12,9 +12,10 @@
 #include <string>
 
 #include "bignum/bytes.h"
-#include "bignum/rsa.h"
-#include "bignum/sha.h"
-#include "tests/bignum/sha_model.h"
+#include "bignum/digest/sha.h"
+#include "bignum/rsa/rsa.h"
+#include "bignum/text.h"
+#include "tests/bignum/digest/sha_model.h"
 
 namespace ulm::bignum::test {
 namespace {
@@ -65,7 +66,7 @@ using PeerOperation = int (*)(int, const unsigned char*, unsigned char*, RSA*, i
 
 QLInteger valueOf(const BIGNUM* number) {
   char* hex = BN_bn2hex(number);
-  const QLInteger value = QLInteger::fromText((std::string(hex) + 'h').c_str());
+  const QLInteger value = parseInteger((std::string(hex) + 'h').c_str());
   OPENSSL_free(hex);
   return value;
 }

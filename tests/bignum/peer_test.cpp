@@ -6,6 +6,7 @@
 
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 #include "tests/bignum/operands.h"
 
 namespace ulm::bignum::test {

@@ -12,7 +12,7 @@ namespace {
 TEST(Text, WritesWithMarksAndKeepsToTheBuffer) {
   for (const std::int32_t value : {0, 5, -255}) {
     for (std::uint32_t radix = 2; radix <= 16; ++radix) {
-      const std::string text = toText(value, radix);
+      const std::string text = toString(value, radix);
       for (std::uint32_t size = 0; size < text.size() + 5; ++size) {
         std::string buffer(size + 1, '#');
         const std::uint32_t used = ToText(value, buffer.data(), size, radix);

@@ -11,6 +11,7 @@
 #include "bignum/bytes.h"
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
+#include "bignum/text.h"
 #include "standin/odrx/alloc_control.h"
 #include "tests/bignum/operands.h"
 #include "tests/support/vector_blocks.h"
@@ -131,7 +132,7 @@ const std::map<std::string, Step> kSteps = {
     ULM_STEP("EqualWords", w.give(EqualWords(w.words(0), w.words(1), w.size(2)))),
     ULM_STEP("ToBytes", w.result = bytesOf(w.reg(0), w.size(1))),
     ULM_STEP("HexToBytes", w.result = bytesRead(w.text, w.size(0))),
-    ULM_STEP("ToText", w.result = toText(w.reg(0), w.size(1)))};
+    ULM_STEP("ToText", w.result = toString(w.reg(0), w.size(1)))};
 #undef ULM_STEP
 
 // Runs the step on copies of the values, each of its allocations failing in turn: only what
@@ -188,7 +189,7 @@ TEST(Walk, LeavesTheForetoldStates) {
       std::istringstream values(out.value_or(""));
       for (int i = 0; i < 8; ++i) {
         if (values >> text) {
-          EXPECT_EQ(toText(walk.registers[i]), text) << "in register " << i;
+          EXPECT_EQ(toString(walk.registers[i]), text) << "in register " << i;
           EXPECT_TRUE(isNormal(walk.registers[i]));
         } else {
           EXPECT_EQ(stateOf(walk.registers[i]), expected[i]) << "in register " << i;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <new>
 
+#include "bignum/constants.h"
 #include "hostsdk/export.h"
 #include "module/glue/debug_switches.h"
 #include "module/glue/instance.h"
@@ -22,7 +23,9 @@ void operator delete[](void* block, std::size_t bytes, std::align_val_t alignmen
 
 namespace {
 
-// Stands where the facilities' constants stand in the load order.
+static_assert(ulm::glue::kInitSwitchFlags < ulm::bignum::kConstantsPriority);
+
+// Is built when the constants of the facilities are.
 class Constant {
  public:
   Constant() { ulmWin32LogCall("constant made"); }
@@ -30,7 +33,7 @@ class Constant {
   Constant(const Constant&) = delete;
   Constant& operator=(const Constant&) = delete;
 };
-[[gnu::init_priority(ulm::glue::kInitConstants)]] const Constant constant;
+[[gnu::init_priority(ulm::bignum::kConstantsPriority)]] const Constant constant;
 
 struct alignas(64) Wide {
   char bytes[64];

@@ -2,8 +2,8 @@
 // between it and the processor's instructions.
 #include <atomic>
 
-#include "bignum/detail/sha_transform.h"
-#include "bignum/sha.h"
+#include "bignum/digest/detail/sha_transform.h"
+#include "bignum/digest/sha.h"
 
 namespace ulm::bignum::detail {
 namespace {

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <new>
 
-#include "bignum/digest.h"
+#include "bignum/digest/digest.h"
 #include "hostsdk/odrx/alloc.h"
 
 namespace ulm::bignum {

@@ -10,11 +10,11 @@
 #include <thread>
 #include <tuple>
 
-#include "bignum/detail/sha_transform.h"
-#include "bignum/sha.h"
+#include "bignum/digest/detail/sha_transform.h"
+#include "bignum/digest/sha.h"
 #include "bignum/text.h"
 #include "standin/odrx/alloc_control.h"
-#include "tests/bignum/sha_model.h"
+#include "tests/bignum/digest/sha_model.h"
 #include "tests/support/table_place.h"
 #include "tests/support/vector_blocks.h"
 

@@ -1,9 +1,9 @@
-#include "bignum/sha.h"
+#include "bignum/digest/sha.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "bignum/detail/sha_transform.h"
+#include "bignum/digest/detail/sha_transform.h"
 
 namespace ulm::bignum {
 namespace {

@@ -1,4 +1,4 @@
-#include "bignum/rsa.h"
+#include "bignum/rsa/rsa.h"
 
 #include "bignum/bytes.h"
 #include "bignum/detail/storage.h"

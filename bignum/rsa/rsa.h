@@ -10,9 +10,9 @@
 
 #include <cstdint>
 
-#include "bignum/crypter.h"
 #include "bignum/integer.h"
-#include "bignum/padding.h"
+#include "bignum/rsa/crypter.h"
+#include "bignum/rsa/padding.h"
 
 namespace ulm::bignum {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "bignum/rsa.h"
+#include "bignum/rsa/rsa.h"
 #include "bignum/text.h"
 #include "standin/odrx/alloc_control.h"
 #include "tests/support/table_place.h"
@@ -43,8 +43,7 @@ TEST(Rsa, Blocks) {
       std::istringstream key(block.text("Key"));
       std::string modulus, exponent;
       key >> modulus >> exponent;
-      QLRSADecryptor decryptor(QLInteger::fromText(modulus.c_str()),
-                               QLInteger::fromText(exponent.c_str()));
+      QLRSADecryptor decryptor(parseInteger(modulus.c_str()), parseInteger(exponent.c_str()));
       EXPECT_EQ(decryptor.Decrypt(output.data(), input.data()), bits(0)) << block.where();
       expected.resize(output.size(), 0xEE);  // nothing behind the result is written
       decryptor.status = 0x80000000;

@@ -1,4 +1,4 @@
-#include "bignum/digest.h"
+#include "bignum/digest/digest.h"
 
 namespace ulm::bignum {
 

@@ -1,4 +1,4 @@
-#include "bignum/padding.h"
+#include "bignum/rsa/padding.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "bignum/crypter.h"
+#include "bignum/rsa/crypter.h"
 
 namespace ulm::bignum {
 

@@ -3,7 +3,7 @@
 #include <cpuid.h>
 #include <immintrin.h>
 
-#include "bignum/detail/sha_transform.h"
+#include "bignum/digest/detail/sha_transform.h"
 
 namespace ulm::bignum::detail {
 namespace {
