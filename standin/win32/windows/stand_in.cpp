@@ -22,10 +22,25 @@ std::size_t systemText(DWORD error, wchar_t (&text)[kMostUnits]) noexcept {
   return length;
 }
 
+// Gives this thread a desktop that is never shown, once a process. Windows needs none for a
+// message-only window, but Wine brings up a program for the desktop of the screen, which keeps the
+// output of the process that came first open, and can hang when processes come and go. Where it
+// cannot be had, the thread's own desktop serves.
+void takeHiddenDesktop() noexcept {
+  static const bool taken = [] {
+    const HWINSTA station = CreateWindowStationW(nullptr, 0, WINSTA_ALL_ACCESS, nullptr);
+    if (station == nullptr || SetProcessWindowStation(station) == FALSE) return false;
+    const HDESK desktop = CreateDesktopW(L"Default", nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    return desktop != nullptr && SetThreadDesktop(desktop) != FALSE;
+  }();
+  static_cast<void>(taken);
+}
+
 }  // namespace
 
 HWND ulmWin32OpenWindow(const wchar_t* className) {
   if (className == nullptr) return nullptr;
+  takeHiddenDesktop();
   WNDCLASSW description{};
   description.lpfnWndProc = DefWindowProcW;
   description.hInstance = GetModuleHandleW(nullptr);
