@@ -170,7 +170,7 @@ class TextReader {
   ClipDocument<Real> read() {
     while (at_ < text_.size()) {
       const std::size_t newline = std::min(text_.find('\n', at_), text_.size());
-      const std::size_t end = std::min(text_.find('#', at_), newline);  // a remark is left out
+      const std::size_t end = firstOf("#", newline);  // a remark is left out
       skipBlanks(end);
       if (at_ < end) {
         readLine(end);
@@ -187,10 +187,15 @@ class TextReader {
 
  private:
   [[noreturn]] void fail(const char* message) const { throw ClipInputError(text_, at_, message); }
-  void skipBlanks(std::size_t end) { at_ = std::min(text_.find_first_not_of(kBlanks, at_), end); }
+  // Each search ends with the line, so that the time does not grow with the square of the lines.
+  std::size_t firstOf(std::string_view any, std::size_t end) const {
+    return std::min(text_.substr(0, end).find_first_of(any, at_), end);
+  }
+  void skipBlanks(std::size_t end) {
+    at_ = std::min(text_.substr(0, end).find_first_not_of(kBlanks, at_), end);
+  }
   std::string_view word(std::size_t end) const {
-    const std::size_t stop = std::min(text_.find_first_of(kBlanks, at_), end);
-    return text_.substr(at_, stop - at_);
+    return text_.substr(at_, firstOf(kBlanks, end) - at_);
   }
 
   // The list that is being read.

@@ -204,7 +204,7 @@ int digestFiles(const std::string& hash, bool check, const std::vector<std::stri
       } else if (!checkList(hash, name)) {
         status = 1;
       }
-    } catch (const std::exception& error) {
+    } catch (const std::runtime_error& error) {
       complain(error.what());
       status = 1;
     }
