@@ -164,7 +164,9 @@ void addFontCommand(CLI::App& app, int& /*status*/) {
   outline->add_option("--svg", options->svg,
                       "Write a picture of the outline there; - in place of the points");
   CLI::App* specimen =
-      add("specimen", "A picture of a text, with advances and kerning", specimenOf);
+      add("specimen",
+          "A picture of a text, with advances and kerning; scaled components at scaled offsets",
+          specimenOf);
   specimen->add_option("--text", options->text, "Text in UTF-8")->required();
   specimen->add_option("--svg", options->svg, "Where to write the picture; - for standard output")
       ->required();

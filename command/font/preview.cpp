@@ -26,7 +26,7 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
-// What may stand in a page, with what would be taken for markup told by name.
+// Text as a page may hold it: without controls, and with the characters of markup by name.
 std::string escaped(const std::u32string& text) {
   std::string page;
   for (const char32_t code : text) {
@@ -106,8 +106,8 @@ p span { display: inline-block; padding: 0 2px; }
 // The script draws what the page shows in both fonts, and compares widths and pixels: each
 // character of a list apart from the others; text in stretches of a line, so that letters join and
 // marks and kerning apply as they do on the page. Of a stretch that differs it finds the words, or
-// else the neighbours, that do. So that a text's glyphs can be told from its layout, the characters
-// of a text are drawn one by one too.
+// else the pairs of words, that do. The characters of a text are drawn one by one too, which
+// separates lost glyphs from lost layout.
 constexpr char kScript[] = R"js(
 const root = document.documentElement, main = document.querySelector("main");
 const isList = main.className === "list";

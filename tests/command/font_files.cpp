@@ -128,11 +128,12 @@ void writeAll(const fs::path& folder) {
   write("short_os2.ttf", richFont().table("OS/2", Bytes().zeros(76)).build());
   write("maxp_1.1.ttf", richFont().patch16("maxp", 2, 1).build());
   write("maxp_0.5.ttf", richFont().table("maxp", Bytes().u32(0x5000).u16({5})).build());
-  // A family and a style outside ASCII, and a tag that would clear a terminal.
+  // A family and a style outside ASCII, and tags that would clear a terminal.
   write("wide.ttf", richFont()
                         .table("name", nameTable({{1, 0, 0, 2, "\x8Et\x8E\n"},
                                                   {3, 1, 1033, 1, std::string("\4\x16\0A", 4)}}))
                         .also("\x1B[2J", Bytes().u32(7))
+                        .also("\x9B\x32J\x7F", Bytes().u32(7))
                         .build());
   write("outlines.otf", Bytes().text("OTTO").zeros(8));
   write("outlines.otc", Bytes().text("ttcf").u32(0x10000).u32(1).u32(16).text("OTTO").zeros(8));
