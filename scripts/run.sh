@@ -9,7 +9,7 @@ ulm_need "${ULM_BUILD_PACKAGES[@]}"
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 echo "Building (preset release) ..."
-if ! { cmake --preset release && cmake --build --preset release; } >"$log" 2>&1; then
+if ! { cmake --preset release && cmake --build --preset release -j "$ulm_jobs"; } >"$log" 2>&1; then
   cat "$log" >&2
   exit 1
 fi
