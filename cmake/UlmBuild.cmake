@@ -1,5 +1,13 @@
 # The flags that every target of the tree is built with, and the functions that make its targets.
 
+# The order of static initialisers, the exports and the exact arithmetic are stated in the language of
+# these two; with any other compiler the build would pass and the result would not hold.
+if(NOT CMAKE_CXX_COMPILER_ID MATCHES "^(GNU|Clang|AppleClang)$"
+    OR CMAKE_CXX_COMPILER_FRONTEND_VARIANT STREQUAL "MSVC")
+  message(FATAL_ERROR "Ulmira is built with GCC or Clang, not with ${CMAKE_CXX_COMPILER_ID} "
+    "(${CMAKE_CXX_COMPILER}). For Windows use mingw-w64: cmake --preset windows")
+endif()
+
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -13,7 +21,6 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 # Programs and libraries lie side by side, as a host's folder has them.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN")
-find_package(Threads REQUIRED)
 if(WIN32)
   include(${CMAKE_CURRENT_LIST_DIR}/UlmWindows.cmake)
 endif()
@@ -59,6 +66,7 @@ function(ulm_common target)
   if(type STREQUAL "EXECUTABLE")
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   else()
+    target_compile_features(${target} PUBLIC cxx_std_20)  # users of the headers need it as well
     target_include_directories(${target} PUBLIC
       $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ulmira>)

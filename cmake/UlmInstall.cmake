@@ -1,5 +1,5 @@
-# What an installation holds: the facilities with their headers, for find_package(Ulmira), and the
-# command with the module and the stand-in host, which lie together in a folder of their own.
+# What an installation holds: the facilities with their headers, for find_package(Ulmira), and, where
+# they are built, the module with the stand-in host in a folder of their own, and the command.
 
 include(CMakePackageConfigHelpers)
 
@@ -19,12 +19,20 @@ install(FILES
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Ulmira)
 
 set(host_folder ${CMAKE_INSTALL_LIBDIR}/ulmira)
-install(TARGETS ULM_Main QlHostApp qlview qlsupport qlcore qlhostcmd TD_Root_qld TD_Alloc_qld ulmwin32
-  ulmira_host RUNTIME DESTINATION ${host_folder} LIBRARY DESTINATION ${host_folder})
-install(TARGETS ulmira RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-# The language's run-time, shared by all that lies in a folder.
+set(folders)
+if(ULM_MODULE)
+  install(TARGETS ULM_Main QlHostApp qlview qlsupport qlcore qlhostcmd TD_Root_qld TD_Alloc_qld ulmwin32
+    RUNTIME DESTINATION ${host_folder} LIBRARY DESTINATION ${host_folder})
+  list(APPEND folders ${host_folder})
+endif()
+if(ULM_TOOLS)
+  install(TARGETS ulmira_host RUNTIME DESTINATION ${host_folder})
+  install(TARGETS ulmira RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+# The language's run-time, shared by all libraries of a folder.
 if(WIN32)
-  foreach(folder ${host_folder} ${CMAKE_INSTALL_BINDIR})
+  list(APPEND folders ${CMAKE_INSTALL_BINDIR})
+  foreach(folder ${folders})
     install(FILES ${ULM_RUNTIME_LIBRARIES} DESTINATION ${folder})
   endforeach()
 endif()

@@ -17,8 +17,8 @@ quietly() {
 echo "Building (preset release) ..." >&2
 quietly cmake --preset release
 if [ -t 2 ]; then
-  cmake --build --preset release >&2
+  cmake --build --preset release -j "$ulm_jobs" >&2
 else
-  quietly cmake --build --preset release
+  quietly cmake --build --preset release -j "$ulm_jobs"
 fi
 build/release/bin/ulmira host "$@"

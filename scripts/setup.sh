@@ -39,6 +39,22 @@ ulm_need() {
   rm -f "$log"
 }
 
+# ulm_preset_options PRESET sets preset_options to what `cmake --preset PRESET` needs besides on a system
+# that has the tools under names with their version only, as Debian's packages give them.
+ulm_preset_options() {
+  preset_options=()
+  case $1 in
+    clang | fuzz | tidy)
+      command -v clang++ >/dev/null 2>&1 || preset_options+=(-DCMAKE_CXX_COMPILER=clang++-14) ;;
+  esac
+  if [ "$1" = tidy ] && ! command -v clang-tidy >/dev/null 2>&1; then
+    preset_options+=("-DCMAKE_CXX_CLANG_TIDY=clang-tidy-14;--quiet")
+  fi
+}
+
+# How many compilers, or tests, run at once.
+ulm_jobs=$(nproc 2>/dev/null || echo 2)
+
 ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
 ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
   libgmock-dev libbenchmark-dev python3 binutils git

@@ -28,21 +28,21 @@ if [ "$(cat "$packages/versions" 2>/dev/null)" != "$versions" ]; then
   quietly cmake -S /usr/src/googletest -B "$packages/googletest" -G Ninja \
     --toolchain "$PWD/cmake/toolchain-mingw.cmake" -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_INSTALL_PREFIX="$PWD/$packages"
-  quietly cmake --build "$packages/googletest" -j 2
+  quietly cmake --build "$packages/googletest" -j "$ulm_jobs"
   quietly cmake --install "$packages/googletest"
   printf '%s\n' "$versions" >"$packages/versions"
 fi
 
 echo "== windows: building"
 quietly cmake --preset windows
-quietly cmake --build --preset windows
+quietly cmake --build --preset windows -j "$ulm_jobs"
 echo "== gcc: building, to know its tests"
 quietly cmake --preset gcc
-quietly cmake --build --preset gcc
+quietly cmake --build --preset gcc -j "$ulm_jobs"
 
 echo "== windows: testing"
 python3 tests/structure/windows_library.py build/windows/bin/ULM_Main.dll
 trap 'rm -f "$log"; WINEPREFIX=$PWD/build/wine wineserver -k || true' EXIT
 python3 tests/structure/windows_tests.py build/gcc build/windows
 # Rarely Wine fails to start a program, which then has printed nothing: one that failed has another go.
-ctest --preset windows --repeat until-pass:3
+ctest --preset windows -j "$ulm_jobs" --repeat until-pass:3

@@ -19,8 +19,9 @@ for preset in "${presets[@]}"; do
   echo "== $preset: building"
   targets=(all all_verify_interface_header_sets)
   [ "$preset" != fuzz ] || targets=(fuzzers)
-  if ! { cmake --preset "$preset" &&
-         cmake --build --preset "$preset" --target "${targets[@]}"; } >"$log" 2>&1; then
+  ulm_preset_options "$preset"
+  if ! { cmake --preset "$preset" ${preset_options[@]+"${preset_options[@]}"} &&
+         cmake --build --preset "$preset" -j "$ulm_jobs" --target "${targets[@]}"; } >"$log" 2>&1; then
     cat "$log" >&2
     exit 1
   fi
@@ -30,5 +31,5 @@ for preset in "${presets[@]}"; do
   if [ "$preset" = tsan ] && setarch "$(uname -m)" -R true 2>/dev/null; then
     steady=(setarch "$(uname -m)" -R)
   fi
-  ${steady[@]+"${steady[@]}"} ctest --preset "$preset"
+  ${steady[@]+"${steady[@]}"} ctest --preset "$preset" -j "$ulm_jobs"
 done
