@@ -115,6 +115,12 @@ TEST(Memory, ListsStayWhole) {
       EXPECT_EQ(listCount(target) == 3 || listCurrent(target) == target, true);
     }
     listDispose(target);
+    TTList* empty = listCreate();
+    if (empty != nullptr) {
+      listAppendAll(empty, list);
+      EXPECT_EQ(listCurrent(empty), listIsEmpty(empty) != 0 ? nullptr : list);
+    }
+    listDispose(empty);
     std::free(listToArray(list));
   });
   EXPECT_GT(needed, 15);
@@ -124,8 +130,8 @@ TEST(Memory, ListsStayWhole) {
 }  // namespace
 
 void* __wrap_malloc(std::size_t size) {
-  return ulm::test::allocationFails() ? nullptr : __real_malloc(size);
+  return ulm::test::allocationFails(size) ? nullptr : __real_malloc(size);
 }
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return ulm::test::allocationFails() ? nullptr : __real_calloc(count, size);
+  return ulm::test::allocationFails(count * size) ? nullptr : __real_calloc(count, size);
 }
