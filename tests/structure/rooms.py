@@ -64,7 +64,7 @@ def read_rooms(root):
 
 
 def room_of(path, rooms):
-    held = [name for name in rooms if path.startswith(name + "/")]
+    held = [name for name in rooms if (path + "/").startswith(name + "/")]
     return rooms[max(held, key=len)] if held else None
 
 
