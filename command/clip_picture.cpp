@@ -9,7 +9,7 @@
 namespace ulm::tools {
 namespace {
 
-// What lies further out than this, from the middle, is cut off; the visible part ends at 1.6.
+// What is further from the middle than this is cut off; the visible part ends at 1.6.
 constexpr double kFrame = 4;
 constexpr std::uint32_t kFrameMask =
     clip::ClipXMin | clip::ClipXMax | clip::ClipYMin | clip::ClipYMax;

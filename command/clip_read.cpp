@@ -11,8 +11,8 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Whether a number's text stands for less than 1, by the power of ten of its first digit that is
-// not zero.
+// Whether the value of a number's text is below 1 in magnitude, by the power of ten of its first
+// digit that is not zero.
 bool isBelowOne(std::string_view number) {
   if (number.front() == '-') number.remove_prefix(1);
   const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
@@ -20,7 +20,7 @@ bool isBelowOne(std::string_view number) {
   const std::size_t first = digits.find_first_of("123456789");
   if (first == digits.npos) return true;
   const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
-  const auto place = static_cast<std::int64_t>(first);
+  const auto index = static_cast<std::int64_t>(first);
   std::string_view exponent = number.substr(std::min(mark + 1, number.size()));
   const bool negative = !exponent.empty() && exponent.front() == '-';
   if (!exponent.empty() && !isDigit(exponent.front())) exponent.remove_prefix(1);
@@ -29,7 +29,7 @@ bool isBelowOne(std::string_view number) {
   for (const char digit : exponent) {
     if (power < kFarBeyondAnyText) power = 10 * power + (digit - '0');
   }
-  return (place < point ? point - place - 1 : point - place) + (negative ? -power : power) < 0;
+  return (index < point ? point - index - 1 : point - index) + (negative ? -power : power) < 0;
 }
 
 // The value of a number's text, to the nearest Real; nothing where it is too large. A number too

@@ -32,12 +32,12 @@ bool isStream(const fs::file_status& status) {
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
-// The file that the name stands for, whether or not it is there. Streams keep their names: behind
-// some of them there is nothing that has one.
+// The full name of a file, whether or not the file exists. A stream keeps the name it was given:
+// links to a pipe lead to no file name.
 fs::path placeOf(const std::string& file) {
   if (file == "-") return file;
   std::error_code error;
-  const fs::path name = fileNamed(file);
+  fs::path name = fileNamed(file);
   if (isStream(fs::status(name, error))) return name;
   fs::path place = fs::weakly_canonical(fs::absolute(name, error), error);
   if (error) fail(file, error);

@@ -8,8 +8,8 @@
 
 namespace ulm::tools {
 
-// Each file is written under another name in its own folder and takes its place by a rename, so
-// that at no moment does its name stand for half of it. "-" is standard output, and like a pipe or
+// Each file is written under another name in its own folder and gets its own by a rename, so that
+// at no moment does its name lead to half of it. "-" is standard output, and like a pipe or
 // a device it is written at the end, when all files have their names; where that fails the files
 // are taken back. Every failure is a runtime_error with the file and the reason; what was at the
 // names before is then there still, or again, and nothing else is left over.

@@ -1,5 +1,5 @@
 // How every subcommand reads its input, ends its output and prints a message. Outputs that go to
-// files, or to standard output beside files, are written by a FileBatch.
+// files, or to files and standard output together, are written by a FileBatch.
 #pragma once
 
 #include <cstddef>

@@ -129,7 +129,7 @@ class ClipCommand(unittest.TestCase):
             self.assertEqual(ulmira(["--svg", svg], text)[0], 0)
             tree = xml.etree.ElementTree.parse(svg)
         tags = [(e.get("class"), e.get("points")) for e in tree.iter() if e.get("points")]
-        # What lies far outside is cut off there, so that no dashed line is endless.
+        # What is far outside is cut off there, so that no dashed line is endless.
         self.assertEqual(tags, [("before", "0,0 2,0 0,0.5"), ("before", "3,3 2,3 2,2"),
                                 ("before", "0,0 4,0 4,0.999999996 0,1"), ("before", "-4,0.5 0,0.5"),
                                 ("after", "0,0 1,0 1,0.25 0,0.5"),
