@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/text.h"
 #include "tools/support/program.h"
 #include "tools/ulmira/commands.h"
