@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #ifdef ULM_BENCH_OPENSSL
 #define OPENSSL_SUPPRESS_DEPRECATED  // the calls that go round the search for an implementation
 #include <openssl/evp.h>

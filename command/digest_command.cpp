@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/text.h"
 #include "command/commands.h"
 #include "command/support/program.h"

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/number_theory.h"
 #include "bignum/rsa/rsa.h"
 

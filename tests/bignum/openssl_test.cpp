@@ -12,7 +12,7 @@
 #include <string>
 
 #include "bignum/bytes.h"
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/rsa/rsa.h"
 #include "bignum/text.h"
 #include "tests/bignum/digest/sha_model.h"

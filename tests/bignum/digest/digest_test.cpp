@@ -11,7 +11,7 @@
 #include <tuple>
 
 #include "bignum/digest/detail/sha_transform.h"
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/text.h"
 #include "standin/odrx/alloc_control.h"
 #include "tests/bignum/digest/sha_model.h"
