@@ -11,7 +11,7 @@
 #include <cstdint>
 
 #include "bignum/digest.h"
-#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/adapter/alloc.h"
 
 namespace ulm::bignum {
 
