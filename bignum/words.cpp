@@ -6,7 +6,7 @@
 #include <new>
 
 #include "bignum/kernel/kernel.h"
-#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/adapter/alloc.h"
 
 namespace ulm::bignum {
 

@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <typeinfo>
 
-#include "core/iface/iql_unknown.h"
-#include "hostsdk/odrx/alloc.h"
+#include "core/type_record.h"
+#include "hostsdk/adapter/alloc.h"
+#include "hostsdk/adapter/interfaces.h"
 
 // Implements IQLUnknown for an interface T (or for IQLUnknown itself). The count is plain and
 // starts at 1, for the creator: an object belongs to one thread at a time. Objects are made with

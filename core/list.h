@@ -11,10 +11,9 @@
 #include <cstring>
 
 #include "core/cql_unknown_impl.h"
-#include "core/iface/iheap.h"
-#include "core/iface/iql_unknown.h"
-#include "hostsdk/odrx/alloc.h"
-#include "hostsdk/qlcore/services.h"
+#include "hostsdk/adapter/alloc.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/glue/allocation.h"
 
 // The links of a node. The chain is a circle: the tail's next is the head, the head's previous the

@@ -4,9 +4,8 @@
 #include <cstring>
 #include <type_traits>
 
-#include "core/iface/iparam.h"
-#include "hostsdk/qlcore/strings.h"
-#include "hostsdk/qlcore/variant.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/qlcore.h"
 
 namespace ulm::core {
 

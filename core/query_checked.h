@@ -3,7 +3,7 @@
 
 #include <typeinfo>
 
-#include "core/iface/iql_unknown.h"
+#include "hostsdk/adapter/interfaces.h"
 #include "module/glue/exceptions.h"
 
 // Asks `object` for an interface: the pointer with a reference for the caller, or null where it is

@@ -1,7 +1,7 @@
 // The wide string of a string number: each library loads from its own resources.
 #pragma once
 
-#include "hostsdk/qlcore/strings.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/glue/instance.h"
 
 inline CXStringW::CXStringW(UINT number) {

@@ -8,9 +8,8 @@
 // that comes later is found then. No lock: two threads that search at once store the same value.
 #pragma once
 
-#include "core/iface/app.h"
-#include "core/iface/host_object.h"
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/win32.h"
 
 // The application, with one reference for the caller. The first of these decides:
 //   1. `QlHostApp.dll`, when it is in the process and exports `GetApp`;

@@ -1,8 +1,7 @@
 // The product's one module object.
 #pragma once
 
-#include "hostsdk/odrx/rx_object.h"
-#include "hostsdk/odrx/win32_module.h"
+#include "hostsdk/adapter/odrx.h"
 
 // Its start and stop. It has no state: what a start does stands outside it, and nothing here reads
 // whether a start succeeded.

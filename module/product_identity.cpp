@@ -2,11 +2,11 @@
 
 #include <cstring>
 
-#include "core/iface/app.h"
 #include "core/iface_holder.h"
 #include "core/param_value.h"
 #include "core/query_checked.h"
-#include "hostsdk/qlcore/services.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/glue/instance.h"
 #include "module/host_lookup.h"
 #include "module/product.h"

@@ -3,8 +3,8 @@
 #include <cwchar>
 #include <string_view>
 
-#include "hostsdk/qlcore/strings.h"
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/qlcore.h"
+#include "hostsdk/adapter/win32.h"
 #include "module/glue/instance.h"
 
 namespace {

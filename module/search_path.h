@@ -1,7 +1,7 @@
 // The process's search path.
 #pragma once
 
-#include "hostsdk/qlcore/strings.h"
+#include "hostsdk/adapter/qlcore.h"
 
 namespace ulm::module {
 

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <new>
 
-#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/adapter/alloc.h"
 
 namespace ulm::bignum {
 

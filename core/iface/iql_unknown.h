@@ -7,7 +7,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <typeinfo>
 
 class IQLUnknown {
@@ -23,8 +22,3 @@ class IQLUnknown {
  protected:
   ~IQLUnknown() = default;  // objects go away by Release alone
 };
-
-// Whether two type records are those of one interface.
-inline bool Iface_SameRecord(const std::type_info& a, const std::type_info& b) noexcept {
-  return std::strcmp(a.name(), b.name()) == 0;
-}

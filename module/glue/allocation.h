@@ -11,7 +11,7 @@
 #include <new>
 #include <utility>
 
-#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/adapter/alloc.h"
 
 namespace ulm::glue {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <typeinfo>
 
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
 // A code, and the library that raised it: the one that this constructor is linked into. The order
 // of the virtual operations is fixed.

@@ -1,7 +1,7 @@
 // The library's own instance handle.
 #pragma once
 
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
 // The handle of the library that this code is linked into. Before the library's entry has stored
 // it, it is found by the address of this function and stored; null only where the platform knows no

@@ -1,7 +1,7 @@
 // An export of a module as a function of a given type.
 #pragma once
 
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
 namespace ulm::glue {
 

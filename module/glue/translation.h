@@ -3,7 +3,7 @@
 // that was found but lacks the export ends the search. What the core library raises passes on.
 #pragma once
 
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
 // What the library's entry gives for the instance; 0 where there is none.
 int ResTranslation_Init(HINSTANCE instance);

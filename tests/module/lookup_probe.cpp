@@ -5,6 +5,7 @@
 #include <typeinfo>
 
 #include "core/iface/app.h"
+#include "core/type_record.h"
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 #include "module/glue/debug_switches.h"

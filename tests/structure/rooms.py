@@ -26,10 +26,11 @@ AROUND = ("tests", "bench", "fuzz", "examples")
 ALLOWED = {
     "interface": (),
     "declared": ("interface",),
-    "module": ("interface", "declared"),
+    "adapter": ("interface", "declared"),
+    "module": ("adapter",),
     "facility": (),
     "support": (),
-    "stand-in": ("interface", "declared", "module", "support"),
+    "stand-in": ("interface", "declared", "adapter", "module", "support"),
     "command": ("facility", "support"),
 }
 

@@ -6,7 +6,7 @@
 // static initialisers of such a library carry an explicit one (module/glue/load_order.h). So it is
 // built last, at process attach, and, since destruction runs backwards, taken down first, at
 // process detach.
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 

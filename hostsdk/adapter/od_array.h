@@ -1,0 +1,9 @@
+// The array of the library TD_Root_qld, without the rest of it: our declarations, or those of the
+// folder that ULM_HOST_SDK names.
+#pragma once
+
+#ifdef ULM_HOST_SDK
+#include <host_adapter/odrx.h>
+#else
+#include "hostsdk/odrx/od_array.h"
+#endif
