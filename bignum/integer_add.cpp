@@ -25,7 +25,7 @@ bool reachesZero(const QLInteger& value, std::int64_t delta) noexcept {
   const Word* const words = value.words;
   const bool oneWord =
       std::all_of(words + 1, words + value.count, [](Word word) { return word == 0; });
-  return delta < 0 && oneWord && words[0] <= static_cast<std::uint64_t>(-delta);
+  return delta <= 0 && oneWord && words[0] <= static_cast<std::uint64_t>(-delta);
 }
 
 // value += operand, or value -= operand with `subtract`. An operand with the other sign changes sum

@@ -1,6 +1,6 @@
-// A long walk over eight values, made by an independent program, and a short one worked out by
-// hand. After each step every value has the count, capacity, sign and words that were foretold,
-// those that the step does not change as well; and so it is when memory runs out on the way.
+// Runs the steps of a long walk over eight values, which an independent program has computed, and
+// of a short one, which was written by hand. After each step all eight values have the expected
+// count, capacity, sign and words. Each step also runs with each of its allocations failing.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -40,8 +40,8 @@ struct Walk {
   }
 };
 
-// Bytes as BytesToHex tells them: those of ToBytes, and what HexToBytes leaves of 4 times EE,
-// behind what it gives.
+// The bytes of ToBytes as hexadecimal text; and the result of HexToBytes, followed by the 4 bytes
+// of its buffer, which held EE before.
 std::string bytesOf(const QLInteger& value, std::uint32_t size) {
   std::uint8_t bytes[8];
   char hex[17];
@@ -135,8 +135,8 @@ const std::map<std::string, Step> kSteps = {
     ULM_STEP("ToText", w.result = toString(w.reg(0), w.size(1)))};
 #undef ULM_STEP
 
-// Runs the step on copies of the values, each of its allocations failing in turn: only what
-// it changes may then be another value than before.
+// Runs the step on copies of the values with each of its allocations failing in turn. Only values
+// that the step changes may then differ from before.
 void failEachAllocation(Walk& walk, Step step, const bool (&changes)[8]) {
   QLInteger kept[8];
   for (int i = 0; i < 8; ++i) kept[i].Swap(walk.registers[i]);
@@ -162,7 +162,7 @@ void failEachAllocation(Walk& walk, Step step, const bool (&changes)[8]) {
   for (int i = 0; i < 8; ++i) kept[i].Swap(walk.registers[i]);
 }
 
-TEST(Walk, LeavesTheForetoldStates) {
+TEST(Walk, LeavesTheExpectedStates) {
   Walk walk;
   std::string expected[8];
   for (const char* file : {ULM_TEST_DATA "/bignum/walk.txt", ULM_TEST_DATA "/bignum/edges.txt"}) {

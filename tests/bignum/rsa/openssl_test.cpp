@@ -1,74 +1,26 @@
-// SHA-1 and RSA against OpenSSL: its digests, its keys and what it signs.
+// RSA against OpenSSL: its keys, what it signs and what it encrypts.
 #define OPENSSL_SUPPRESS_DEPRECATED  // RSA on a bare block
 #include <gtest/gtest.h>
 #include <openssl/bn.h>
-#include <openssl/evp.h>
 #include <openssl/rsa.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <memory>
-#include <random>
-#include <string>
 
 #include "bignum/bytes.h"
-#include "bignum/digest/digest.h"
 #include "bignum/rsa/rsa.h"
-#include "bignum/text.h"
 #include "tests/bignum/digest/sha_model.h"
 
 namespace ulm::bignum::test {
 namespace {
 
-TEST(OpenSsl, Sha1InAllKindsOfSplits) {
-  std::mt19937 engine(20240917);
-  const auto below = [&](std::uint32_t end) { return static_cast<std::uint32_t>(engine() % end); };
-  QLSHA sha(true);
-  for (std::uint32_t length = 0; length <= 300; ++length) {
-    const Bytes message = messageOf(length);
-    Bytes expected(20), digest(20);
-    EVP_Digest(message.data(), length, expected.data(), nullptr, EVP_sha1(), nullptr);
-    for (std::uint32_t most = 1; most < 140; most += 3) {
-      sha.Restart();
-      for (std::uint32_t at = 0, slice; at < length; at += slice) {
-        slice = std::min(below(most + 1), length - at);
-        sha.Update(message.data() + at, slice);
-      }
-      sha.Final(digest.data());
-      ASSERT_EQ(digest, expected) << length;
-    }
-  }
-}
-
-// Slow, so it runs on request alone: --gtest_also_run_disabled_tests.
-TEST(OpenSsl, DISABLED_Sha1OfMoreThanFourGigabytes) {
-  constexpr std::uint32_t kLength = 0xFFFFFFFF;
-  void* const zeros =
-      mmap(nullptr, kLength, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  ASSERT_NE(zeros, MAP_FAILED);
-  const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> peer(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-  EVP_DigestInit_ex(peer.get(), EVP_sha1(), nullptr);
-  QLSHA sha(true);
-  Bytes expected(20), digest(20);
-  for (const std::uint32_t length : {5u, kLength, 1u << 29}) {
-    EVP_DigestUpdate(peer.get(), zeros, length);
-    sha.Update(static_cast<const std::uint8_t*>(zeros), length);
-  }
-  munmap(zeros, kLength);
-  EXPECT_TRUE(sha.bitCountHigh == 9 && sha.bitCountLow == 32);
-  EVP_DigestFinal_ex(peer.get(), expected.data(), nullptr);
-  sha.Final(digest.data());
-  EXPECT_EQ(digest, expected);
-}
-
 using Key = std::unique_ptr<RSA, void (*)(RSA*)>;
 using PeerOperation = int (*)(int, const unsigned char*, unsigned char*, RSA*, int);
 
 QLInteger valueOf(const BIGNUM* number) {
-  char* hex = BN_bn2hex(number);
-  const QLInteger value = parseInteger((std::string(hex) + 'h').c_str());
-  OPENSSL_free(hex);
-  return value;
+  Bytes bytes(static_cast<std::size_t>(BN_num_bytes(number)));
+  BN_bn2bin(number, bytes.data());
+  return fromBytesHighFirst(bytes);
 }
 
 // `size` bytes of a value, low byte first; OpenSSL's blocks have the high byte first.
@@ -87,7 +39,7 @@ Bytes byPeer(PeerOperation operation, const Key& key, Bytes block) {
   return result;
 }
 
-// Blocks come back without their trailing zero bytes, and nothing behind is written.
+// A result has no zero bytes at its end, and the output after it does not change.
 void expectDecrypts(const QLRSADecryptor& decryptor, const Bytes& sealed, Bytes expected) {
   Bytes output(sealed.size(), 0xEE);
   const std::uint32_t bits = decryptor.Decrypt(output.data(), sealed.data());
