@@ -77,7 +77,7 @@ TEST(Integer, ConstantsComeBeforeOtherInitialisers) {
 // They are destroyed in the reverse of the order in which they were built.
 TEST(IntegerDeathTest, ConstantsGoBackInReverseOrder) {
   const auto leave = [] {
-    odrxAllocWatchFreed([](const void* block, std::uint64_t) {
+    odrxAllocWatchFreed([](void* block, std::uint64_t) {
       std::fprintf(stderr, "%u ", *static_cast<const Word*>(block));
     });
     std::exit(0);

@@ -109,7 +109,7 @@ TEST(Rsa, DestructionThroughAnyBase) {
   static std::uint64_t wiped = 0, other = 0;
   const QLInteger modulus = PowerOfTwo(2047), exponent(17);
   const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
-  odrxAllocWatchFreed([](const void* block, std::uint64_t bytes) {
+  odrxAllocWatchFreed([](void* block, std::uint64_t bytes) {
     const auto* const first = static_cast<const std::uint8_t*>(block);
     ++(std::all_of(first, first + bytes, [](std::uint8_t byte) { return byte == 0; }) ? wiped
                                                                                       : other);
