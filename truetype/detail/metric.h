@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "truetype/detail/byte_view.h"
+#include "truetype/format/hmtx.h"
 
 namespace ulm::truetype::detail {
 
@@ -13,28 +14,38 @@ struct Metric {
   std::int16_t sideBearing;
 };
 
-// The rule of both tables; `longCount` is above 0.
+// With n = longCount entries, at least one, glyph g has entry g, if that is below n. Otherwise it
+// has the advance of the last entry, and its own side bearing from those after the entries, or, if
+// g is not below glyphCount, the last entry's. What is outside the table is 0.
 inline Metric metricByRule(ByteView table, std::size_t longCount, std::size_t glyphCount,
                            std::size_t glyph) noexcept {
-  const std::size_t entry = 4 * (glyph < longCount ? glyph : longCount - 1);
+  using format::LongMetric, format::LongMetrics;
+  const std::size_t entry = LongMetrics::kEntries.at(glyph < longCount ? glyph : longCount - 1);
   const std::size_t bearing = glyph < longCount || glyph >= glyphCount
-                                  ? entry + 2
-                                  : 4 * longCount + 2 * (glyph - longCount);
-  return {table.readOrZero<std::uint16_t>(entry), table.readOrZero<std::int16_t>(bearing)};
+                                  ? entry + LongMetric::kSideBearing.kOffset
+                                  : LongMetrics{longCount}.bearing(glyph);
+  return {table.readOrZero<std::uint16_t>(entry + LongMetric::kAdvance.kOffset),
+          table.readOrZero<std::int16_t>(bearing)};
 }
 
-// The same by one test where the table is whole: a long entry is one read, and where a side bearing
-// behind the entries is there the last of them is.
+// The same with one test where the table is whole: a long entry is one read, and where a side
+// bearing after the entries is there, so is the last entry.
 inline Metric metricOf(ByteView table, std::size_t longCount, std::size_t glyphCount,
                        std::size_t glyph) noexcept {
+  using format::LongMetric, format::LongMetrics;
   if (glyph < longCount) {
-    if (table.holds(4 * glyph, 4)) {
-      const auto both = table.readHeld<std::uint32_t>(4 * glyph);
+    const std::size_t entry = LongMetrics::kEntries.at(glyph);
+    if (table.holds(entry, LongMetric::kSize)) {
+      const auto both = table.readHeld<std::uint32_t>(entry + LongMetric::kBoth.kOffset);
       return {static_cast<std::uint16_t>(both >> 16), static_cast<std::int16_t>(both)};
     }
-  } else if (glyph < glyphCount && table.holds(2 * (longCount + glyph), 2)) {
-    return {table.readHeld<std::uint16_t>(4 * longCount - 4),
-            table.readHeld<std::int16_t>(2 * (longCount + glyph))};
+  } else if (glyph < glyphCount) {
+    const std::size_t bearing = LongMetrics{longCount}.bearing(glyph);
+    if (table.holds(bearing, format::kElementSize<std::int16_t>)) {
+      const std::size_t last = LongMetrics::kEntries.at(longCount - 1);
+      return {table.readHeld<std::uint16_t>(last + LongMetric::kAdvance.kOffset),
+              table.readHeld<std::int16_t>(bearing)};
+    }
   }
   return metricByRule(table, longCount, glyphCount, glyph);
 }

@@ -22,7 +22,7 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
   return _mm256_shuffle_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes)), order);
 }
 
-// All three give how many numbers they have dealt with, whole vectors of them.
+// All three return how many numbers they have dealt with, a multiple of the vector's.
 [[gnu::target("avx2")]] std::size_t shuffle32(const std::uint8_t* bytes, std::size_t count,
                                               std::uint32_t* out) noexcept {
   std::size_t done = 0;
@@ -72,22 +72,30 @@ bool canShuffle() noexcept { return false; }
 
 }  // namespace
 
-void storeRun32(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept {
-  for (std::size_t i = canShuffle() ? shuffle32(bytes, count, out) : 0; i < count; ++i) {
-    out[i] = readUInt32(bytes, 4 * i);
+bool storeRun32(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept {
+  if (count > bytes.size() / 4) return false;
+  const std::uint8_t* start = bytes.start();
+  for (std::size_t i = canShuffle() ? shuffle32(start, count, out) : 0; i < count; ++i) {
+    out[i] = readUInt32(start, 4 * i);
   }
+  return true;
 }
 
-void storeDoubledRun16(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept {
-  for (std::size_t i = canShuffle() ? shuffle16(bytes, count, out) : 0; i < count; ++i) {
-    out[i] = 2u * readUInt16(bytes, 2 * i);
+bool storeDoubledRun16(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept {
+  if (count > bytes.size() / 2) return false;
+  const std::uint8_t* start = bytes.start();
+  for (std::size_t i = canShuffle() ? shuffle16(start, count, out) : 0; i < count; ++i) {
+    out[i] = 2u * readUInt16(start, 2 * i);
   }
+  return true;
 }
 
-std::uint32_t sumRun32(const std::uint8_t* bytes, std::size_t count) noexcept {
+std::uint32_t sumRun32(format::ByteView bytes) noexcept {
+  const std::uint8_t* start = bytes.start();
+  const std::size_t count = bytes.size() / 4;
   std::uint32_t sum = 0;
-  for (std::size_t i = canShuffle() ? addUp32(bytes, count, &sum) : 0; i < count; ++i) {
-    sum += readUInt32(bytes, 4 * i);
+  for (std::size_t i = canShuffle() ? addUp32(start, count, &sum) : 0; i < count; ++i) {
+    sum += readUInt32(start, 4 * i);
   }
   return sum;
 }

@@ -1,0 +1,23 @@
+// The maxp table: counts of the font and of its largest glyphs.
+#pragma once
+
+#include <cstdint>
+
+#include "truetype/format/field.h"
+
+namespace ulm::truetype::format {
+
+struct Maxp {
+  static constexpr std::uint32_t kTag = tag("maxp");
+  static constexpr std::uint32_t kVersion1 = 0x00010000;
+
+  static constexpr std::size_t kSize = 32;  // of version 1.0
+  static constexpr Field<Maxp, std::uint32_t, 0> kVersion{};
+  static constexpr Field<Maxp, std::uint16_t, 4> kGlyphCount{};  // numGlyphs
+  static constexpr Field<Maxp, std::uint16_t, 6> kMaxPoints{};
+  static constexpr Field<Maxp, std::uint16_t, 8> kMaxContours{};
+  static constexpr Field<Maxp, std::uint16_t, 10> kMaxCompositePoints{};
+  static constexpr Field<Maxp, std::uint16_t, 12> kMaxCompositeContours{};
+};
+
+}  // namespace ulm::truetype::format
