@@ -2,18 +2,20 @@
 #include <bit>
 #include <cstring>
 
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/cmap.h"
+#include "truetype/format/directory.h"
 #include "truetype/writer/detail/payloads.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::CBuffer;
-using detail::put16;
-using detail::put32;
+using format::Cmap, format::Cmap4, format::Cmap4Arrays, format::EncodingRecord;
 
 constexpr std::uint32_t kSubtableSteps = 10;
 constexpr std::uint32_t kMappingSteps = 500;
-constexpr std::uint16_t kLastCode = 0xFFFF;  // format 4 ends with a segment of this code
+constexpr std::uint16_t kLastCode = Cmap4::kLastCode;
 
 // A larger copy in place of an array, the new entries unset. False without memory.
 template <class T>
@@ -79,57 +81,96 @@ std::uint16_t glyphAt(const CmapSubtable& subtable, std::uint32_t i) noexcept {
   return static_cast<std::uint16_t>(subtable.glyphIds[i]);
 }
 
-// Where the arrays of a subtable of format 4 lie.
+// How many segments and listed glyphs a subtable of format 4 has.
 struct Format4 {
-  static constexpr std::uint32_t kHeader = 14;
   std::uint32_t segments;  // the closing one included
   std::uint32_t glyphs;    // of glyphIdArray
 
-  std::uint32_t endCodes() const noexcept { return kHeader; }
-  std::uint32_t startCodes() const noexcept { return endCodes() + 2 * segments + 2; }
-  std::uint32_t deltas() const noexcept { return startCodes() + 2 * segments; }
-  std::uint32_t rangeOffsets() const noexcept { return deltas() + 2 * segments; }
-  std::uint32_t glyphIds() const noexcept { return rangeOffsets() + 2 * segments; }
-  std::uint32_t length() const noexcept { return glyphIds() + 2 * glyphs; }
+  Cmap4Arrays arrays() const noexcept { return {segments}; }
   bool fits() const noexcept {
-    return 16 + std::uint64_t{8} * segments + std::uint64_t{2} * glyphs <= 0xFFFF;
+    return segments <= UINT16_MAX && glyphs <= UINT16_MAX && arrays().glyph(glyphs) <= UINT16_MAX;
   }
-
-  void writeHeader(std::uint8_t* out) const noexcept {
-    std::uint32_t power = 1, log = 0;
-    for (; power * 2 <= segments; power *= 2) ++log;
-    put16(out, 0, 4);
-    put16(out, 2, length());
-    put16(out, 4, 0);  // language
-    put16(out, 6, 2 * segments);
-    put16(out, 8, 2 * power);
-    put16(out, 10, log);
-    put16(out, 12, 2 * (segments - power));
-    put16(out, startCodes() - 2, 0);  // reservedPad
-  }
-  void writeSegment(std::uint8_t* out, std::uint32_t segment, std::uint16_t start,
-                    std::uint16_t end, std::uint32_t delta,
-                    std::uint32_t rangeOffset) const noexcept {
-    put16(out, endCodes() + 2 * segment, end);
-    put16(out, startCodes() + 2 * segment, start);
-    put16(out, deltas() + 2 * segment, delta);
-    put16(out, rangeOffsets() + 2 * segment, rangeOffset);
+  // The bytes of the subtable, which fits.
+  std::uint16_t length() const noexcept {
+    return static_cast<std::uint16_t>(arrays().glyph(glyphs));
   }
 };
+
+// Writes one subtable of format 4.
+class Format4Writer {
+ public:
+  Format4Writer(const Format4& form, format::ByteSink out) noexcept
+      : arrays_(form.arrays()),
+        endCodes_(numbers(out, arrays_.endCode(0), form.segments)),
+        startCodes_(numbers(out, arrays_.startCode(0), form.segments)),
+        deltas_(numbers(out, arrays_.delta(0), form.segments)),
+        rangeOffsets_(numbers(out, arrays_.rangeOffset(0), form.segments)),
+        glyphs_(numbers(out, arrays_.glyph(0), form.glyphs)) {
+    const format::RecordSink<Cmap4> header(out);
+    const auto search = format::SearchFields::of(form.segments, Cmap4Arrays::kNumber);
+    header.put(Cmap4::kFormat, Cmap4::kFormatNumber);
+    header.put(Cmap4::kLength, form.length());
+    header.put(Cmap4::kLanguage, 0);
+    header.put(Cmap4::kSegmentBytes,
+               static_cast<std::uint16_t>(Cmap4Arrays::kNumber * form.segments));
+    header.put(Cmap4::kSearchRange, search.searchRange);
+    header.put(Cmap4::kEntrySelector, search.entrySelector);
+    header.put(Cmap4::kRangeShift, search.rangeShift);
+    out.put<std::uint16_t>(arrays_.pad(), 0);
+  }
+
+  // A segment whose glyphs are its codes plus `delta`.
+  void putSegment(std::uint32_t segment, std::uint16_t start, std::uint16_t end,
+                  std::uint16_t delta) const noexcept {
+    putSegment(segment, start, end, delta, 0);
+  }
+  // A segment whose glyphs are listed from `firstListed` on.
+  void putListedSegment(std::uint32_t segment, std::uint16_t start, std::uint16_t end,
+                        std::uint32_t firstListed) const noexcept {
+    putSegment(segment, start, end, 0, arrays_.glyph(firstListed) - arrays_.rangeOffset(segment));
+  }
+  void putGlyph(std::uint32_t index, std::uint16_t glyph) const noexcept {
+    glyphs_.put(index, glyph);
+  }
+  // The segment that format 4 ends with.
+  void closeWith(std::uint32_t segment) const noexcept {
+    putSegment(segment, kLastCode, kLastCode, 1);
+  }
+
+ private:
+  using Numbers = format::ArraySink<std::uint16_t>;
+  static Numbers numbers(format::ByteSink out, std::size_t offset, std::size_t count) noexcept {
+    return out.array<std::uint16_t>(offset, count);
+  }
+  void putSegment(std::uint32_t segment, std::uint16_t start, std::uint16_t end,
+                  std::uint16_t delta, std::size_t rangeOffset) const noexcept {
+    endCodes_.put(segment, end);
+    startCodes_.put(segment, start);
+    deltas_.put(segment, delta);
+    rangeOffsets_.put(segment, static_cast<std::uint16_t>(rangeOffset));
+  }
+
+  Cmap4Arrays arrays_;
+  Numbers endCodes_, startCodes_, deltas_, rangeOffsets_, glyphs_;
+};
+
+std::uint16_t difference(std::uint16_t a, std::uint16_t b) noexcept {
+  return static_cast<std::uint16_t>(a - b);  // modulo 65536
+}
 
 // One segment a mapping, whatever their order. The glyph stands in idDelta, and in glyphIdArray
 // though nothing refers to it there.
 Format4 plainForm(const CmapSubtable& subtable) noexcept {
   return {subtable.count + 1, subtable.count};
 }
-void writePlain(const CmapSubtable& subtable, const Format4& form, std::uint8_t* out) noexcept {
+void writePlain(const CmapSubtable& subtable, const Format4Writer& out) noexcept {
   for (std::uint32_t i = 0; i < subtable.count; ++i) {
     const std::uint16_t code = codeAt(subtable, i);
     const std::uint16_t glyph = glyphAt(subtable, i);
-    form.writeSegment(out, i, code, code, std::uint32_t{glyph} - code, 0);
-    put16(out, form.glyphIds() + 2 * i, glyph);
+    out.putSegment(i, code, code, difference(glyph, code));
+    out.putGlyph(i, glyph);
   }
-  form.writeSegment(out, subtable.count, kLastCode, kLastCode, 1, 0);
+  out.closeWith(subtable.count);
 }
 
 // A stretch of neighbouring codes whose glyphs rise by one too: the smallest thing that segments
@@ -173,11 +214,12 @@ Reading readStretches(const CmapSubtable& subtable, Stretches& out) noexcept {
   return Reading::done;
 }
 
-// Chooses for each stretch a segment of its own with idDelta, 8 bytes, or a share of one whose
-// glyphs are listed, 8 bytes for the segment and 2 for each code, so that the sum is the least.
-// `listedBefore` has room for a flag a stretch.
+// Chooses for each stretch a segment of its own with idDelta, or a share of one whose glyphs are
+// listed, which adds the bytes of a glyph for each code, so that the sum is the least.
+// `listedBefore` takes a flag for each stretch.
 Format4 chooseForms(Stretches& stretches, bool* listedBefore) noexcept {
-  constexpr std::uint32_t kSegment = 8;
+  constexpr std::uint32_t kSegment = Cmap4Arrays::kSegmentSize;
+  constexpr std::uint32_t kGlyph = Cmap4Arrays::kNumber;
   // The least bytes up to the present stretch where that is listed, and where it isn't.
   std::uint32_t listed = 0, alone = 0;
   for (std::uint32_t i = 0; i < stretches.count; ++i) {
@@ -185,10 +227,11 @@ Format4 chooseForms(Stretches& stretches, bool* listedBefore) noexcept {
     const std::uint32_t least = listed < alone ? listed : alone;
     const bool goesOn = i > 0 && stretch.joined && listed < least + kSegment;
     const std::uint32_t before = goesOn ? listed : least + kSegment;
-    // With a stretch listed, whether the way to it goes on with a listed one or opens a segment.
+    // If this stretch is listed: true when the cheapest solution extends the listed segment of the
+    // stretch before it, false when it opens one.
     listedBefore[i] = goesOn;
     alone = least + kSegment;
-    listed = before + 2 * stretch.count();
+    listed = before + kGlyph * stretch.count();
     stretches.items[i].listed = listed < alone;
   }
   // Backwards: `listed` says so far which of the two is less at each stretch.
@@ -207,29 +250,27 @@ Format4 chooseForms(Stretches& stretches, bool* listedBefore) noexcept {
   return form;
 }
 
-void writeMerged(const Stretches& stretches, const Format4& form, std::uint8_t* out) noexcept {
+void writeMerged(const Stretches& stretches, const Format4& form,
+                 const Format4Writer& out) noexcept {
   std::uint32_t segment = 0, listed = 0;
   for (std::uint32_t i = 0; i < stretches.count; ++segment) {
     const Stretch& first = stretches.items[i];
-    const std::uint32_t listedFirst = listed;
+    const std::uint32_t firstListed = listed;
     std::uint16_t end;
     do {
       const Stretch& stretch = stretches.items[i++];
       end = stretch.end;
       for (std::uint32_t k = 0; stretch.listed && k < stretch.count(); ++k) {
-        put16(out, form.glyphIds() + 2 * listed++, stretch.firstGlyph + k);
+        out.putGlyph(listed++, static_cast<std::uint16_t>(stretch.firstGlyph + k));
       }
     } while (i < stretches.count && !stretches.items[i].opens);
     if (first.listed) {
-      // Counted from the place of the segment's own idRangeOffset.
-      form.writeSegment(out, segment, first.start, end, 0,
-                        2 * (form.segments - segment) + 2 * listedFirst);
+      out.putListedSegment(segment, first.start, end, firstListed);
     } else {
-      form.writeSegment(out, segment, first.start, end,
-                        std::uint32_t{first.firstGlyph} - first.start, 0);
+      out.putSegment(segment, first.start, end, difference(first.firstGlyph, first.start));
     }
   }
-  if (segment < form.segments) form.writeSegment(out, segment, kLastCode, kLastCode, 1, 0);
+  if (segment < form.segments) out.closeWith(segment);
 }
 
 // How one subtable is written; `stretches` stays empty in the plain form.
@@ -276,12 +317,12 @@ void addCharMappings(WriterTable* cmapTable, const std::uint16_t* charCodes,
   subtable->count += static_cast<std::uint32_t>(count);
 }
 
-// A form is chosen for the length and again for the bytes, so that no list of forms is kept; but
-// the last one is, and so the only one.
+// Forms are chosen twice, to size the image and to write it, so that none is stored. The last
+// choice is kept, so a single subtable is analysed once.
 WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
   const auto& cmap = *static_cast<const CmapTableData*>(table->data);
   if (cmap.incomplete) return WriterResultNoMemory;
-  std::uint64_t length = 4 + std::uint64_t{8} * cmap.subtableCount;
+  std::uint64_t length = Cmap::kRecords.at(cmap.subtableCount);
   Format4 form{};
   Stretches stretches;
   for (std::uint32_t i = 0; i < cmap.subtableCount; ++i) {
@@ -289,28 +330,33 @@ WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
     if (result != WriterResultOk) return result;
     length += form.length();
   }
-  if (cmap.subtableCount > 0xFFFF || padded(length) > UINT32_MAX) return WriterResultCmapTooLarge;
-  std::uint8_t* image = makeImage(table, static_cast<std::uint32_t>(length));
-  if (image == nullptr) return WriterResultNoMemory;
-  put16(image, 0, 0);
-  put16(image, 2, cmap.subtableCount);
-  std::uint32_t place = 4 + 8 * cmap.subtableCount;
-  for (std::uint32_t i = 0; i < cmap.subtableCount; ++i) {
-    const WriterResult result =
-        cmap.subtableCount == 1 ? WriterResultOk : chooseForm(cmap.subtables[i], form, stretches);
-    if (result != WriterResultOk) return result;
-    put32(image, 4 + 8 * i, 0x00030001);  // Windows, Unicode
-    put32(image, 8 + 8 * i, place);
-    form.writeHeader(image + place);
-    if (stretches.items == nullptr) {
-      writePlain(cmap.subtables[i], form, image + place);
-    } else {
-      writeMerged(stretches, form, image + place);
-    }
-    place += form.length();
+  if (cmap.subtableCount > UINT16_MAX || padded(length) > UINT32_MAX) {
+    return WriterResultCmapTooLarge;
   }
-  *out = {image, static_cast<std::uint32_t>(length), kTagCmap};
-  return WriterResultOk;
+  NewImage image(table, static_cast<std::uint32_t>(length));
+  if (!image.hasMemory()) return WriterResultNoMemory;
+  const format::RecordSink<Cmap> header(image.bytes());
+  header.put(Cmap::kVersion, 0);
+  header.put(Cmap::kCount, static_cast<std::uint16_t>(cmap.subtableCount));
+  auto offset = static_cast<std::uint32_t>(Cmap::kRecords.at(cmap.subtableCount));
+  for (std::uint32_t i = 0; i < cmap.subtableCount; ++i) {
+    const CmapSubtable& subtable = cmap.subtables[i];
+    const WriterResult result =
+        cmap.subtableCount == 1 ? WriterResultOk : chooseForm(subtable, form, stretches);
+    if (result != WriterResultOk) return result;
+    const auto record = header.at(Cmap::kRecords, i);
+    record.put(EncodingRecord::kPlatformID, Cmap::kWindowsPlatform);
+    record.put(EncodingRecord::kEncodingID, Cmap::kWindowsUnicode);
+    record.put(EncodingRecord::kOffset, offset);
+    const Format4Writer subtableOut(form, image.bytes().sub(offset, form.length()));
+    if (stretches.items == nullptr) {
+      writePlain(subtable, subtableOut);
+    } else {
+      writeMerged(stretches, form, subtableOut);
+    }
+    offset += form.length();
+  }
+  return image.finish(kTagCmap, out);
 }
 
 }  // namespace detail

@@ -177,11 +177,12 @@ std::uint64_t glyfLength(const TTList& glyphs) noexcept {
   return length;
 }
 
-void writeGlyphs(const TTList& glyphs, std::uint8_t* out) noexcept {
+void writeGlyphs(const TTList& glyphs, format::ByteSink out) noexcept {
+  std::size_t offset = 0;
   for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
     const auto* glyph = static_cast<const GlyphData*>(node->item);
-    if (glyph->byteCount != 0) std::memcpy(out, glyph->data, glyph->byteCount);
-    out += glyph->byteCount;
+    out.copy(offset, {glyph->data, glyph->byteCount});
+    offset += glyph->byteCount;
   }
 }
 
@@ -190,11 +191,10 @@ WriterResult makeGlyfImage(WriterTable* table, TableImage* out) noexcept {
   if (glyphs.first == nullptr) return WriterResultEmptyTable;
   const std::uint64_t length = glyfLength(glyphs);
   if (padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
-  std::uint8_t* image = makeImage(table, static_cast<std::uint32_t>(length));
-  if (image == nullptr) return WriterResultNoMemory;
-  writeGlyphs(glyphs, image);
-  *out = {image, static_cast<std::uint32_t>(length), kTagGlyf};
-  return WriterResultOk;
+  NewImage image(table, static_cast<std::uint32_t>(length));
+  if (!image.hasMemory()) return WriterResultNoMemory;
+  writeGlyphs(glyphs, image.bytes());
+  return image.finish(kTagGlyf, out);
 }
 
 }  // namespace detail

@@ -1,14 +1,22 @@
 #include "truetype/writer/detail/glyph_tables.h"
 
-#include <cstring>
+#include <cassert>
 #include <utility>
 
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/glyf.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/hmtx.h"
+#include "truetype/format/maxp.h"
 #include "truetype/writer/detail/payloads.h"
 
 namespace ulm::truetype::detail {
 namespace {
 
-constexpr std::uint32_t kTagHmtx = 0x686D7478;
+using format::FixedSink, format::LongMetric, format::LongMetrics, format::Loca;
+using format::Head, format::Hhea, format::Maxp;
+
 constexpr std::uint32_t kMostGlyphs = 0xFFFF;
 
 void raise(std::uint16_t& most, std::uint16_t value) noexcept {
@@ -25,7 +33,8 @@ struct Totals {
   std::uint16_t allLengths = 0;  // or-ed together
 
   // `offsets` gets where each glyph begins and the last one ends, `metrics` a long entry of each.
-  void read(const TTList& glyphs, std::uint32_t* offsets, std::uint8_t* metrics) noexcept {
+  void read(const TTList& glyphs, std::uint32_t* offsets,
+            format::ArraySink<std::uint32_t> metrics) noexcept {
     std::uint32_t place = 0;
     std::uint16_t advance = 0;
     for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next, ++place) {
@@ -33,9 +42,7 @@ struct Totals {
       offsets[place] = bytes;
       bytes += glyph.byteCount;
       allLengths |= glyph.byteCount;
-      put32(metrics, std::size_t{4} * place,
-            std::uint32_t{glyph.advanceWidth} << 16 |
-                static_cast<std::uint16_t>(glyph.leftSideBearing));
+      metrics.put(place, LongMetric::both(glyph.advanceWidth, glyph.leftSideBearing));
       if (glyph.advanceWidth != advance) longMetrics = place + 1;
       advance = glyph.advanceWidth;
       raise(glyph.isComposite == 0 ? points : compositePoints, glyph.pointCount);
@@ -51,37 +58,54 @@ WriterResult addLoca(TrueTypeWriter* writer, const std::uint32_t* offsets, std::
                      bool isLong) noexcept {
   WriterTable* table = createLocaTable();
   if (table == nullptr) return WriterResultNoMemory;
-  auto& loca = *static_cast<LocaTableData*>(table->data);
-  const std::uint32_t length = count * (isLong ? 4 : 2);
-  loca.bytes = makeZeroedBuffer<std::uint8_t>(static_cast<std::size_t>(padded(length))).release();
-  if (loca.bytes == nullptr) {
+  auto& payload = *static_cast<LocaTableData*>(table->data);
+  const std::size_t length = Loca::size(count, isLong);
+  const auto room = static_cast<std::size_t>(padded(length));
+  payload.bytes = makeZeroedBuffer<std::uint8_t>(room).release();
+  if (payload.bytes == nullptr) {
     disposeWriterTable(table);
     return WriterResultNoMemory;
   }
-  loca.length = length;
+  payload.length = static_cast<std::uint32_t>(length);
+  bool overflowed = false;
+  const format::ByteSink bytes(payload.bytes, length, &overflowed);
   if (isLong) {
-    for (std::size_t i = 0; i < count; ++i) put32(loca.bytes, 4 * i, offsets[i]);
+    const auto loca = bytes.array(Loca::kLongOffsets, count);
+    for (std::size_t i = 0; i < count; ++i) loca.put(i, offsets[i]);
   } else {
-    for (std::size_t i = 0; i < count; ++i) put16(loca.bytes, 2 * i, offsets[i] / 2);
+    const auto loca = bytes.array(Loca::kShortOffsets, count);
+    for (std::size_t i = 0; i < count; ++i) {
+      loca.put(i, static_cast<std::uint16_t>(offsets[i] / 2));
+    }
   }
+  assert(!overflowed);
   return static_cast<WriterResult>(addWriterTable(writer, table));
 }
 
-// Of the metrics behind the long ones the bearings are left.
+// Of the metrics after the long ones the bearings are left. `metrics` has a long entry for each of
+// `count` glyphs.
 WriterResult addHmtx(TrueTypeWriter* writer, CBuffer<std::uint8_t> metrics, std::uint32_t count,
                      std::uint32_t longMetrics) noexcept {
-  std::size_t length = std::size_t{4} * longMetrics;
-  for (std::size_t i = longMetrics; i < count; ++i, length += 2) {
-    std::memmove(metrics.get() + length, metrics.get() + 4 * i + 2, 2);
+  const LongMetrics layout{longMetrics};
+  bool overflowed = false;
+  const format::ByteSink bytes(metrics.get(), LongMetrics::kEntries.bytes(count), &overflowed);
+  const RecordView<LongMetrics> stored(bytes.view());
+  for (std::size_t i = longMetrics; i < count; ++i) {
+    const std::int16_t bearing =
+        stored.held(LongMetrics::kEntries, i).get(LongMetric::kSideBearing);
+    bytes.put<std::int16_t>(layout.bearing(i), bearing);
   }
-  WriterTable* table =
-      adoptRawTable(kTagHmtx, static_cast<std::uint32_t>(length), std::move(metrics));
+  assert(!overflowed);
+  WriterTable* table = adoptRawTable(
+      LongMetrics::kHmtxTag, static_cast<std::uint32_t>(layout.size(count)), std::move(metrics));
   if (table == nullptr) return WriterResultNoMemory;
   return static_cast<WriterResult>(addWriterTable(writer, table));
 }
 
-std::uint8_t* bytesOf(WriterTable* table) noexcept {
-  return static_cast<std::uint8_t*>(table->data);
+// The bytes of a head, maxp or hhea object.
+template <class Table>
+FixedSink<Table> fieldsOf(WriterTable* table) noexcept {
+  return FixedSink<Table>::vouched(static_cast<std::uint8_t*>(table->data));
 }
 
 }  // namespace
@@ -99,14 +123,17 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer, std::uint32_t* outBytes)
   if (glyphs.count == 0) return WriterResultEmptyTable;
   if (glyphs.count > kMostGlyphs) return WriterResultTooManyGlyphs;
   removeWriterTable(writer, kTagLoca);
-  removeWriterTable(writer, kTagHmtx);
+  removeWriterTable(writer, LongMetrics::kHmtxTag);
 
   const std::size_t count = glyphs.count;
   const CBuffer<std::uint32_t> offsets = makeBuffer<std::uint32_t>(count + 1);
-  CBuffer<std::uint8_t> metrics = makeBuffer<std::uint8_t>(4 * count);
+  const std::size_t metricsSize = LongMetrics::kEntries.bytes(count);
+  CBuffer<std::uint8_t> metrics = makeBuffer<std::uint8_t>(metricsSize);
   if (offsets == nullptr || metrics == nullptr) return WriterResultNoMemory;
   Totals totals;
-  totals.read(glyphs, offsets.get(), metrics.get());
+  bool overflowed = false;
+  const format::ByteSink metricsOut(metrics.get(), metricsSize, &overflowed);
+  totals.read(glyphs, offsets.get(), metricsOut.array(LongMetrics::kNumbers, count));
   if (totals.allLengths % 2 != 0) return WriterResultBadTable;
   *outBytes = totals.bytes;
   GlyphExtent extent = payload.extent;
@@ -123,18 +150,19 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer, std::uint32_t* outBytes)
   const WriterResult loca = addLoca(writer, offsets.get(), glyphs.count + 1, isLong);
   if (loca != WriterResultOk) return loca;
 
-  put16(bytesOf(head), 36, static_cast<std::uint16_t>(extent.xMin));
-  put16(bytesOf(head), 38, static_cast<std::uint16_t>(extent.yMin));
-  put16(bytesOf(head), 40, static_cast<std::uint16_t>(extent.xMax));
-  put16(bytesOf(head), 42, static_cast<std::uint16_t>(extent.yMax));
-  put16(bytesOf(head), 50, isLong ? 1 : 0);
-  put16(bytesOf(maxp), 4, glyphs.count);
-  put16(bytesOf(maxp), 6, totals.points);
-  put16(bytesOf(maxp), 8, totals.contours);
-  put16(bytesOf(maxp), 10, totals.compositePoints);
-  put16(bytesOf(maxp), 12, totals.compositeContours);
-
-  put16(bytesOf(hhea), 34, totals.longMetrics);
+  const auto box = fieldsOf<Head>(head);
+  box.put(Head::kXMin, extent.xMin);
+  box.put(Head::kYMin, extent.yMin);
+  box.put(Head::kXMax, extent.xMax);
+  box.put(Head::kYMax, extent.yMax);
+  box.put(Head::kIndexToLocFormat, isLong ? Loca::kLongFormat : Loca::kShortFormat);
+  const auto counts = fieldsOf<Maxp>(maxp);
+  counts.put(Maxp::kGlyphCount, static_cast<std::uint16_t>(glyphs.count));
+  counts.put(Maxp::kMaxPoints, totals.points);
+  counts.put(Maxp::kMaxContours, totals.contours);
+  counts.put(Maxp::kMaxCompositePoints, totals.compositePoints);
+  counts.put(Maxp::kMaxCompositeContours, totals.compositeContours);
+  fieldsOf<Hhea>(hhea).put(Hhea::kLongMetricCount, static_cast<std::uint16_t>(totals.longMetrics));
   return addHmtx(writer, std::move(metrics), glyphs.count, totals.longMetrics);
 }
 

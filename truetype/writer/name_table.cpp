@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/name.h"
 #include "truetype/writer/detail/payloads.h"
 
 namespace ulm::truetype {
@@ -9,21 +11,52 @@ namespace {
 
 using detail::CBuffer;
 using detail::NamePayload;
-using detail::put16;
+using detail::TableImage;
+using format::Name, format::NameEntry;
 
-constexpr std::uint32_t kHeader = 6;
-constexpr std::uint32_t kRecord = 12;
+constexpr std::uint64_t kMaxStrings = 0x10000;  // bytes; a table has fewer
 
-// A record with its place in the list, which settles the order of equal keys.
-struct Entry {
+// A record with its index in the list, which settles the order of equal keys.
+struct SortedRecord {
   const NameRecord* record;
-  std::uint64_t keys;
-  std::uint32_t place;
+  std::uint64_t key;
+  std::uint32_t index;
 };
 
-std::uint64_t keysOf(const NameRecord& record) noexcept {
-  return std::uint64_t{record.platformID} << 48 | std::uint64_t{record.encodingID} << 32 |
-         std::uint64_t{record.languageID} << 16 | record.nameID;
+// Fills an array with the records of the list; returns the bytes of their strings.
+std::uint64_t readRecords(const TTList& records, SortedRecord* out) noexcept {
+  std::uint64_t strings = 0;
+  std::uint32_t count = 0;
+  for (const TTListNode* node = records.first; node != nullptr; node = node->next, ++count) {
+    const auto& record = *static_cast<const NameRecord*>(node->item);
+    const std::uint64_t key =
+        NameEntry::key(record.platformID, record.encodingID, record.languageID, record.nameID);
+    out[count] = {&record, key, count};
+    strings += record.length;
+  }
+  return strings;
+}
+
+// The header, the records and their strings.
+void writeTable(const SortedRecord* records, std::uint16_t count, format::ByteSink out) noexcept {
+  const format::RecordSink<Name> table(out);
+  const auto stringOffset = static_cast<std::uint16_t>(Name::kEntries.at(count));
+  table.put(Name::kFormat, 0);
+  table.put(Name::kCount, count);
+  table.put(Name::kStringOffset, stringOffset);
+  std::uint16_t offset = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const NameRecord& record = *records[i].record;
+    const auto entry = table.at(Name::kEntries, i);
+    entry.put(NameEntry::kPlatformID, record.platformID);
+    entry.put(NameEntry::kEncodingID, record.encodingID);
+    entry.put(NameEntry::kLanguageID, record.languageID);
+    entry.put(NameEntry::kNameID, record.nameID);
+    entry.put(NameEntry::kLength, record.length);
+    entry.put(NameEntry::kOffset, offset);
+    out.copy(std::size_t{stringOffset} + offset, {record.data, record.length});
+    offset = static_cast<std::uint16_t>(offset + record.length);
+  }
 }
 
 }  // namespace
@@ -66,43 +99,20 @@ WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept {
   const TTList& records = payload.records;
   if (payload.incomplete) return WriterResultNoMemory;
   if (records.count == 0) return WriterResultNoData;
-  const CBuffer<Entry> entries = makeBuffer<Entry>(records.count);
-  if (entries == nullptr) return WriterResultNoMemory;
-  std::uint64_t strings = 0;
-  std::uint32_t count = 0;
-  for (const TTListNode* node = records.first; node != nullptr; node = node->next, ++count) {
-    const auto* record = static_cast<const NameRecord*>(node->item);
-    entries[count] = {record, keysOf(*record), count};
-    strings += record->length;
-  }
-  if (strings >= 0x10000) return WriterResultNameTooLong;
-  const std::uint64_t stringOffset = kHeader + std::uint64_t{kRecord} * count;
-  if (stringOffset > 0xFFFF) return WriterResultNameOutOfRange;
-  std::sort(entries.get(), entries.get() + count, [](const Entry& a, const Entry& b) {
-    return a.keys != b.keys ? a.keys < b.keys : a.place < b.place;
-  });
-
-  const auto length = static_cast<std::uint32_t>(stringOffset + strings);
-  std::uint8_t* image = makeImage(table, length);
-  if (image == nullptr) return WriterResultNoMemory;
-  put16(image, 0, 0);
-  put16(image, 2, count);
-  put16(image, 4, static_cast<std::uint32_t>(stringOffset));
-  std::uint32_t offset = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const NameRecord& record = *entries[i].record;
-    std::uint8_t* out16 = image + kHeader + std::size_t{kRecord} * i;
-    put16(out16, 0, record.platformID);
-    put16(out16, 2, record.encodingID);
-    put16(out16, 4, record.languageID);
-    put16(out16, 6, record.nameID);
-    put16(out16, 8, record.length);
-    put16(out16, 10, offset);
-    if (record.length != 0) std::memcpy(image + stringOffset + offset, record.data, record.length);
-    offset += record.length;
-  }
-  *out = {image, length, kTagName};
-  return WriterResultOk;
+  const CBuffer<SortedRecord> sorted = makeBuffer<SortedRecord>(records.count);
+  if (sorted == nullptr) return WriterResultNoMemory;
+  const std::uint64_t strings = readRecords(records, sorted.get());
+  if (strings >= kMaxStrings) return WriterResultNameTooLong;
+  const std::uint64_t stringOffset = Name::kEntries.at(records.count);
+  if (stringOffset > UINT16_MAX) return WriterResultNameOutOfRange;
+  std::sort(sorted.get(), sorted.get() + records.count,
+            [](const SortedRecord& a, const SortedRecord& b) {
+              return a.key != b.key ? a.key < b.key : a.index < b.index;
+            });
+  NewImage image(table, static_cast<std::uint32_t>(stringOffset + strings));
+  if (!image.hasMemory()) return WriterResultNoMemory;
+  writeTable(sorted.get(), static_cast<std::uint16_t>(records.count), image.bytes());
+  return image.finish(kTagName, out);
 }
 
 }  // namespace detail

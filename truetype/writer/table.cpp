@@ -10,16 +10,10 @@ namespace ulm::truetype {
 namespace {
 
 using detail::CBuffer;
-using detail::put16;
-using detail::put32;
 using detail::TableImage;
+using format::FixedSink;
+using format::Head, format::Hhea, format::Maxp, format::Post;
 
-constexpr std::uint32_t kHeadLength = 54;
-constexpr std::uint32_t kHheaLength = 36;
-constexpr std::uint32_t kMaxpLength = 32;
-constexpr std::uint32_t kPostLength = 32;
-constexpr std::uint32_t kVersion1 = 0x00010000;
-constexpr std::uint32_t kHeadMagic = 0x5F0F3CF5;
 constexpr std::uint32_t kFirstSubtables = 10;
 
 // An object that takes over its payload; null, the payload being freed, where either is missing.
@@ -31,9 +25,11 @@ WriterTable* makeTable(std::uint32_t tag, CBuffer<Payload> payload) noexcept {
   return table;
 }
 
-// Room for the bytes of a table that is its own payload, all zero.
-CBuffer<std::uint8_t> makeBytes(std::uint32_t length) noexcept {
-  return detail::makeZeroedBuffer<std::uint8_t>(static_cast<std::size_t>(detail::padded(length)));
+// Memory for the bytes of a table that is its own payload, all zero.
+template <class Table>
+CBuffer<std::uint8_t> makeBytes() noexcept {
+  return detail::makeZeroedBuffer<std::uint8_t>(
+      static_cast<std::size_t>(format::padded(Table::kSize)));
 }
 
 WriterResult giveRaw(WriterTable* table, TableImage* out) noexcept {
@@ -42,9 +38,9 @@ WriterResult giveRaw(WriterTable* table, TableImage* out) noexcept {
   return WriterResultOk;
 }
 
-template <std::uint32_t kTag, std::uint32_t kLength>
+template <class Table>
 WriterResult giveBytes(WriterTable* table, TableImage* out) noexcept {
-  *out = {static_cast<const std::uint8_t*>(table->data), kLength, kTag};
+  *out = {static_cast<const std::uint8_t*>(table->data), Table::kSize, Table::kTag};
   return WriterResultOk;
 }
 
@@ -62,16 +58,16 @@ WriterResult makePostImage(WriterTable* table, TableImage* out) noexcept {
     std::fprintf(stderr, "Unrecognized format of a post table: %08X.\n", post.format);
     return WriterResultBadTable;
   }
-  std::uint8_t* image = detail::makeImage(table, kPostLength);
-  if (image == nullptr) return WriterResultNoMemory;
-  std::memset(image, 0, kPostLength);
-  put32(image, 0, post.format);
-  put32(image, 4, post.italicAngle);
-  put16(image, 8, post.underlinePosition);
-  put16(image, 10, post.underlineThickness);
-  put32(image, 12, post.isFixedPitch);
-  *out = {image, kPostLength, kTagPost};
-  return WriterResultOk;
+  detail::NewImage image(table, Post::kSize);
+  if (!image.hasMemory()) return WriterResultNoMemory;
+  image.bytes().clear(0, Post::kSize);
+  const auto fields = image.bytes().record<Post>(0);
+  fields.put(Post::kVersion, post.format);
+  fields.put(Post::kItalicAngle, static_cast<std::int32_t>(post.italicAngle));
+  fields.put(Post::kUnderlinePosition, static_cast<std::int16_t>(post.underlinePosition));
+  fields.put(Post::kUnderlineThickness, static_cast<std::int16_t>(post.underlineThickness));
+  fields.put(Post::kIsFixedPitch, post.isFixedPitch);
+  return image.finish(kTagPost, out);
 }
 
 // The disposal handlers: each releases what a payload owns, and the payload.
@@ -122,15 +118,10 @@ using DisposalHandler = void (*)(WriterTable* table) noexcept;
 constexpr std::size_t kKinds = 9;
 constexpr std::uint32_t kTags[kKinds] = {kTagRaw,  kTagHead, kTagHhea, kTagLoca, kTagMaxp,
                                          kTagGlyf, kTagCmap, kTagName, kTagPost};
-constexpr ImageHandler kImageHandlers[kKinds] = {giveRaw,
-                                                 giveBytes<kTagHead, kHeadLength>,
-                                                 giveBytes<kTagHhea, kHheaLength>,
-                                                 giveLoca,
-                                                 giveBytes<kTagMaxp, kMaxpLength>,
-                                                 detail::makeGlyfImage,
-                                                 detail::makeCmapImage,
-                                                 detail::makeNameImage,
-                                                 makePostImage};
+constexpr ImageHandler kImageHandlers[kKinds] = {
+    giveRaw,         giveBytes<Head>,       giveBytes<Hhea>,       giveLoca,
+    giveBytes<Maxp>, detail::makeGlyfImage, detail::makeCmapImage, detail::makeNameImage,
+    makePostImage};
 constexpr DisposalHandler kDisposalHandlers[kKinds] = {disposeRaw,  disposeBytes, disposeBytes,
                                                        disposeLoca, disposeBytes, disposeGlyf,
                                                        disposeCmap, disposeName,  disposePost};
@@ -158,31 +149,33 @@ WriterTable* createHeadTable(std::uint32_t fontRevision, std::uint16_t flags,
                              std::uint16_t unitsPerEm, const std::uint8_t* created,
                              std::uint16_t macStyle, std::uint16_t lowestRecPPEM,
                              std::uint16_t fontDirectionHint) noexcept {
-  CBuffer<std::uint8_t> head = makeBytes(kHeadLength);
-  if (head == nullptr) return nullptr;
-  put32(head.get(), 0, kVersion1);
-  put32(head.get(), 4, fontRevision);
-  put32(head.get(), 12, kHeadMagic);
-  put16(head.get(), 16, flags);
-  put16(head.get(), 18, unitsPerEm);
-  std::memcpy(head.get() + 20, created, 8);
-  put16(head.get(), 44, macStyle);
-  put16(head.get(), 46, lowestRecPPEM);
-  put16(head.get(), 48, fontDirectionHint);
-  return makeTable(kTagHead, std::move(head));
+  CBuffer<std::uint8_t> bytes = makeBytes<Head>();
+  if (bytes == nullptr) return nullptr;
+  const auto head = FixedSink<Head>::vouched(bytes.get());
+  head.put(Head::kVersion, Head::kVersion1);
+  head.put(Head::kFontRevision, fontRevision);
+  head.put(Head::kMagicNumber, Head::kMagic);
+  head.put(Head::kFlags, flags);
+  head.put(Head::kUnitsPerEm, unitsPerEm);
+  head.put(Head::kCreated, format::loadBigEndian<std::uint64_t>(created));
+  head.put(Head::kMacStyle, macStyle);
+  head.put(Head::kLowestRecPPEM, lowestRecPPEM);
+  head.put(Head::kFontDirectionHint, fontDirectionHint);
+  return makeTable(kTagHead, std::move(bytes));
 }
 
 WriterTable* createHheaTable(std::uint16_t ascender, std::uint16_t descender, std::uint16_t lineGap,
                              std::uint16_t caretSlopeRise, std::uint16_t caretSlopeRun) noexcept {
-  CBuffer<std::uint8_t> hhea = makeBytes(kHheaLength);
-  if (hhea == nullptr) return nullptr;
-  put32(hhea.get(), 0, kVersion1);
-  put16(hhea.get(), 4, ascender);
-  put16(hhea.get(), 6, descender);
-  put16(hhea.get(), 8, lineGap);
-  put16(hhea.get(), 18, caretSlopeRise);
-  put16(hhea.get(), 20, caretSlopeRun);
-  return makeTable(kTagHhea, std::move(hhea));
+  CBuffer<std::uint8_t> bytes = makeBytes<Hhea>();
+  if (bytes == nullptr) return nullptr;
+  const auto hhea = FixedSink<Hhea>::vouched(bytes.get());
+  hhea.put(Hhea::kVersion, Hhea::kVersion1);
+  hhea.put(Hhea::kAscender, static_cast<std::int16_t>(ascender));
+  hhea.put(Hhea::kDescender, static_cast<std::int16_t>(descender));
+  hhea.put(Hhea::kLineGap, static_cast<std::int16_t>(lineGap));
+  hhea.put(Hhea::kCaretSlopeRise, static_cast<std::int16_t>(caretSlopeRise));
+  hhea.put(Hhea::kCaretSlopeRun, static_cast<std::int16_t>(caretSlopeRun));
+  return makeTable(kTagHhea, std::move(bytes));
 }
 
 WriterTable* createLocaTable() noexcept {
@@ -190,9 +183,9 @@ WriterTable* createLocaTable() noexcept {
 }
 
 WriterTable* createMaxpTable(const std::uint8_t* bytes, std::uint32_t length) noexcept {
-  CBuffer<std::uint8_t> maxp = makeBytes(kMaxpLength);
-  if (maxp != nullptr && bytes != nullptr && length == kMaxpLength) {
-    std::memcpy(maxp.get(), bytes, kMaxpLength);
+  CBuffer<std::uint8_t> maxp = makeBytes<Maxp>();
+  if (maxp != nullptr && bytes != nullptr && length == Maxp::kSize) {
+    std::memcpy(maxp.get(), bytes, Maxp::kSize);
   }
   return makeTable(kTagMaxp, std::move(maxp));
 }

@@ -1,9 +1,13 @@
 #include "truetype/writer/writer.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cassert>
+#include <optional>
 
 #include "truetype/detail/swap_run.h"
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/directory.h"
+#include "truetype/format/head.h"
 #include "truetype/writer/detail/glyph_tables.h"
 #include "truetype/writer/detail/payloads.h"
 
@@ -11,17 +15,12 @@ namespace ulm::truetype {
 namespace {
 
 using detail::CBuffer;
-using detail::put16;
-using detail::put32;
 using detail::TableImage;
+using format::ByteSink;
+using format::Head, format::OffsetTable, format::TableEntry;
 
-constexpr std::uint32_t kSfntVersion = 0x00010000;
-constexpr std::uint32_t kHeader = 12;
-constexpr std::uint32_t kDirectoryEntry = 16;
 // With more, 16 times the largest power of 2 in the number does not fit searchRange.
 constexpr std::uint32_t kMostTables = 4095;
-constexpr std::uint32_t kWholeFileSum = 0xB1B0AFBA;
-constexpr std::uint32_t kHeadAdjustment = 8;
 
 void disposeItem(void* table) noexcept { disposeWriterTable(static_cast<WriterTable*>(table)); }
 
@@ -47,55 +46,60 @@ WriterResult makeEntry(WriterTable* table, const WriterTable* glyf, std::uint64_
   entry.glyphs = detail::listOf(table);
   const std::uint64_t length = table == glyf ? glyfLength : detail::glyfLength(*entry.glyphs);
   if (entry.glyphs->count == 0) return WriterResultEmptyTable;
-  if (detail::padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
+  if (format::padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
   entry.image = {nullptr, static_cast<std::uint32_t>(length), kTagGlyf};
   return WriterResultOk;
 }
 
-void writeTable(const Entry& entry, std::uint8_t* out) noexcept {
+// The table with its padding.
+void writeTable(const Entry& entry, ByteSink out) noexcept {
   const std::uint32_t length = entry.image.length;
-  const auto room = static_cast<std::size_t>(detail::padded(length));
   if (entry.glyphs != nullptr) {
     detail::writeGlyphs(*entry.glyphs, out);
-    std::memset(out + length, 0, room - length);
-  } else if (length != 0) {
-    std::memcpy(out, entry.image.bytes, room);
+    out.clear(length, out.size() - length);
+  } else {
+    out.copy(0, {entry.image.bytes, out.size()});
   }
 }
 
-void writeHeader(std::uint8_t* file, std::uint32_t sfntVersion, std::uint32_t tables) noexcept {
-  std::uint32_t power = 1, log = 0;
-  for (; power * 2 <= tables; power *= 2) ++log;
-  put32(file, 0, sfntVersion);
-  put16(file, 4, tables);
-  put16(file, 6, 16 * power);
-  put16(file, 8, log);
-  put16(file, 10, 16 * (tables - power));
+void writeHeader(std::uint32_t sfntVersion, std::uint32_t tables,
+                 format::RecordSink<OffsetTable> out) noexcept {
+  const auto search = format::SearchFields::of(tables, TableEntry::kSize);
+  out.put(OffsetTable::kVersion, sfntVersion);
+  out.put(OffsetTable::kTableCount, static_cast<std::uint16_t>(tables));
+  out.put(OffsetTable::kSearchRange, search.searchRange);
+  out.put(OffsetTable::kEntrySelector, search.entrySelector);
+  out.put(OffsetTable::kRangeShift, search.rangeShift);
 }
 
-// The directory and the tables. The sum of the whole file is that of its parts: each begins at a
-// word.
-void writeTables(std::uint8_t* file, const Entry* entries, std::uint32_t count) noexcept {
-  std::uint32_t place = kHeader + kDirectoryEntry * count;
+// The directory and the tables, and in head the adjustment of the file's sum. That sum is the one
+// of its parts, since each begins at a word.
+void writeTables(const Entry* entries, std::uint32_t count, ByteSink out) noexcept {
+  const format::RecordSink<OffsetTable> directory(out);
+  const auto directoryLength = static_cast<std::uint32_t>(OffsetTable::kTables.at(count));
+  std::uint32_t offset = directoryLength;
   std::uint32_t sum = 0;
-  std::uint8_t* head = nullptr;
+  std::optional<ByteSink> head;
   for (std::uint32_t i = 0; i < count; ++i) {
     const TableImage& image = entries[i].image;
-    const auto room = static_cast<std::uint32_t>(detail::padded(image.length));
-    writeTable(entries[i], file + place);
-    const std::uint32_t checksum = tableChecksum(file + place, image.length);
-    std::uint8_t* entry = file + kHeader + std::size_t{kDirectoryEntry} * i;
-    put32(entry, 0, image.tag);
-    put32(entry, 4, checksum);
-    put32(entry, 8, place);
-    put32(entry, 12, image.length);
+    const auto length = static_cast<std::uint32_t>(format::padded(image.length));
+    const ByteSink table = out.sub(offset, length);
+    writeTable(entries[i], table);
+    const std::uint32_t checksum = detail::sumRun32(table.view());
+    const auto entry = directory.at(OffsetTable::kTables, i);
+    entry.put(TableEntry::kTag, image.tag);
+    entry.put(TableEntry::kChecksum, checksum);
+    entry.put(TableEntry::kOffset, offset);
+    entry.put(TableEntry::kLength, image.length);
     // A raw table may come under that tag without having the field.
-    if (image.tag == kTagHead && image.length >= kHeadAdjustment + 4) head = file + place;
+    if (image.tag == kTagHead && image.length >= Head::kChecksumAdjustment.kEnd) head = table;
     sum += checksum;
-    place += room;
+    offset += length;
   }
-  sum += tableChecksum(file, kHeader + kDirectoryEntry * count);
-  put32(head, kHeadAdjustment, kWholeFileSum - sum);
+  sum += detail::sumRun32(out.sub(0, directoryLength).view());
+  if (head) {
+    format::RecordSink<Head>(*head).put(Head::kChecksumAdjustment, format::kFileChecksum - sum);
+  }
 }
 
 }  // namespace
@@ -110,7 +114,7 @@ void createTrueTypeWriter(TrueTypeWriter** outWriter) noexcept {
     return;
   }
   listSetDestructor(tables, disposeItem);
-  *writer = {kSfntVersion, tables};
+  *writer = {OffsetTable::kTrueType, tables};
   *outWriter = writer;
 }
 
@@ -162,7 +166,7 @@ WriterResult assembleFont(TrueTypeWriter* writer, std::uint8_t** outImage,
   const std::uint32_t count = listCount(writer->tables);
   const CBuffer<Entry> entries = detail::makeBuffer<Entry>(count);
   if (entries == nullptr) return WriterResultNoMemory;
-  std::uint64_t length = kHeader + std::uint64_t{kDirectoryEntry} * count;
+  std::uint64_t length = OffsetTable::kTables.at(count);
   std::uint32_t place = 0;
   for (const TTListNode* node = writer->tables->first; node != nullptr; node = node->next) {
     Entry& entry = entries[place];
@@ -170,7 +174,7 @@ WriterResult assembleFont(TrueTypeWriter* writer, std::uint8_t** outImage,
     const WriterResult made =
         makeEntry(static_cast<WriterTable*>(node->item), glyf, glyfLength, entry);
     if (made != WriterResultOk) return made;
-    length += detail::padded(entry.image.length);
+    length += format::padded(entry.image.length);
   }
   if (count > kMostTables || length > UINT32_MAX) return WriterResultFileTooLarge;
   std::sort(entries.get(), entries.get() + count, [](const Entry& a, const Entry& b) {
@@ -179,15 +183,19 @@ WriterResult assembleFont(TrueTypeWriter* writer, std::uint8_t** outImage,
 
   CBuffer<std::uint8_t> file = detail::makeBuffer<std::uint8_t>(static_cast<std::size_t>(length));
   if (file == nullptr) return WriterResultNoMemory;
-  writeHeader(file.get(), writer->sfntVersion, count);
-  writeTables(file.get(), entries.get(), count);
+  bool overflowed = false;
+  const ByteSink out(file.get(), static_cast<std::size_t>(length), &overflowed);
+  writeHeader(writer->sfntVersion, count, format::RecordSink<OffsetTable>(out));
+  writeTables(entries.get(), count, out);
+  assert(!overflowed);
+  if (overflowed) return WriterResultBadTable;
   *outImage = file.release();
   *outLength = static_cast<std::uint32_t>(length);
   return WriterResultOk;
 }
 
 std::uint32_t tableChecksum(const std::uint8_t* bytes, std::uint32_t length) noexcept {
-  return detail::sumRun32(bytes, static_cast<std::size_t>(detail::padded(length) / 4));
+  return detail::sumRun32({bytes, static_cast<std::size_t>(format::padded(length))});
 }
 
 }  // namespace ulm::truetype

@@ -16,9 +16,4 @@ constexpr void put32(std::uint8_t* bytes, std::size_t offset, std::uint32_t valu
   put16(bytes, offset + 2, value);
 }
 
-// Up to the next multiple of 4, as tables lie in a file.
-constexpr std::uint64_t padded(std::uint64_t length) noexcept {
-  return (length + 3) & ~std::uint64_t{3};
-}
-
 }  // namespace ulm::truetype::detail

@@ -1,12 +1,15 @@
 // What stands behind the payloads of table objects, and the image handlers.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <type_traits>
 
-#include "truetype/bytes.h"
 #include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/directory.h"
+#include "truetype/format/glyf.h"
 #include "truetype/list.h"
 #include "truetype/writer/detail/big_endian.h"
 #include "truetype/writer/detail/glyph_arena.h"
@@ -15,15 +18,19 @@
 
 namespace ulm::truetype::detail {
 
+using format::padded;
+
 // A box around the origin and the boxes of glyphs, in font units.
 struct GlyphExtent {
   std::int16_t xMin, yMin, xMax, yMax;
 
-  // The header of a glyph has 10 bytes; fewer add nothing.
+  // A glyph shorter than its header adds nothing.
   void include(const GlyphData& glyph) noexcept {
-    if (glyph.byteCount < 10) return;
-    widen(xMin, xMax, readInt16(glyph.data, 2), readInt16(glyph.data, 6));
-    widen(yMin, yMax, readInt16(glyph.data, 4), readInt16(glyph.data, 8));
+    using format::GlyphHeader;
+    if (glyph.byteCount < GlyphHeader::kSize) return;
+    const auto header = format::FixedView<GlyphHeader>::vouched(glyph.data);
+    widen(xMin, xMax, header.get(GlyphHeader::kXMin), header.get(GlyphHeader::kXMax));
+    widen(yMin, yMax, header.get(GlyphHeader::kYMin), header.get(GlyphHeader::kYMax));
   }
 
  private:
@@ -82,11 +89,36 @@ std::int32_t addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
 
 // The bytes of a glyf table's image, which are one glyph after the other.
 std::uint64_t glyfLength(const TTList& glyphs) noexcept;
-void writeGlyphs(const TTList& glyphs, std::uint8_t* out) noexcept;
+void writeGlyphs(const TTList& glyphs, format::ByteSink out) noexcept;
 
 // A buffer for an image of `length` bytes, the padding zero and the rest unset; null without
 // memory. It becomes the table's image.
 std::uint8_t* makeImage(WriterTable* table, std::uint32_t length) noexcept;
+
+// An image while it is made: a buffer as that of makeImage, written to through a sink.
+class NewImage {
+ public:
+  NewImage(WriterTable* table, std::uint32_t length) noexcept
+      : start_(makeImage(table, length)), length_(length) {}
+  NewImage(const NewImage&) = delete;
+  NewImage& operator=(const NewImage&) = delete;
+
+  bool hasMemory() const noexcept { return start_ != nullptr; }
+  // The image's bytes, without the padding.
+  format::ByteSink bytes() noexcept { return {start_, length_, &overflowed_}; }
+  // Hands out the image. WriterResultBadTable, with `out` as it was, where a write did not fit.
+  WriterResult finish(std::uint32_t tag, TableImage* out) const noexcept {
+    assert(!overflowed_);
+    if (overflowed_) return WriterResultBadTable;
+    *out = {start_, length_, tag};
+    return WriterResultOk;
+  }
+
+ private:
+  std::uint8_t* start_;
+  std::uint32_t length_;
+  bool overflowed_ = false;
+};
 
 // Each fills the image or gives a code with the outputs as they were: null, 0 and 0.
 WriterResult makeGlyfImage(WriterTable* table, TableImage* out) noexcept;
