@@ -6,9 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "truetype/reader/glyphs.h"
-#include "truetype/reader/metrics.h"
-#include "truetype/reader/open.h"
+#include "truetype/truetype.h"
 
 int main(int argc, char** argv) {
   using namespace ulm::truetype;
@@ -24,7 +22,7 @@ int main(int argc, char** argv) {
   const FontResult result =
       openTrueTypeFont(argv[1], image.data(), static_cast<std::int32_t>(image.size()), 0, &font);
   if (result != FontResultOk) {
-    std::cerr << argv[1] << ": result " << result << '\n';
+    std::cerr << argv[1] << ": " << resultText(result) << '\n';
     return 1;
   }
   std::cout << font->familyName << ' ' << font->subfamilyName << '\n';

@@ -124,8 +124,8 @@ TEST(Memory, ListsStayWhole) {
 }  // namespace
 
 void* __wrap_malloc(std::size_t size) {
-  return ulm::test::allocationFails() ? nullptr : __real_malloc(size);
+  return ulm::test::allocationFails(size) ? nullptr : __real_malloc(size);
 }
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return ulm::test::allocationFails() ? nullptr : __real_calloc(count, size);
+  return ulm::test::allocationFails(count * size) ? nullptr : __real_calloc(count, size);
 }

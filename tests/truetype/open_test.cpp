@@ -1,11 +1,10 @@
 // Opening, the record, single tables.
-#include "truetype/reader/open.h"
-
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/support/font_image.h"
-#include "truetype/bytes.h"
-#include "truetype/reader/tables.h"
+#include "truetype/truetype.h"
 
 namespace {
 
@@ -80,6 +79,21 @@ TEST(OpenFontTest, Arguments) {
   EXPECT_EQ(font, nullptr);
   EXPECT_EQ(openTrueTypeFont("x", image, 0, 0, &font), FontResultBadArgument);
   EXPECT_EQ(openTrueTypeFont("x", image, -1, 0, &font), FontResultBadArgument);
+}
+
+// Each code has a text of its own; one that is none has a text too.
+template <class Result>
+void expectTexts(int codes, std::size_t distinct) {
+  std::set<std::string> texts;
+  for (int code = -1; code <= codes; ++code) texts.insert(resultText(static_cast<Result>(code)));
+  EXPECT_EQ(texts.size(), distinct + 1);
+  EXPECT_EQ(texts.count(""), 0u);
+}
+TEST(OpenFontTest, ResultsHaveTexts) {
+  expectTexts<FontResult>(9, 5);
+  expectTexts<WriterResult>(13, 13);
+  EXPECT_STREQ(resultText(FontResultNoMemory), "memory ran out");
+  EXPECT_STREQ(resultText(WriterResultNoMemory), "memory ran out");
 }
 
 TEST(OpenFontTest, Record) {

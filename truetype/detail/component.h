@@ -27,8 +27,8 @@ inline ByteView compositeView(const TrueTypeFont& font, std::uint32_t glyphIndex
   return glyph.readOrZero<std::int16_t>(0) == -1 ? glyph : ByteView();
 }
 
-inline constexpr std::uint16_t kSizeFlags =
-    kArgumentsAreWords | kHasScale | kHasTwoScales | kHasMatrix;
+inline constexpr std::uint16_t kScaleFlags = kHasScale | kHasTwoScales | kHasMatrix;
+inline constexpr std::uint16_t kSizeFlags = kArgumentsAreWords | kScaleFlags;
 
 struct ComponentSizes {
   std::uint8_t bytes[kSizeFlags + 1] = {};
@@ -48,6 +48,15 @@ inline constexpr ComponentSizes kComponentSizes;
 // Bytes of a record with these flags, of which the lower ones rule.
 constexpr std::size_t componentSize(std::uint16_t flags) noexcept {
   return kComponentSizes.bytes[flags & kSizeFlags];
+}
+
+// Whether a record with these flags does more than to move its points.
+constexpr bool isScaled(std::uint16_t flags) noexcept { return (flags & kScaleFlags) != 0; }
+
+// Work of placing one point, in units of one point read.
+constexpr std::uint64_t placementWork(std::uint16_t flags) noexcept {
+  if (!isScaled(flags)) return 0;
+  return (flags & (kHasScale | kHasTwoScales)) != 0 ? 2 : 3;
 }
 
 }  // namespace ulm::truetype::detail

@@ -19,14 +19,21 @@ struct SimpleShape {
   std::uint32_t points, contours;  // of the outline; 0 where its data is damaged
   std::uint32_t ends;              // of contours, as stored
   std::uint32_t room;  // for its points, before they are decoded; 0 where `ends` are cut
+  std::size_t reach;   // the end of what was read
 };
 SimpleShape simpleShape(ByteView glyph) noexcept;
 
-// The record of a glyph but for `data`, which would be a copy of `outBytes`, made even by a zero.
-// `outShape` is that of the bytes, or 0 for a composite, whose points and contours countGlyphData
-// tells. FontResultBadArgument as below.
+// The length of a glyph's own bytes by its two offsets, 0 where they descend.
+inline std::size_t ownLength(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
+  const std::uint32_t start = font.glyphOffsets[glyphIndex];
+  const std::uint32_t next = font.glyphOffsets[glyphIndex + 1];
+  return next < start ? 0 : next - start;
+}
+
+// The record of a glyph but for its counts, which are 0, and for `data`, which would be a copy of
+// the first `outLength` bytes of `outGlyph`, made even by a zero. FontResultBadArgument as below.
 inline FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphIndex, GlyphData* out,
-                                ByteView* outBytes, SimpleShape* outShape) noexcept {
+                                ByteView* outGlyph, std::size_t* outLength) noexcept {
   if (glyphIndex >= font.numGlyphs) return FontResultBadArgument;
   const std::uint32_t start = font.glyphOffsets[glyphIndex];
   const std::uint32_t next = font.glyphOffsets[glyphIndex + 1];
@@ -40,24 +47,24 @@ inline FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphInd
     across =
         metricOf(tableView(font, kSlotHmtx), font.numberOfHMetrics, font.numGlyphs, glyphIndex);
   }
-  const bool isComposite = length > 0 && glyph.readOrZero<std::uint8_t>(0) >= 0x80;
-  const SimpleShape shape = isComposite ? SimpleShape{} : simpleShape(glyph);
   *out = {.glyphIndex = glyphIndex,
           .byteCount = static_cast<std::uint16_t>((length + 1) & ~std::size_t{1}),
           .data = nullptr,
           .advanceWidth = across.advance,
           .leftSideBearing = across.sideBearing,
-          .isComposite = isComposite,
-          .pointCount = static_cast<std::uint16_t>(shape.points),
-          .contourCount = static_cast<std::uint16_t>(shape.contours),
+          .isComposite = length > 0 && glyph.readOrZero<std::uint8_t>(0) >= 0x80,
+          .pointCount = 0,
+          .contourCount = 0,
           .newIndex = 0};
-  *outBytes = ByteView(glyph.start(), length);
-  *outShape = shape;
+  *outGlyph = glyph;
+  *outLength = length;
   return FontResultOk;
 }
 
 // The counts of the record's outline; false without memory, which only a composite needs.
-bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph) noexcept;
+// `outWork`, if given, receives what it took, as countOutline has it.
+bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph,
+                    std::uint64_t* outWork = nullptr) noexcept;
 
 // `outData` receives an owned record (its holder frees `data`, then the record), or null on every
 // result but FontResultOk.

@@ -24,11 +24,12 @@ bool appendIndex(TTList* list, std::uint32_t glyphIndex, std::int32_t& appended)
 
 }  // namespace
 
-bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph) noexcept {
-  std::uint32_t points = 0, contours = 0;
-  if (!countOutline(font, glyph->glyphIndex, &points, &contours)) return false;
-  glyph->pointCount = static_cast<std::uint16_t>(points);
-  glyph->contourCount = static_cast<std::uint16_t>(contours);
+bool countGlyphData(const TrueTypeFont& font, GlyphData* glyph, std::uint64_t* outWork) noexcept {
+  OutlineSize size;
+  if (!countOutline(font, glyph->glyphIndex, &size)) return false;
+  glyph->pointCount = static_cast<std::uint16_t>(size.points);
+  glyph->contourCount = static_cast<std::uint16_t>(size.contours);
+  if (outWork != nullptr) *outWork = size.work;
   return true;
 }
 
@@ -36,17 +37,17 @@ FontResult makeGlyphData(const TrueTypeFont& font, std::uint32_t glyphIndex,
                          GlyphData** outData) noexcept {
   *outData = nullptr;
   GlyphData described;
-  ByteView bytes;
-  SimpleShape shape;
-  const FontResult result = describeGlyph(font, glyphIndex, &described, &bytes, &shape);
+  ByteView glyph;
+  std::size_t length = 0;
+  const FontResult result = describeGlyph(font, glyphIndex, &described, &glyph, &length);
   if (result != FontResultOk) return result;
-  if (described.isComposite != 0 && !countGlyphData(font, &described)) return FontResultNoMemory;
+  if (!countGlyphData(font, &described)) return FontResultNoMemory;
   CBuffer<GlyphData> made = makeBuffer<GlyphData>(1);
   if (made == nullptr) return FontResultNoMemory;
-  if (bytes.size() > 0) {
+  if (length > 0) {
     described.data = makeZeroedBuffer<std::uint8_t>(described.byteCount).release();
     if (described.data == nullptr) return FontResultNoMemory;
-    bytes.copy(0, bytes.size(), described.data);
+    glyph.copy(0, length, described.data);
   }
   made[0] = described;
   *outData = made.release();
@@ -59,7 +60,7 @@ FontResult appendComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, 
   if (glyphIndex >= font.numGlyphs) return FontResultBadArgument;
   if (!appendIndex(list, glyphIndex, appended)) return FontResultNoMemory;
   ComponentPath path(font, nullptr, true);
-  ComponentFrame now = frameOf(compositeView(font, glyphIndex), glyphIndex, {});
+  ComponentFrame now = frameOf(compositeView(font, glyphIndex), glyphIndex);
   for (std::uint32_t records = 0;;) {
     if (now.next == kNoRecord || !now.glyph.holds(now.next, 4)) {
       if (path.empty()) return FontResultOk;
@@ -76,7 +77,7 @@ FontResult appendComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, 
     const ByteView glyph = compositeView(font, index);
     if (glyph.size() == 0) continue;
     if (!path.push(now)) return FontResultNoMemory;
-    now = frameOf(glyph, index, {});
+    now = frameOf(glyph, index);
   }
 }
 

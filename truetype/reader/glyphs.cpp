@@ -53,7 +53,7 @@ std::int32_t readSimple(ByteView glyph, std::uint32_t contours, Place& place) no
   if (count == 0) return 0;
   GlyphPoint* points = place.room(count);
   if (points == nullptr) return place.refused();
-  return detail::decodeSimplePoints(glyph, contours, count, points) ? place.done(count) : 0;
+  return detail::decodeSimplePoints(glyph, contours, count, {}, points) ? place.done(count) : 0;
 }
 
 template <class Place>

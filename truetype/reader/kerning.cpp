@@ -1,6 +1,7 @@
 #include "truetype/reader/kerning.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 
 #include "truetype/detail/byte_view.h"
@@ -48,14 +49,18 @@ const std::uint8_t* findPair(const std::uint8_t* subtable, std::uint32_t key) no
   return nullptr;
 }
 
-// The scaled value of the last subtable that holds the pair.
+// The scaled value of the last subtable that holds the pair. Subtables without a length follow each
+// other at one place, which is searched once.
 std::optional<std::int32_t> searchAll(std::uint32_t count, const std::uint8_t* const* tables,
                                       std::int32_t unitsPerEm, std::int32_t vertical,
                                       std::uint32_t key) noexcept {
   const std::uint16_t coverage = vertical == 0 ? kHorizontal : std::uint16_t{0};
+  const std::uint8_t* searched = nullptr;
   for (std::uint32_t i = count; i-- > 0;) {
-    if (tables[i] == nullptr || readUInt16(tables[i], kCoverage) != coverage) continue;
-    if (const std::uint8_t* pair = findPair(tables[i], key)) {
+    if (tables[i] == searched || tables[i] == nullptr) continue;
+    searched = tables[i];
+    if (readUInt16(searched, kCoverage) != coverage) continue;
+    if (const std::uint8_t* pair = findPair(searched, key)) {
       return scaleToThousandths(unitsPerEm, readInt16(pair, 4));
     }
   }
@@ -65,6 +70,7 @@ std::optional<std::int32_t> searchAll(std::uint32_t count, const std::uint8_t* c
 }  // namespace
 
 bool analyseKernTable(TrueTypeFont* font) noexcept {
+  std::free(font->kernTables);  // those of an analysis before
   font->kernType = kNone;
   font->kernTableCount = 0;
   font->kernTables = nullptr;

@@ -19,38 +19,36 @@ void appendNode(TTList& list, TTListNode* node, GlyphData* glyph) noexcept {
 
 class BorrowingAdder {
  public:
-  static constexpr bool kBorrows = true;
-
   BorrowingAdder(GlyfPayload& table, const TrueTypeFont& font) noexcept
-      : table_(table), font_(font) {}
+      : table_(table), font_(font), bytesLeft_(mostGlyphBytes(font)) {}
 
-  // Only composites are ever written to; all others can stay where they are if no byte is missing.
   std::int32_t append(GlyphEntry& entry) noexcept {
-    constexpr std::size_t kRecord = sizeof(TTListNode) + sizeof(GlyphData);
-    auto* node = static_cast<TTListNode*>(table_.store->records.take(kRecord));
-    if (node == nullptr) return kGlyphNoMemory;
-    GlyphData* glyph = new (node + 1) GlyphData;
+    void* room = table_.borrowed->take(sizeof(BorrowedGlyph));
+    if (room == nullptr) return kGlyphNoMemory;
+    auto* record = new (room) BorrowedGlyph;
+    GlyphData& glyph = record->glyph;
     ByteView bytes;
-    if (describeGlyph(font_, entry.glyph, glyph, &bytes, &shape_) != FontResultOk) {
-      table_.store->records.giveBack(kRecord);
+    std::size_t length = 0;
+    if (describeGlyph(font_, entry.glyph, &glyph, &bytes, &length) != FontResultOk) {
+      table_.borrowed->giveBack(sizeof(BorrowedGlyph));
       return isTooLarge(font_, entry.glyph) ? kGlyphTooLarge : kNoGlyph;
     }
-    if (glyph->isComposite != 0 || bytes.size() % 2 != 0) {
-      glyph->data = static_cast<std::uint8_t*>(table_.store->bytes.take(glyph->byteCount));
-      if (glyph->data == nullptr) return kGlyphNoMemory;
-      copyEven(bytes, glyph->data);
-      // What is no walk's has references all the same.
-      if (glyph->isComposite != 0 && bytes.readOrZero<std::int16_t>(0) != -1) {
-        table_.lateReferences = true;
-      }
-    } else if (bytes.size() != 0) {
-      glyph->data = const_cast<std::uint8_t*>(bytes.start());
+    if (length > bytesLeft_) return kTooManyGlyphBytes;
+    bytesLeft_ -= length;
+    shape_ = {};
+    if (glyph.isComposite == 0) {
+      shape_ = shapeIn(table_, bytes, length);
+      glyph.pointCount = static_cast<std::uint16_t>(shape_.points);
+      glyph.contourCount = static_cast<std::uint16_t>(shape_.contours);
     }
-    table_.extent.include(*glyph);
-    glyph->newIndex = table_.glyphs.count;
-    appendNode(table_.glyphs, node, glyph);
+    record->isOdd = length % 2 != 0;
+    // The list's type has bytes that can be changed; nobody changes these.
+    if (length != 0) glyph.data = const_cast<std::uint8_t*>(bytes.start());
+    table_.extent.include(ByteView(bytes.start(), length));
+    glyph.newIndex = table_.glyphs.count;
+    appendNode(table_.glyphs, &record->node, &glyph);
     if (entry.recordPlusOne == 0) entry.recordPlusOne = table_.glyphs.count;
-    return static_cast<std::int32_t>(glyph->newIndex);
+    return static_cast<std::int32_t>(glyph.newIndex);
   }
   const SimpleShape& shape() const noexcept { return shape_; }
   GlyphData* last() const noexcept { return static_cast<GlyphData*>(table_.glyphs.last->item); }
@@ -58,30 +56,37 @@ class BorrowingAdder {
  private:
   GlyfPayload& table_;
   const TrueTypeFont& font_;
+  std::uint64_t bytesLeft_;
   SimpleShape shape_{};  // of the glyph last appended
 };
+
+WriterResult resultOf(std::int32_t failure) noexcept {
+  return failure == kGlyphTooLarge       ? WriterResultGlyphTooLarge
+         : failure == kTooManyGlyphBytes ? WriterResultFileTooLarge
+                                         : WriterResultNoMemory;
+}
 
 }  // namespace
 
 WriterTable* createBorrowingGlyfTable(const TrueTypeFont& font, std::uint32_t glyphs) noexcept {
   WriterTable* table = createGlyfTable();
   if (table == nullptr) return nullptr;
-  auto* payload = static_cast<GlyfPayload*>(table->data);
-  CBuffer<std::uint8_t> store = makeBuffer<std::uint8_t>(sizeof(GlyphStore));
-  if (store == nullptr || !payload->index.expect(glyphs)) {
+  GlyfPayload* payload = &glyfOf(table);
+  CBuffer<std::uint8_t> arena = makeBuffer<std::uint8_t>(sizeof(GlyphArena));
+  if (arena == nullptr || !payload->index.expect(glyphs)) {
     disposeWriterTable(table);
     return nullptr;
   }
-  payload->store = new (store.release()) GlyphStore;
+  payload->borrowed = new (arena.release()) GlyphArena;
   payload->index.useFont(font);
   return table;
 }
 
-std::int32_t addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
+WriterResult addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
                            const std::uint16_t* glyphIds, std::size_t count,
                            std::int32_t* newIndices) noexcept {
   constexpr std::uint32_t kMostGlyphs = 0xFFFF;
-  GlyfPayload& table = *static_cast<GlyfPayload*>(glyfTable->data);
+  GlyfPayload& table = glyfOf(glyfTable);
   GlyphIndex& index = table.index;
   BorrowingAdder adder(table, font);
   ComponentWalk<BorrowingAdder> walk(table, adder, font);
@@ -89,23 +94,21 @@ std::int32_t addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
     newIndices[k] = kNoGlyph;
     if (glyphIds[k] >= font.numGlyphs || table.glyphs.count > kMostGlyphs) continue;
     GlyphEntry* const entered = index.enter(glyphIds[k]);
-    if (entered == nullptr) return kGlyphNoMemory;
+    if (entered == nullptr) return WriterResultNoMemory;
     GlyphEntry& entry = *entered;
     newIndices[k] = adder.append(entry);
     if (newIndices[k] == kNoGlyph) continue;
-    if (newIndices[k] < 0) return newIndices[k];
+    if (newIndices[k] < 0) return resultOf(newIndices[k]);
+    if (!index.visit(entry)) continue;
     GlyphData* record = adder.last();
-    const bool isFirst = index.visit(entry);
     if (record->isComposite == 0) {
-      if (isFirst) entry.counts = plainCounts(adder.shape());
-    } else if (isFirst) {
-      const std::int32_t failure = walk.run(entry, record);
-      if (failure != 0) return failure;
-    } else {
-      renumberComponents(*record, index, 0);  // what is absent the first one has told
+      entry.counts = plainCounts(adder.shape());
+      continue;
     }
+    const std::int32_t failure = walk.run(entry, record);
+    if (failure != 0) return resultOf(failure);
   }
-  return 0;
+  return WriterResultOk;
 }
 
 }  // namespace ulm::truetype::detail

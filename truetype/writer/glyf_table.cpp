@@ -23,10 +23,12 @@ using OwnedGlyph = std::unique_ptr<GlyphData, FreeGlyphData>;
 // What one addGlyph appends, taken back unless it is kept.
 class Addition {
  public:
-  static constexpr bool kBorrows = false;
-
   Addition(GlyfPayload& table, const TrueTypeFont& font) noexcept
-      : table_(table), font_(font), before_(table.glyphs.count), cursor_(table.glyphs.current) {}
+      : table_(table),
+        font_(font),
+        before_(table.glyphs.count),
+        cursor_(table.glyphs.current),
+        bytesLeft_(detail::mostGlyphBytes(font)) {}
   Addition(const Addition&) = delete;
   Addition& operator=(const Addition&) = delete;
   ~Addition() {
@@ -54,14 +56,23 @@ class Addition {
     OwnedGlyph glyph(detail::makeBuffer<GlyphData>(1).release());
     if (glyph == nullptr) return kGlyphNoMemory;
     ByteView bytes;
-    if (detail::describeGlyph(font_, entry.glyph, glyph.get(), &bytes, &shape_) != FontResultOk) {
+    std::size_t length = 0;
+    if (detail::describeGlyph(font_, entry.glyph, glyph.get(), &bytes, &length) != FontResultOk) {
       glyph->data = nullptr;
       return detail::isTooLarge(font_, entry.glyph) ? kGlyphTooLarge : kNoGlyph;
     }
-    if (bytes.size() != 0) {
-      glyph->data = detail::makeBuffer<std::uint8_t>(glyph->byteCount).release();
+    if (length > bytesLeft_) return kGlyphTooLarge;
+    bytesLeft_ -= length;
+    shape_ = {};
+    if (glyph->isComposite == 0) {
+      shape_ = detail::shapeIn(table_, bytes, length);
+      glyph->pointCount = static_cast<std::uint16_t>(shape_.points);
+      glyph->contourCount = static_cast<std::uint16_t>(shape_.contours);
+    }
+    if (length != 0) {
+      glyph->data = detail::makeZeroedBuffer<std::uint8_t>(glyph->byteCount).release();
       if (glyph->data == nullptr) return kGlyphNoMemory;
-      detail::copyEven(bytes, glyph->data);
+      bytes.copy(0, length, glyph->data);
     }
     const std::int32_t newIndex = append(std::move(glyph));
     if (newIndex >= 0) table_.index.added(table_.glyphs, entry.glyph, &entry);
@@ -75,6 +86,7 @@ class Addition {
   const TrueTypeFont& font_;
   std::uint32_t before_;
   TTListNode* cursor_;
+  std::uint64_t bytesLeft_;
   SimpleShape shape_{};  // of the glyph last appended
   bool kept_ = false;
 };
@@ -84,7 +96,7 @@ class Addition {
 std::int32_t addGlyph(WriterTable* glyfTable, GlyphData* glyph, const TrueTypeFont* font) noexcept {
   OwnedGlyph owned(glyph);
   if (owned == nullptr) return kNoGlyph;
-  GlyfPayload& table = *static_cast<GlyfPayload*>(glyfTable->data);
+  GlyfPayload& table = detail::glyfOf(glyfTable);
   detail::GlyphIndex& index = table.index;
   index.useFont(*font);
   if (!index.follow(table.glyphs)) return kGlyphNoMemory;
@@ -111,11 +123,6 @@ std::uint32_t glyphCount(const WriterTable* glyfTable) noexcept {
 
 namespace detail {
 
-void copyEven(ByteView bytes, std::uint8_t* out) noexcept {
-  bytes.copy(0, bytes.size(), out);
-  if (bytes.size() % 2 != 0) out[bytes.size()] = 0;
-}
-
 bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
   if (glyphIndex >= font.numGlyphs) return false;
   const std::uint32_t start = font.glyphOffsets[glyphIndex];
@@ -123,32 +130,18 @@ bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
   return next >= start && next - start >= 0xFFFF && glyphView(font, glyphIndex).size() >= 0xFFFF;
 }
 
-void renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
+void renumberComponents(format::ByteSink glyph, const GlyphIndex& index,
                         std::uint32_t absent) noexcept {
-  const ByteView data(glyph.data, glyph.byteCount);
+  const ByteView bytes = glyph.view();
   std::uint16_t flags = kMoreComponents;
   std::size_t record = kFirstComponent;
   for (; (flags & kMoreComponents) != 0; record += componentSize(flags)) {
-    if (!data.holds(record, 4)) return;
-    const auto head = data.readHeld<std::uint32_t>(record);
+    if (!bytes.holds(record, 4)) return;
+    const auto head = bytes.readHeld<std::uint32_t>(record);
     flags = static_cast<std::uint16_t>(head >> 16);
     const std::uint32_t place = index.find(head & 0xFFFF);
-    put16(glyph.data, record + 2, place == kNoRecordIndex ? absent : place);
-  }
-}
-
-void renumberGlyphs(GlyfPayload& payload) noexcept {
-  for (const TTListNode* node = payload.glyphs.first; node != nullptr; node = node->next) {
-    const auto& glyph = *static_cast<const GlyphData*>(node->item);
-    if (glyph.isComposite == 0) continue;
-    if (payload.store != nullptr) {
-      GlyphData source;
-      ByteView bytes;
-      SimpleShape shape;
-      describeGlyph(*payload.index.font(), glyph.glyphIndex, &source, &bytes, &shape);
-      copyEven(bytes, glyph.data);
-    }
-    renumberComponents(glyph, payload.index, payload.glyphs.count);
+    glyph.put<std::uint16_t>(record + 2,
+                             static_cast<std::uint16_t>(place == kNoRecordIndex ? absent : place));
   }
 }
 
@@ -159,9 +152,9 @@ void freeGlyphData(void* glyph) noexcept {
 }
 
 void disposeGlyphs(GlyfPayload* payload) noexcept {
-  if (payload->store != nullptr) {
-    payload->store->~GlyphStore();
-    std::free(payload->store);
+  if (payload->borrowed != nullptr) {
+    payload->borrowed->~GlyphArena();
+    std::free(payload->borrowed);
   } else {
     listClear(&payload->glyphs);
   }
@@ -177,12 +170,27 @@ std::uint64_t glyfLength(const TTList& glyphs) noexcept {
   return length;
 }
 
-void writeGlyphs(const TTList& glyphs, format::ByteSink out) noexcept {
+void writeGlyphs(const GlyfPayload& table, format::ByteSink out) noexcept {
+  const TTList& glyphs = table.glyphs;
   std::size_t offset = 0;
+  if (table.borrowed == nullptr) {
+    for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
+      const auto& glyph = *static_cast<const GlyphData*>(node->item);
+      out.copy(offset, {glyph.data, glyph.byteCount});
+      offset += glyph.byteCount;
+    }
+    return;
+  }
   for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-    const auto* glyph = static_cast<const GlyphData*>(node->item);
-    out.copy(offset, {glyph->data, glyph->byteCount});
-    offset += glyph->byteCount;
+    const auto& record = *reinterpret_cast<const BorrowedGlyph*>(node);  // its first member
+    const GlyphData& glyph = record.glyph;
+    const std::size_t length = glyph.byteCount - std::size_t{record.isOdd};
+    out.copy(offset, {glyph.data, length});
+    out.clear(offset + length, glyph.byteCount - length);
+    if (glyph.isComposite != 0) {
+      renumberComponents(out.sub(offset, glyph.byteCount), table.index, glyphs.count);
+    }
+    offset += glyph.byteCount;
   }
 }
 
@@ -193,7 +201,7 @@ WriterResult makeGlyfImage(WriterTable* table, TableImage* out) noexcept {
   if (padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
   NewImage image(table, static_cast<std::uint32_t>(length));
   if (!image.hasMemory()) return WriterResultNoMemory;
-  writeGlyphs(glyphs, image.bytes());
+  writeGlyphs(glyfOf(table), image.bytes());
   return image.finish(kTagGlyf, out);
 }
 

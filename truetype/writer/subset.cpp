@@ -137,10 +137,9 @@ WriterResult createTrueTypeSubset(const TrueTypeFont* font, std::uint8_t** outIm
   }
 
   // Any failure is one that leaves the caller's list as it was.
-  const std::int32_t taken =
+  const WriterResult taken =
       detail::addFontGlyphs(glyf.get(), *font, glyphIds, count, newIndices.get());
-  if (taken == kGlyphTooLarge) return WriterResultGlyphTooLarge;
-  if (taken != 0) return WriterResultNoMemory;
+  if (taken != WriterResultOk) return taken;
   for (std::size_t k = 0; k < count; ++k) glyphIds[k] = static_cast<std::uint16_t>(newIndices[k]);
   if (truetype::glyphCount(glyf.get()) == 0) return WriterResultNoData;
 

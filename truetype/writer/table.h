@@ -110,10 +110,16 @@ void addCharMapping(WriterTable* cmapTable, std::uint32_t charCode, std::uint32_
 // descend, is left out. Otherwise one of these, with the table as it was:
 inline constexpr std::int32_t kNoGlyph = -1;  // `glyph` is null
 inline constexpr std::int32_t kGlyphNoMemory = -2;
-inline constexpr std::int32_t kGlyphTooLarge = -3;  // a component of 65,535 bytes or more
-// Components get the counts of getGlyphData, but for composites that draw on a cycle of components:
-// beyond 256 of those in a table they are 0. The number 0xFFFF is in no font, and a reference to it
-// finds no record.
+// A component of 65,535 bytes or more, or components that come to more than 32 MiB and four times
+// the font's image, as glyphs can that share their bytes.
+inline constexpr std::int32_t kGlyphTooLarge = -3;
+// Components get the counts of getGlyphData, but in damaged fonts some get 0:
+//   - composites that draw on a cycle of components, beyond 256 of those in a table, and as soon as
+//     counting them has taken four times kMostOutlineWork
+//   - simple glyphs whose outline runs on past their own bytes, and composites whose chain of
+//     components does, as soon as 64 MiB have been read in that way. Such a chain then ends where
+//     the glyph's own bytes do.
+// The number 0xFFFF is in no font, and a reference to it finds no record.
 // Time grows with the component records not seen in earlier calls for the same font. `byteCount` is
 // even; `font` stays open until the table has all its glyphs.
 std::int32_t addGlyph(WriterTable* glyfTable, GlyphData* glyph, const TrueTypeFont* font) noexcept;

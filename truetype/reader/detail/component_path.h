@@ -11,6 +11,7 @@
 #include "truetype/detail/c_buffer.h"
 #include "truetype/detail/component.h"
 #include "truetype/list.h"
+#include "truetype/reader/detail/placement.h"
 
 namespace ulm::truetype::detail {
 
@@ -34,11 +35,12 @@ struct ComponentFrame {
   std::size_t next;    // of the one after, or kNoRecord
   std::uint32_t glyphIndex;
   OutlineTotals before;  // this composite
+  PointOffset offset;    // of this composite's points, within the innermost record that scales
 };
 
 inline ComponentFrame frameOf(ByteView glyph, std::uint32_t glyphIndex,
-                              const OutlineTotals& before) noexcept {
-  return {glyph, kNoRecord, kFirstComponent, glyphIndex, before};
+                              const OutlineTotals& before = {}, PointOffset offset = {}) noexcept {
+  return {glyph, kNoRecord, kFirstComponent, glyphIndex, before, offset};
 }
 
 // The composites that lead to the present one, from the outermost on. Beyond kInline it moves to

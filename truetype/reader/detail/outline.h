@@ -14,10 +14,10 @@ namespace ulm::truetype::detail {
 // contours are cut.
 std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept;
 
-// Fills `count` points, as simplePointCount gave it. False where a repeat passes the last point or
-// the data is cut; the points are then worthless.
+// Fills `count` points, as simplePointCount gave it, all moved by `offset`. False where a repeat
+// passes the last point or the data is cut; the points are then worthless.
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,
-                        GlyphPoint* points) noexcept;
+                        PointOffset offset, GlyphPoint* points) noexcept;
 
 // How a walk through a composite ended: at its end; before it, where the chain of components is cut
 // or the work is beyond its bound, which leaves no outline; or where memory ran out.
@@ -33,11 +33,18 @@ WalkEnd measureComposite(const TrueTypeFont& font, std::uint32_t glyphIndex, Com
 std::uint32_t decodeCompositePoints(const TrueTypeFont& font, std::uint32_t glyphIndex,
                                     ComponentPath& path, GlyphPoint* points) noexcept;
 
+// What an outline comes to, and what it took to find out: the work that kMostOutlineWork bounds,
+// and kRecordWork for each record.
+struct OutlineSize {
+  std::uint32_t points, contours;
+  std::uint64_t work;
+};
+inline constexpr std::uint32_t kRecordWork = 8;
+
 // The points of the outline that getGlyphPoints resolves and the ends of contours among them, both
 // 0 for a glyph without an outline. No coordinate is read and no room for points taken; the
 // components of a composite are walked once. `glyphIndex` is below numGlyphs. False where memory
 // ran out.
-bool countOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, std::uint32_t* outPoints,
-                  std::uint32_t* outContours) noexcept;
+bool countOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, OutlineSize* out) noexcept;
 
 }  // namespace ulm::truetype::detail

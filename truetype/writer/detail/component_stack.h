@@ -10,6 +10,7 @@
 
 #include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/component.h"
 #include "truetype/reader/glyphs.h"
 #include "truetype/records.h"
 #include "truetype/writer/detail/glyph_index.h"
@@ -22,9 +23,10 @@ struct CountSums {
   std::uint32_t points, contours;
   bool unknown;
 
-  void add(const OutlineCounts& component) noexcept {
+  // `flags` are those of the component's record.
+  void add(const OutlineCounts& component, std::uint16_t flags) noexcept {
     records += std::uint64_t{component.records} + 1;
-    work += std::uint64_t{component.work} + component.room;  // once more, as they are placed
+    work += component.work + placementWork(flags) * component.room;
     room += component.room;
     points += component.points;
     contours += component.contours;
@@ -46,12 +48,13 @@ struct CountSums {
 // One composite on the way down.
 struct OpenComposite {
   ByteView glyph;
-  std::size_t next;             // the record to come, or kNoRecord
-  std::uint32_t place;          // in the index
-  std::uint16_t referencesEnd;  // of the bytes in `record` whose references are made new ones
-  bool cut;                     // its chain of components, by the end of glyf
-  GlyphData* record;            // to be given the counts, or null
-  CountSums sums;               // of the components so far
+  std::size_t next;     // the record to come, or kNoRecord
+  std::size_t own;      // length of the glyph's own bytes
+  std::uint32_t place;  // in the index
+  std::uint16_t flags;  // of the record that is being worked on
+  bool cut;             // its chain of components, by the end of glyf
+  GlyphData* record;    // to be given the counts, or null
+  CountSums sums;       // of the components so far
 };
 static_assert(std::is_trivially_copyable_v<OpenComposite>);
 

@@ -27,17 +27,34 @@ inline OutlineCounts plainCounts(const SimpleShape& shape) noexcept {
 // be null.
 inline bool giveCounts(GlyfPayload& table, const TrueTypeFont& font, const OutlineCounts& counts,
                        GlyphData* record) noexcept {
-  constexpr std::uint32_t kMostCycles = 256;
   if (record == nullptr) return true;
   if (counts.records == kUnknownRecords) {
-    if (table.cyclesCounted == kMostCycles) return true;
+    constexpr std::uint32_t kMostCycles = 256;
+    constexpr std::uint64_t kMostCycleWork = std::uint64_t{4} * kMostOutlineWork;
+    if (table.cyclesCounted == kMostCycles || table.cycleWork > kMostCycleWork) return true;
     ++table.cyclesCounted;
-    return countGlyphData(font, record);
+    std::uint64_t work = 0;
+    if (!countGlyphData(font, record, &work)) return false;
+    table.cycleWork += work;
+    return true;
   }
   const bool isRead = counts.records <= kMostComponentRecords && counts.work <= kMostOutlineWork;
   record->pointCount = isRead ? counts.points : std::uint16_t{0};
   record->contourCount = isRead ? counts.contours : std::uint16_t{0};
   return true;
+}
+
+// The bytes that a walk may read of a glyph with so many of its own: up to the end of glyf, as the
+// reader does, or where many damaged glyphs have read far beyond their own, no more than these.
+inline ByteView readableGlyph(const GlyfPayload& table, ByteView glyph, std::size_t own) noexcept {
+  const bool isCut = table.foreignBytes > kMostForeignBytes && glyph.size() > own;
+  return isCut ? ByteView(glyph.start(), own) : glyph;
+}
+
+inline SimpleShape shapeIn(GlyfPayload& table, ByteView glyph, std::size_t own) noexcept {
+  const SimpleShape shape = simpleShape(readableGlyph(table, glyph, own));
+  if (shape.reach > own) table.foreignBytes += shape.reach - own;
+  return shape;
 }
 
 // Visits the components of a glyph in the order of first use, and theirs before the next, each
@@ -50,7 +67,6 @@ inline bool giveCounts(GlyfPayload& table, const TrueTypeFont& font, const Outli
 //   std::int32_t append(GlyphEntry& entry)   the record of that glyph, at the end of the list: its
 //                                            new index, kNoGlyph, or why the addition fails
 //   GlyphData* last(), SimpleShape shape()   of the glyph last appended
-//   kBorrows                                 whether references are renumbered on the way
 template <class Adder>
 class ComponentWalk {
  public:
@@ -62,7 +78,7 @@ class ComponentWalk {
   std::int32_t run(GlyphEntry& entry, GlyphData* record) noexcept {
     const ByteView glyph = compositeView(font_, entry.glyph);
     if (glyph.size() == 0) {
-      entry.counts = plainCounts(simpleShape(glyphView(font_, entry.glyph)));
+      entry.counts = plainCounts(shapeOf(entry));
       return 0;
     }
     open(entry, glyph, record);
@@ -70,10 +86,6 @@ class ComponentWalk {
       while (now_.next != kNoRecord && now_.glyph.holds(now_.next, 4)) {
         const std::int32_t failure = step();
         if (failure != 0) return failure;
-      }
-      // A record that its padding alone makes whole is one in the new font, and none in this.
-      if (now_.next != kNoRecord && now_.next + 4 == now_.referencesEnd) {
-        table_.lateReferences = true;
       }
       const OutlineCounts counts = now_.sums.total(now_.cut || now_.next != kNoRecord);
       if (!giveCounts(table_, font_, counts, now_.record)) return kGlyphNoMemory;
@@ -85,27 +97,26 @@ class ComponentWalk {
   }
 
  private:
+  SimpleShape shapeOf(const GlyphEntry& entry) noexcept {
+    return shapeIn(table_, glyphView(font_, entry.glyph), ownLength(font_, entry.glyph));
+  }
+
   // `record` is one that this addition has made, or null.
   void open(const GlyphEntry& entry, ByteView glyph, GlyphData* record) noexcept {
-    const bool renumbers = Adder::kBorrows && record != nullptr;
-    const std::uint16_t end = renumbers ? record->byteCount : std::uint16_t{0};
-    now_ = {glyph, kFirstComponent, index_.placeOf(entry), end, false, record, {}};
+    const std::size_t own = ownLength(font_, entry.glyph);
+    now_ = {readableGlyph(table_, glyph, own),
+            kFirstComponent,
+            own,
+            index_.placeOf(entry),
+            0,
+            false,
+            record,
+            {}};
   }
 
-  // Tells what a component counts to the one that draws on it.
+  // Adds what a component counts to the one that draws on it.
   void pass(const OutlineCounts& counts) noexcept {
-    if (!now_.cut) now_.sums.add(counts);
-  }
-
-  // The component record at `at` is to refer to the new font's glyph.
-  void refer(std::size_t at, std::uint32_t newIndex) noexcept {
-    if (!Adder::kBorrows || at + 4 > now_.referencesEnd) return;
-    // A record that the glyph's own end cuts may read otherwise there than in the font.
-    if (newIndex == kNoRecordIndex || at + 4 == now_.referencesEnd) {
-      table_.lateReferences = true;
-    } else {
-      put16(now_.record->data, at + 2, newIndex);
-    }
+    if (!now_.cut) now_.sums.add(counts, now_.flags);
   }
 
   // Takes the component record at now_.next, the first 4 bytes of which are there.
@@ -117,8 +128,9 @@ class ComponentWalk {
     const std::size_t size = componentSize(flags);
     now_.cut = !now_.glyph.holds(record, size);  // its glyph is named all the same
     now_.next = (flags & kMoreComponents) != 0 ? record + size : kNoRecord;
+    now_.flags = flags;
+    if (record >= now_.own) table_.foreignBytes += size;
     if (glyphIndex >= font_.numGlyphs) {
-      refer(record, kNoRecordIndex);
       pass({});
       return 0;
     }
@@ -127,7 +139,6 @@ class ComponentWalk {
     GlyphEntry& entry = *entered;
     // One on the way to itself has no counts yet.
     if (!index_.visit(entry)) {
-      refer(record, entry.record());
       pass(entry.counts);
       return 0;
     }
@@ -137,7 +148,6 @@ class ComponentWalk {
       if (added < kNoGlyph) return added;
       if (added != kNoGlyph) made = adder_.last();
     }
-    refer(record, entry.record());
     return descend(entry, made);
   }
 
@@ -150,7 +160,7 @@ class ComponentWalk {
     }
     const ByteView glyph = compositeView(font_, entry.glyph);
     if (glyph.size() == 0) {
-      entry.counts = plainCounts(simpleShape(glyphView(font_, entry.glyph)));
+      entry.counts = plainCounts(shapeOf(entry));
       pass(entry.counts);
       return 0;
     }

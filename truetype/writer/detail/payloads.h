@@ -24,13 +24,18 @@ using format::padded;
 struct GlyphExtent {
   std::int16_t xMin, yMin, xMax, yMax;
 
-  // A glyph shorter than its header adds nothing.
-  void include(const GlyphData& glyph) noexcept {
+  // The last byte of a glyph's header may be the zero that makes a length even. A shorter glyph
+  // adds nothing.
+  void include(ByteView glyph) noexcept {
     using format::GlyphHeader;
-    if (glyph.byteCount < GlyphHeader::kSize) return;
-    const auto header = format::FixedView<GlyphHeader>::vouched(glyph.data);
+    constexpr std::size_t kTop = GlyphHeader::kYMax.kOffset;
+    if (glyph.size() < GlyphHeader::kSize - 1) return;
+    const bool isCut = glyph.size() < GlyphHeader::kSize;
+    const std::int32_t top =
+        isCut ? glyph.readHeld<std::int8_t>(kTop) * 0x100 : glyph.readHeld<std::int16_t>(kTop);
+    const auto header = FixedView<GlyphHeader, kTop>::vouched(glyph.start());
     widen(xMin, xMax, header.get(GlyphHeader::kXMin), header.get(GlyphHeader::kXMax));
-    widen(yMin, yMax, header.get(GlyphHeader::kYMin), header.get(GlyphHeader::kYMax));
+    widen(yMin, yMax, header.get(GlyphHeader::kYMin), static_cast<std::int16_t>(top));
   }
 
  private:
@@ -41,26 +46,46 @@ struct GlyphExtent {
   }
 };
 
+// A record of a table that borrows its glyphs' bytes, with the node that holds it in the list.
+struct BorrowedGlyph {
+  TTListNode node;
+  GlyphData glyph;  // `data` points into the font, and may end before `byteCount`
+  bool isOdd;       // by one byte, for which the file has a zero
+};
+
 // A glyf table's list comes first, so that the payload is also the list.
 struct GlyfPayload {
   TTList glyphs;
   GlyphIndex index;
-  // Of a table that the subset driver fills, else null: owns all nodes and records, and of the data
-  // what is not borrowed from the font.
-  GlyphStore* store;
+  // Of a table that the subset driver fills, else null: owns all its BorrowedGlyphs.
+  GlyphArena* borrowed;
   GlyphExtent extent;           // of a borrowing table's glyphs, read while their bytes are at hand
   std::uint32_t cyclesCounted;  // composites with a cycle that the reader has counted
-  // The references of a borrowing table are made those of the new font as its composites come, or,
-  // where one can't be told before the list is whole, all at the end.
-  bool lateReferences;
+  std::uint64_t cycleWork;      // what that took
+  std::uint64_t foreignBytes;   // read of outlines beyond their glyphs' own bytes
 };
 static_assert(std::is_standard_layout_v<GlyfPayload>);
+
+// A failure of an addition next to those of addGlyph: mostGlyphBytes.
+inline constexpr std::int32_t kTooManyGlyphBytes = -4;
+
+inline constexpr std::uint64_t kMostForeignBytes = std::uint64_t{1} << 26;
+
+// The most bytes of glyphs that one call takes out of a font. Glyphs of an undamaged font share
+// none, so that all of them together have no more than the image; damaged ones could turn a small
+// image into gigabytes.
+inline std::uint64_t mostGlyphBytes(const TrueTypeFont& font) noexcept {
+  return (std::uint64_t{1} << 25) + 4 * static_cast<std::uint64_t>(font.imageSize);
+}
 
 struct NamePayload {
   TTList records;
   bool incomplete;  // a record was lost for want of memory
 };
 
+inline GlyfPayload& glyfOf(const WriterTable* table) noexcept {
+  return *static_cast<GlyfPayload*>(table->data);
+}
 inline TTList* listOf(const WriterTable* table) noexcept {
   return static_cast<TTList*>(table->data);
 }
@@ -81,15 +106,16 @@ WriterTable* adoptRawTable(std::uint32_t tag, std::uint32_t length,
 // once. A composite that is added again has no counts: its first record has them.
 WriterTable* createBorrowingGlyfTable(const TrueTypeFont& font, std::uint32_t glyphs) noexcept;
 // addGlyph of each glyph's own data to a borrowing table. newIndices receives the results, kNoGlyph
-// too where there is no glyph, and once the table has more than 65,535. 0, or the first of the
-// other failures; then the table is to be disposed of.
-std::int32_t addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
+// too where there is no glyph, and once the table has more than 65,535. WriterResultOk, or why the
+// table is to be disposed of.
+WriterResult addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
                            const std::uint16_t* glyphIds, std::size_t count,
                            std::int32_t* newIndices) noexcept;
 
-// The bytes of a glyf table's image, which are one glyph after the other.
+// The bytes of a glyf table's image, which are one glyph after the other. Those of a borrowing
+// table get the references of the new font as they are written.
 std::uint64_t glyfLength(const TTList& glyphs) noexcept;
-void writeGlyphs(const TTList& glyphs, format::ByteSink out) noexcept;
+void writeGlyphs(const GlyfPayload& table, format::ByteSink out) noexcept;
 
 // A buffer for an image of `length` bytes, the padding zero and the rest unset; null without
 // memory. It becomes the table's image.
@@ -128,17 +154,13 @@ WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept;
 // As getTableImage.
 WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept;
 
-// Copies a glyph, filled up to an even length by a zero.
-void copyEven(ByteView bytes, std::uint8_t* out) noexcept;
 // Whether a glyph that describeGlyph refuses has more bytes than a record can tell.
 bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept;
 
-// Makes the references of a composite those of the new font: to the first records of the glyphs, or
-// to `absent` where one has none.
-void renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
+// Makes the references of a composite's bytes those of the new font: to the first records of the
+// glyphs, or to `absent` where one has none.
+void renumberComponents(format::ByteSink glyph, const GlyphIndex& index,
                         std::uint32_t absent) noexcept;
-// The same of a whole table, each glyph of which is as it was in the font.
-void renumberGlyphs(GlyfPayload& payload) noexcept;
 
 void disposeGlyphs(GlyfPayload* payload) noexcept;
 void freeGlyphData(void* glyph) noexcept;
