@@ -207,7 +207,7 @@ TEST(CompositeGlyph, ComponentsAndMetrics) {
                 {},
                 compositeGlyph({moved(0, 5, 5, 0x0200), moved(1, 0, 0)}),
                 compositeGlyph({moved(9, 0, 0), moved(2, 0, 0), moved(3, 1, 1)}),
-                compositeGlyph({moved(9, 0, 0), moved(2, 0, 0)}),
+                compositeGlyph({moved(9, 0, 0, 0x0200), moved(2, 0, 0)}),
                 Bytes().u16({-2, 0, 0, 0, 0})});
   image.longMetrics("hhea", "hmtx", 4, Bytes().u16({500, 1, 600, 2, 700, 3, 800, 4, 5, 6, 7}));
   const OpenFont font(image);
@@ -227,6 +227,9 @@ TEST(CompositeGlyph, ComponentsAndMetrics) {
   listAppend(ancestry, reinterpret_cast<void*>(std::uintptr_t{0}));
   EXPECT_EQ(readCompositeGlyph(font.get(), 3, &points, nullptr, ancestry), 4);  // 0 is an ancestor
   std::free(points);
+  EXPECT_EQ(readCompositeGlyph(font.get(), 5, &points, &metrics, ancestry), 0);
+  std::free(points);
+  EXPECT_EQ(metrics.leftSideBearing, 6);  // its own: no glyph lends any
   listDispose(ancestry);
   EXPECT_EQ(readSimpleGlyph(font.get(), 0, &points, &metrics), 3);
   std::free(points);

@@ -120,10 +120,12 @@ TEST(Kerning, Requests) {
 
 TEST(Kerning, PairsThatLeaveTheImageAreSkipped) {
   Bytes last = subtable(1, {{1, 2, -80}});
-  last.put16(6, 2);  // one pair more than there is
-  const OpenFont font(kerned(kernTable({kTwoPairs, last})));
+  last.put16(6, 2);                                                   // one pair more than there is
+  const Bytes passedOver = Bytes(last).put16(4, 3).put16(6, 0xFFFF);  // no request reads its pairs
+  const OpenFont font(kerned(kernTable({kTwoPairs, passedOver, last})));
   ASSERT_EQ(font->kernType, 2);
-  EXPECT_EQ(font->kernTables[1], nullptr);
+  EXPECT_EQ(font->kernTables[1], font->tables[kSlotKern] + 4 + kTwoPairs.size());
+  EXPECT_EQ(font->kernTables[2], nullptr);
   EXPECT_EQ(pairOf(font, 0, 1, 2).first, -50);
 }
 

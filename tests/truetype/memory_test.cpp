@@ -115,6 +115,12 @@ TEST(Memory, ListsStayWhole) {
       EXPECT_EQ(listCount(target) == 3 || listCurrent(target) == target, true);
     }
     listDispose(target);
+    TTList* empty = listCreate();
+    if (empty != nullptr) {
+      listAppendAll(empty, list);
+      EXPECT_EQ(listCurrent(empty), listIsEmpty(empty) != 0 ? nullptr : list);
+    }
+    listDispose(empty);
     std::free(listToArray(list));
   });
   EXPECT_GT(needed, 15);

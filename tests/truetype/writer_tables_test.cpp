@@ -197,6 +197,10 @@ TEST(WriterTables, MappingsHaveTheirLimits) {
     EXPECT_EQ(image.result, length == 0 ? WriterResultCmapTooLarge : WriterResultOk) << count;
     EXPECT_EQ(image.length, length == 0 ? 0 : 12 + length) << count;
   }
+  // A segment that ends with the last code closes the subtable too.
+  std::vector<Mapping> closed = every(6552, 1, 1);
+  closed.push_back({0xFFFF, 5});
+  EXPECT_EQ(imageOf(cmapOf(closed)).length, 12u + 16 + 2 * 8);
   std::vector<Mapping> repeated = every(6552, 1, 1);
   repeated.insert(repeated.begin() + 5, {5, 999});  // the first of equal codes is found
   EXPECT_EQ(imageOf(cmapOf(repeated)).bytes, imageOf(cmapOf(every(6552, 1, 1))).bytes);
