@@ -7,6 +7,9 @@
 
 namespace ulm::truetype::format {
 
+// Glyph numbers are below this, so that the number 0xFFFF is in no font.
+inline constexpr std::uint32_t kMaxGlyphCount = 0xFFFF;
+
 struct Maxp {
   static constexpr std::uint32_t kTag = tag("maxp");
   static constexpr std::uint32_t kVersion1 = 0x00010000;

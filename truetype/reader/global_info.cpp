@@ -2,7 +2,7 @@
 #include <iterator>
 
 #include "truetype/bytes.h"
-#include "truetype/detail/byte_view.h"
+#include "truetype/detail/font_views.h"
 #include "truetype/format/head.h"
 #include "truetype/format/hhea.h"
 #include "truetype/format/os2.h"

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "truetype/detail/bisect.h"
-#include "truetype/detail/byte_view.h"
+#include "truetype/detail/font_views.h"
 #include "truetype/format/cmap.h"
 #include "truetype/reader/detail/below_window.h"
 

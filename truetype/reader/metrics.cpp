@@ -1,9 +1,9 @@
 #include "truetype/reader/metrics.h"
 
 #include "truetype/bytes.h"
-#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
-#include "truetype/detail/metric.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/detail/long_metrics.h"
 #include "truetype/format/cmap.h"
 #include "truetype/format/glyf.h"
 #include "truetype/format/hmtx.h"
@@ -35,15 +35,9 @@ ByteView rawView(const std::uint8_t* table, std::size_t longCount,
 
 void readGlyphMetrics(const TrueTypeFont* font, std::uint32_t glyphIndex,
                       GlyphMetrics* metrics) noexcept {
-  Metric across = {0, 0}, down = {0, 0};
-  if (font->tables[kSlotHmtx] != nullptr && font->numberOfHMetrics != 0) {
-    across = metricOf(detail::tableView(*font, kSlotHmtx), font->numberOfHMetrics, font->numGlyphs,
-                      glyphIndex);
-    if (font->tables[kSlotVmtx] != nullptr && font->numOfLongVerMetrics != 0) {
-      down = metricOf(detail::tableView(*font, kSlotVmtx), font->numOfLongVerMetrics,
-                      font->numGlyphs, glyphIndex);
-    }
-  }
+  const bool hasHorizontal = font->tables[kSlotHmtx] != nullptr && font->numberOfHMetrics != 0;
+  const Metric across = detail::horizontalMetric(*font, glyphIndex);
+  const Metric down = hasHorizontal ? detail::verticalMetric(*font, glyphIndex) : Metric{0, 0};
   metrics->advanceWidth = across.advance;
   metrics->leftSideBearing = across.sideBearing;
   metrics->advanceHeight = down.advance;

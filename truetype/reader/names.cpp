@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "truetype/detail/bisect.h"
-#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
 #include "truetype/detail/name_entry.h"
 #include "truetype/format/name.h"
 

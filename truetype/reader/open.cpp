@@ -5,8 +5,8 @@
 #include <memory>
 #include <optional>
 
-#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
 #include "truetype/detail/swap_run.h"
 #include "truetype/format/cmap.h"
 #include "truetype/format/directory.h"

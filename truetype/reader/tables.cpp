@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
 #include "truetype/format/directory.h"
 
 namespace ulm::truetype {

@@ -1,32 +1,23 @@
-// Character mappings and their subtable of format 4 (OpenType, cmap).
-#include <bit>
-#include <cstring>
+#include "truetype/writer/detail/cmap_table.h"
 
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "truetype/detail/c_buffer.h"
 #include "truetype/format/byte_sink.h"
 #include "truetype/format/cmap.h"
 #include "truetype/format/directory.h"
-#include "truetype/writer/detail/payloads.h"
 
-namespace ulm::truetype {
+namespace ulm::truetype::detail {
 namespace {
 
-using detail::CBuffer;
 using format::Cmap, format::Cmap4, format::Cmap4Arrays, format::EncodingRecord;
 
 constexpr std::uint32_t kSubtableSteps = 10;
 constexpr std::uint32_t kMappingSteps = 500;
 constexpr std::uint16_t kLastCode = Cmap4::kLastCode;
-
-// A larger copy in place of an array, the new entries unset. False without memory.
-template <class T>
-bool grow(T*& array, std::size_t count, std::size_t capacity) noexcept {
-  CBuffer<T> larger = detail::makeBuffer<T>(capacity);
-  if (larger == nullptr) return false;
-  if (count != 0) std::memcpy(larger.get(), array, count * sizeof(T));
-  std::free(array);
-  array = larger.release();
-  return true;
-}
 
 // The subtable of this id, made at its place if there is none; null without memory.
 CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
@@ -35,11 +26,12 @@ CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
   CmapSubtable* subtable = cmap.subtables + place;
   if (place < cmap.subtableCount && subtable->id == id) return subtable;
 
-  CBuffer<std::uint32_t> charCodes = detail::makeZeroedBuffer<std::uint32_t>(kMappingSteps);
-  CBuffer<std::uint32_t> glyphIds = detail::makeZeroedBuffer<std::uint32_t>(kMappingSteps);
+  CBuffer<std::uint32_t> charCodes = makeZeroedBuffer<std::uint32_t>(kMappingSteps);
+  CBuffer<std::uint32_t> glyphIds = makeZeroedBuffer<std::uint32_t>(kMappingSteps);
   if (charCodes == nullptr || glyphIds == nullptr) return nullptr;
   if (cmap.subtableCount == cmap.capacity) {
-    if (!grow(cmap.subtables, cmap.subtableCount, cmap.capacity + kSubtableSteps)) return nullptr;
+    if (!enlarge(cmap.subtables, cmap.subtableCount, cmap.capacity + kSubtableSteps))
+      return nullptr;
     cmap.capacity += kSubtableSteps;
     subtable = cmap.subtables + place;
   }
@@ -58,8 +50,8 @@ bool expectMappings(CmapSubtable& subtable, std::size_t more) noexcept {
   const std::size_t steps = (needed + kMappingSteps - 1) / kMappingSteps;
   const std::size_t room = std::bit_ceil(steps) * kMappingSteps;
   if (room > std::bit_ceil(std::size_t{subtable.capacity} / kMappingSteps) * kMappingSteps &&
-      (!grow(subtable.charCodes, subtable.count, room) ||
-       !grow(subtable.glyphIds, subtable.count, room))) {
+      (!enlarge(subtable.charCodes, subtable.count, room) ||
+       !enlarge(subtable.glyphIds, subtable.count, room))) {
     return false;
   }
   subtable.capacity = static_cast<std::uint32_t>(steps * kMappingSteps);
@@ -191,17 +183,17 @@ struct Stretches {
   CBuffer<Stretch> items;
   std::uint32_t count = 0;
 };
-enum class Reading { done, unsorted, noMemory };
+enum class Reading { Done, Unsorted, NoMemory };
 Reading readStretches(const CmapSubtable& subtable, Stretches& out) noexcept {
-  out.items = detail::makeBuffer<Stretch>(subtable.count);
-  if (out.items == nullptr) return Reading::noMemory;
+  out.items = makeBuffer<Stretch>(subtable.count);
+  if (out.items == nullptr) return Reading::NoMemory;
   for (std::uint32_t i = 0; i < subtable.count; ++i) {
     const std::uint16_t code = codeAt(subtable, i);
     const std::uint16_t glyph = glyphAt(subtable, i);
     bool joined = false;
     if (out.count > 0) {
       Stretch& last = out.items[out.count - 1];
-      if (code < last.end) return Reading::unsorted;
+      if (code < last.end) return Reading::Unsorted;
       if (code == last.end) continue;
       joined = code == last.end + 1;
       if (joined && glyph == static_cast<std::uint16_t>(last.firstGlyph + last.count())) {
@@ -211,7 +203,7 @@ Reading readStretches(const CmapSubtable& subtable, Stretches& out) noexcept {
     }
     out.items[out.count++] = {code, code, glyph, joined, false, true};
   }
-  return Reading::done;
+  return Reading::Done;
 }
 
 // Chooses for each stretch a segment of its own with idDelta, or a share of one whose glyphs are
@@ -280,14 +272,14 @@ WriterResult chooseForm(const CmapSubtable& subtable, Format4& form,
   stretches = {};
   if (form.fits()) return WriterResultOk;
   switch (readStretches(subtable, stretches)) {
-    case Reading::noMemory:
+    case Reading::NoMemory:
       return WriterResultNoMemory;
-    case Reading::unsorted:
+    case Reading::Unsorted:
       return WriterResultCmapTooLarge;
-    case Reading::done:
+    case Reading::Done:
       break;
   }
-  const CBuffer<bool> listedBefore = detail::makeBuffer<bool>(stretches.count);
+  const CBuffer<bool> listedBefore = makeBuffer<bool>(stretches.count);
   if (listedBefore == nullptr) return WriterResultNoMemory;
   form = chooseForms(stretches, listedBefore.get());
   return form.fits() ? WriterResultOk : WriterResultCmapTooLarge;
@@ -295,18 +287,36 @@ WriterResult chooseForm(const CmapSubtable& subtable, Format4& form,
 
 }  // namespace
 
-void addCharMapping(WriterTable* cmapTable, std::uint32_t charCode,
-                    std::uint32_t glyphId) noexcept {
-  auto& cmap = *static_cast<CmapTableData*>(cmapTable->data);
+WriterTable* makeEmptyCmapTable() noexcept {
+  CBuffer<CmapTableData> payload = makeZeroedBuffer<CmapTableData>(1);
+  CBuffer<CmapSubtable> subtables = makeZeroedBuffer<CmapSubtable>(kSubtableSteps);
+  if (payload == nullptr || subtables == nullptr) return nullptr;
+  CmapTableData& cmap = payload[0];
+  cmap.capacity = kSubtableSteps;
+  WriterTable* table = makeTable(kTagCmap, std::move(payload));
+  if (table != nullptr) cmap.subtables = subtables.release();
+  return table;
+}
+
+void disposeCmap(WriterTable* table) noexcept {
+  const CmapTableData& cmap = cmapOf(table);
+  for (std::uint32_t i = 0; i < cmap.subtableCount; ++i) {
+    std::free(cmap.subtables[i].charCodes);
+    std::free(cmap.subtables[i].glyphIds);
+  }
+  std::free(cmap.subtables);
+  std::free(table->data);
+}
+
+void appendMapping(WriterTable* cmapTable, std::uint32_t charCode, std::uint32_t glyphId) noexcept {
+  CmapTableData& cmap = cmapOf(cmapTable);
   CmapSubtable* subtable = subtableOf(cmap, kWindowsUnicodeSubtable);
   if (subtable == nullptr || !append(*subtable, charCode, glyphId)) cmap.incomplete = true;
 }
 
-namespace detail {
-
-void addCharMappings(WriterTable* cmapTable, const std::uint16_t* charCodes,
-                     const std::int32_t* glyphIds, std::size_t count) noexcept {
-  auto& cmap = *static_cast<CmapTableData*>(cmapTable->data);
+void appendMappings(WriterTable* cmapTable, const std::uint16_t* charCodes,
+                    const std::int32_t* glyphIds, std::size_t count) noexcept {
+  CmapTableData& cmap = cmapOf(cmapTable);
   CmapSubtable* subtable = subtableOf(cmap, kWindowsUnicodeSubtable);
   cmap.incomplete = cmap.incomplete || subtable == nullptr || !expectMappings(*subtable, count);
   if (cmap.incomplete) return;
@@ -320,7 +330,7 @@ void addCharMappings(WriterTable* cmapTable, const std::uint16_t* charCodes,
 // Forms are chosen twice, to size the image and to write it, so that none is stored. The last
 // choice is kept, so a single subtable is analysed once.
 WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
-  const auto& cmap = *static_cast<const CmapTableData*>(table->data);
+  const CmapTableData& cmap = cmapOf(table);
   if (cmap.incomplete) return WriterResultNoMemory;
   std::uint64_t length = Cmap::kRecords.at(cmap.subtableCount);
   Format4 form{};
@@ -330,12 +340,12 @@ WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
     if (result != WriterResultOk) return result;
     length += form.length();
   }
-  if (cmap.subtableCount > UINT16_MAX || padded(length) > UINT32_MAX) {
+  if (cmap.subtableCount > UINT16_MAX || format::padded(length) > UINT32_MAX) {
     return WriterResultCmapTooLarge;
   }
-  NewImage image(table, static_cast<std::uint32_t>(length));
+  NewBytes image(static_cast<std::size_t>(length));
   if (!image.hasMemory()) return WriterResultNoMemory;
-  const format::RecordSink<Cmap> header(image.bytes());
+  const format::RecordSink<Cmap> header(image.sink());
   header.put(Cmap::kVersion, 0);
   header.put(Cmap::kCount, static_cast<std::uint16_t>(cmap.subtableCount));
   auto offset = static_cast<std::uint32_t>(Cmap::kRecords.at(cmap.subtableCount));
@@ -348,7 +358,7 @@ WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
     record.put(EncodingRecord::kPlatformID, Cmap::kWindowsPlatform);
     record.put(EncodingRecord::kEncodingID, Cmap::kWindowsUnicode);
     record.put(EncodingRecord::kOffset, offset);
-    const Format4Writer subtableOut(form, image.bytes().sub(offset, form.length()));
+    const Format4Writer subtableOut(form, image.sink().sub(offset, form.length()));
     if (stretches.items == nullptr) {
       writePlain(subtable, subtableOut);
     } else {
@@ -356,8 +366,7 @@ WriterResult makeCmapImage(WriterTable* table, TableImage* out) noexcept {
     }
     offset += form.length();
   }
-  return image.finish(kTagCmap, out);
+  return image.becomeImage(table, kTagCmap, out);
 }
 
-}  // namespace detail
-}  // namespace ulm::truetype
+}  // namespace ulm::truetype::detail

@@ -1,20 +1,20 @@
-// The names of a new font (OpenType, name, format 0).
-#include <algorithm>
-#include <cstring>
+#include "truetype/writer/detail/name_table.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "truetype/detail/c_buffer.h"
 #include "truetype/format/byte_sink.h"
 #include "truetype/format/name.h"
-#include "truetype/writer/detail/payloads.h"
 
-namespace ulm::truetype {
+namespace ulm::truetype::detail {
 namespace {
 
-using detail::CBuffer;
-using detail::NamePayload;
-using detail::TableImage;
 using format::Name, format::NameEntry;
 
-constexpr std::uint64_t kMaxStrings = 0x10000;  // bytes; a table has fewer
+constexpr std::uint64_t kMaxStrings = 0xFFFF;  // bytes
 
 // A record with its index in the list, which settles the order of equal keys.
 struct SortedRecord {
@@ -59,15 +59,25 @@ void writeTable(const SortedRecord* records, std::uint16_t count, format::ByteSi
   }
 }
 
-}  // namespace
-
-void addNameRecord(WriterTable* nameTable, const NameRecord* record) noexcept {
-  if (!detail::appendNameRecord(nameTable, *record, record->data, record->length)) {
-    static_cast<NamePayload*>(nameTable->data)->incomplete = true;
-  }
+void freeRecord(void* record) noexcept {
+  if (record == nullptr) return;
+  std::free(static_cast<NameRecord*>(record)->data);
+  std::free(record);
 }
 
-namespace detail {
+}  // namespace
+
+WriterTable* makeEmptyNameTable() noexcept {
+  CBuffer<NamePayload> payload = makeZeroedBuffer<NamePayload>(1);
+  if (payload == nullptr) return nullptr;
+  listSetDestructor(&payload[0].records, freeRecord);
+  return makeTable(kTagName, std::move(payload));
+}
+
+void disposeNames(WriterTable* table) noexcept {
+  listClear(&namesOf(table).records);
+  std::free(table->data);
+}
 
 bool appendNameRecord(WriterTable* nameTable, const NameRecord& keys, const std::uint8_t* bytes,
                       std::uint16_t length) noexcept {
@@ -79,7 +89,7 @@ bool appendNameRecord(WriterTable* nameTable, const NameRecord& keys, const std:
   }
   CBuffer<NameRecord> copy = makeBuffer<NameRecord>(1);
   if (copy == nullptr) return false;
-  TTList* records = listOf(nameTable);
+  TTList* records = &namesOf(nameTable).records;
   const std::uint32_t count = records->count;
   listAppend(records, copy.get());
   if (records->count == count) return false;
@@ -88,32 +98,24 @@ bool appendNameRecord(WriterTable* nameTable, const NameRecord& keys, const std:
   return true;
 }
 
-void freeNameRecord(void* record) noexcept {
-  if (record == nullptr) return;
-  std::free(static_cast<NameRecord*>(record)->data);
-  std::free(record);
-}
-
 WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept {
-  const auto& payload = *static_cast<const NamePayload*>(table->data);
-  const TTList& records = payload.records;
-  if (payload.incomplete) return WriterResultNoMemory;
+  const TTList& records = namesOf(table).records;
+  if (namesOf(table).incomplete) return WriterResultNoMemory;
   if (records.count == 0) return WriterResultNoData;
   const CBuffer<SortedRecord> sorted = makeBuffer<SortedRecord>(records.count);
   if (sorted == nullptr) return WriterResultNoMemory;
   const std::uint64_t strings = readRecords(records, sorted.get());
-  if (strings >= kMaxStrings) return WriterResultNameTooLong;
+  if (strings > kMaxStrings) return WriterResultNameTooLong;
   const std::uint64_t stringOffset = Name::kEntries.at(records.count);
   if (stringOffset > UINT16_MAX) return WriterResultNameOutOfRange;
   std::sort(sorted.get(), sorted.get() + records.count,
             [](const SortedRecord& a, const SortedRecord& b) {
               return a.key != b.key ? a.key < b.key : a.index < b.index;
             });
-  NewImage image(table, static_cast<std::uint32_t>(stringOffset + strings));
+  NewBytes image(static_cast<std::size_t>(stringOffset + strings));
   if (!image.hasMemory()) return WriterResultNoMemory;
-  writeTable(sorted.get(), static_cast<std::uint16_t>(records.count), image.bytes());
-  return image.finish(kTagName, out);
+  writeTable(sorted.get(), static_cast<std::uint16_t>(records.count), image.sink());
+  return image.becomeImage(table, kTagName, out);
 }
 
-}  // namespace detail
-}  // namespace ulm::truetype
+}  // namespace ulm::truetype::detail

@@ -1,4 +1,4 @@
-// Memory for the records of many glyphs that go together.
+// Memory for many small records that are released together.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +9,12 @@
 namespace ulm::truetype::detail {
 
 // Hands out small pieces of larger blocks, all released with the arena.
-class GlyphArena {
+class Arena {
  public:
-  GlyphArena() noexcept = default;
-  GlyphArena(const GlyphArena&) = delete;
-  GlyphArena& operator=(const GlyphArena&) = delete;
-  ~GlyphArena() {
+  Arena() noexcept = default;
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+  ~Arena() {
     while (blocks_ != nullptr) {
       Block* next = blocks_->next;
       std::free(blocks_);

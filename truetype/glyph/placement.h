@@ -1,10 +1,10 @@
 // How a composite places the points of a component.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/glyph/component_records.h"
 #include "truetype/records.h"
 
 namespace ulm::truetype::detail {
@@ -19,11 +19,11 @@ struct PointOffset {
   }
 };
 
-// The arguments of the component record, which the glyph holds whole.
-PointOffset readOffset(ByteView glyph, std::size_t record) noexcept;
+// The arguments of a record, which the glyph holds whole.
+PointOffset readOffset(ByteView glyph, const ComponentRecord& record) noexcept;
 
-// Places `count` points as the record says, and moves them by `then`.
-void placePoints(ByteView glyph, std::size_t record, PointOffset then, GlyphPoint* points,
-                 std::uint32_t count) noexcept;
+// Places `count` points as a record says, which the glyph holds whole, and moves them by `then`.
+void placePoints(ByteView glyph, const ComponentRecord& record, PointOffset then,
+                 GlyphPoint* points, std::uint32_t count) noexcept;
 
 }  // namespace ulm::truetype::detail

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "truetype/bytes.h"
 #include "truetype/detail/table_slot.h"
 #include "truetype/font.h"
 #include "truetype/format/byte_view.h"

@@ -1,10 +1,10 @@
-// Entries of the hmtx and vmtx tables.
+// The entry of a glyph in the hmtx and vmtx tables.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/detail/font_views.h"
 #include "truetype/format/hmtx.h"
 
 namespace ulm::truetype::detail {
@@ -48,6 +48,16 @@ inline Metric metricOf(ByteView table, std::size_t longCount, std::size_t glyphC
     }
   }
   return metricByRule(table, longCount, glyphCount, glyph);
+}
+
+// The glyph's metric in a font; all 0 where that has no such metrics.
+inline Metric horizontalMetric(const TrueTypeFont& font, std::size_t glyph) noexcept {
+  if (font.tables[kSlotHmtx] == nullptr || font.numberOfHMetrics == 0) return {0, 0};
+  return metricOf(tableView(font, kSlotHmtx), font.numberOfHMetrics, font.numGlyphs, glyph);
+}
+inline Metric verticalMetric(const TrueTypeFont& font, std::size_t glyph) noexcept {
+  if (font.tables[kSlotVmtx] == nullptr || font.numOfLongVerMetrics == 0) return {0, 0};
+  return metricOf(tableView(font, kSlotVmtx), font.numOfLongVerMetrics, font.numGlyphs, glyph);
 }
 
 }  // namespace ulm::truetype::detail

@@ -1,9 +1,11 @@
-#include "truetype/reader/detail/placement.h"
+#include "truetype/glyph/placement.h"
 
-#include "truetype/detail/component.h"
+#include "truetype/format/glyf.h"
 
 namespace ulm::truetype::detail {
 namespace {
+
+using format::Component;
 
 std::int32_t largerDoubledIfAlike(std::int32_t one, std::int32_t other) noexcept {
   const std::int32_t p = one < 0 ? -one : one;
@@ -64,34 +66,32 @@ class Row {
 
 }  // namespace
 
-PointOffset readOffset(ByteView glyph, std::size_t record) noexcept {
-  const std::uint16_t flags = glyph.readOrZero<std::uint16_t>(record);
-  if ((flags & kArgumentsAreWords) != 0) {
-    return {glyph.readOrZero<std::uint16_t>(record + 4),
-            glyph.readOrZero<std::uint16_t>(record + 6)};
+PointOffset readOffset(ByteView glyph, const ComponentRecord& record) noexcept {
+  const RecordView<Component> arguments(glyph.from(record.offset));
+  if ((record.flags & Component::kArgumentsAreWords) != 0) {
+    return {arguments.readOrZero(Component::kWords, 0), arguments.readOrZero(Component::kWords, 1)};
   }
-  const auto argument = [&](std::size_t at) {
-    const std::int32_t byte = glyph.readOrZero<std::uint8_t>(at);
-    return static_cast<std::uint16_t>(
-        (flags & kArgumentsAreSigned) != 0 && byte > 0x7F ? byte - 0x100 : byte);
+  const bool areSigned = (record.flags & Component::kArgumentsAreSigned) != 0;
+  const auto argument = [&](std::size_t index) {
+    const std::int32_t byte = arguments.readOrZero(Component::kBytes, index);
+    return static_cast<std::uint16_t>(areSigned && byte > 0x7F ? byte - 0x100 : byte);
   };
-  return {argument(record + 4), argument(record + 5)};
+  return {argument(0), argument(1)};
 }
 
-void placePoints(ByteView glyph, std::size_t record, PointOffset then, GlyphPoint* points,
-                 std::uint32_t count) noexcept {
-  const std::uint16_t flags = glyph.readOrZero<std::uint16_t>(record);
-  const std::size_t scales = record + ((flags & kArgumentsAreWords) != 0 ? 8 : 6);
+void placePoints(ByteView glyph, const ComponentRecord& record, PointOffset then,
+                 GlyphPoint* points, std::uint32_t count) noexcept {
+  const std::uint16_t flags = record.flags;
   const auto value = [&](std::size_t index) {  // 2.14 into 16.16
-    return glyph.readOrZero<std::int16_t>(scales + 2 * index) * 4;
+    return glyph.readOrZero<std::int16_t>(record.offset + Component::scale(flags, index)) * 4;
   };
   std::int32_t a = 0x10000, b = 0, c = 0, d = 0x10000;
-  if ((flags & kHasScale) != 0) {
+  if ((flags & Component::kHasScale) != 0) {
     a = d = value(0);
-  } else if ((flags & kHasTwoScales) != 0) {
+  } else if ((flags & Component::kHasTwoScales) != 0) {
     a = value(0);
     d = value(1);
-  } else if ((flags & kHasMatrix) != 0) {
+  } else if ((flags & Component::kHasMatrix) != 0) {
     a = value(0);
     b = value(1);
     c = value(2);
