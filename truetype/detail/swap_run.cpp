@@ -1,6 +1,6 @@
 #include "truetype/detail/swap_run.h"
 
-#include "truetype/bytes.h"
+#include "truetype/format/big_endian.h"
 
 // Not in a build for Windows without optimisation, where vectors go over a stack that is not
 // aligned for them.
@@ -11,6 +11,14 @@
 
 namespace ulm::truetype::detail {
 namespace {
+
+constexpr std::size_t k16 = sizeof(std::uint16_t), k32 = sizeof(std::uint32_t);
+
+// Number `index` of a run.
+template <class T>
+T at(const std::uint8_t* bytes, std::size_t index) noexcept {
+  return format::loadBigEndian<T>(bytes + index * sizeof(T));
+}
 
 #ifdef ULM_SWAP_BY_SHUFFLE
 
@@ -27,7 +35,7 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
                                               std::uint32_t* out) noexcept {
   std::size_t done = 0;
   for (; count - done >= kLanes; done += kLanes) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), swapped32(bytes + 4 * done));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), swapped32(bytes + done * k32));
   }
   return done;
 }
@@ -37,8 +45,8 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
   __m256i even = _mm256_setzero_si256(), odd = even;
   std::size_t done = 0;
   for (; count - done >= 2 * kLanes; done += 2 * kLanes) {
-    even = _mm256_add_epi32(even, swapped32(bytes + 4 * done));
-    odd = _mm256_add_epi32(odd, swapped32(bytes + 4 * (done + kLanes)));
+    even = _mm256_add_epi32(even, swapped32(bytes + done * k32));
+    odd = _mm256_add_epi32(odd, swapped32(bytes + (done + kLanes) * k32));
   }
   std::uint32_t lanes[kLanes];
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), _mm256_add_epi32(even, odd));
@@ -52,7 +60,7 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
                                          1, 0, 2, 3, 5, 4, 6, 7, 9, 8, 10, 11, 13, 12, 14, 15);
   std::size_t done = 0;
   for (; count - done >= kLanes; done += kLanes) {
-    const auto* from = reinterpret_cast<const __m128i*>(bytes + 2 * done);
+    const auto* from = reinterpret_cast<const __m128i*>(bytes + done * k16);
     const __m256i number = _mm256_shuffle_epi8(_mm256_cvtepu16_epi32(_mm_loadu_si128(from)), order);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), _mm256_slli_epi32(number, 1));
   }
@@ -73,29 +81,29 @@ bool canShuffle() noexcept { return false; }
 }  // namespace
 
 bool storeRun32(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept {
-  if (count > bytes.size() / 4) return false;
+  if (count > bytes.size() / k32) return false;
   const std::uint8_t* start = bytes.start();
   for (std::size_t i = canShuffle() ? shuffle32(start, count, out) : 0; i < count; ++i) {
-    out[i] = readUInt32(start, 4 * i);
+    out[i] = at<std::uint32_t>(start, i);
   }
   return true;
 }
 
 bool storeDoubledRun16(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept {
-  if (count > bytes.size() / 2) return false;
+  if (count > bytes.size() / k16) return false;
   const std::uint8_t* start = bytes.start();
   for (std::size_t i = canShuffle() ? shuffle16(start, count, out) : 0; i < count; ++i) {
-    out[i] = 2u * readUInt16(start, 2 * i);
+    out[i] = 2u * at<std::uint16_t>(start, i);
   }
   return true;
 }
 
 std::uint32_t sumRun32(format::ByteView bytes) noexcept {
   const std::uint8_t* start = bytes.start();
-  const std::size_t count = bytes.size() / 4;
+  const std::size_t count = bytes.size() / k32;
   std::uint32_t sum = 0;
   for (std::size_t i = canShuffle() ? addUp32(start, count, &sum) : 0; i < count; ++i) {
-    sum += readUInt32(start, 4 * i);
+    sum += at<std::uint32_t>(start, i);
   }
   return sum;
 }

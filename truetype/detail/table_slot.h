@@ -8,6 +8,7 @@
 
 #include "truetype/font.h"
 #include "truetype/format/cmap.h"
+#include "truetype/format/directory.h"
 #include "truetype/format/field.h"
 #include "truetype/format/glyf.h"
 #include "truetype/format/head.h"
@@ -37,10 +38,10 @@ inline constexpr std::array<std::uint32_t, kTableSlotCount> kSlotTags = [] {
   tags[kSlotOs2] = format::Os2::kTag;
   tags[kSlotPost] = format::Post::kTag;
   tags[kSlotKern] = format::Kern::kTag;
-  tags[kSlotCvt] = format::tag("cvt ");
-  tags[kSlotPrep] = format::tag("prep");
-  tags[kSlotFpgm] = format::tag("fpgm");
-  tags[kSlotGsub] = format::tag("GSUB");
+  tags[kSlotCvt] = format::kCvtTag;
+  tags[kSlotPrep] = format::kPrepTag;
+  tags[kSlotFpgm] = format::kFpgmTag;
+  tags[kSlotGsub] = format::kGsubTag;
   return tags;
 }();
 

@@ -7,6 +7,10 @@
 
 namespace ulm::truetype::format {
 
+// Tables whose contents the library does not read.
+inline constexpr std::uint32_t kCvtTag = tag("cvt "), kPrepTag = tag("prep");
+inline constexpr std::uint32_t kFpgmTag = tag("fpgm"), kGsubTag = tag("GSUB");
+
 // One table of the directory, which is sorted by tag.
 struct TableEntry {
   static constexpr std::size_t kSize = 16;

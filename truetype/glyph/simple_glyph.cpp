@@ -198,8 +198,9 @@ bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t co
     decodeCoordinates(read, offsets->x, offsets->y, count, offset, points);
   } else {
     const auto read = [glyph](std::size_t at) -> std::uint32_t {
+      const std::size_t second = at + sizeof(std::uint8_t);
       return std::uint32_t{glyph.readOrZero<std::uint8_t>(at)} << 8 |
-             glyph.from(at).readOrZero<std::uint8_t>(1);
+             glyph.readOrZero<std::uint8_t>(second);
     };
     decodeCoordinates(read, offsets->x, offsets->y, count, offset, points);
   }

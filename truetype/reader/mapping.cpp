@@ -166,8 +166,7 @@ bool segmentsStayInside(ByteView subtable) noexcept {
     const std::size_t first = read(arrays.startCode(i));
     const std::size_t last = read(arrays.endCode(i));
     if (first <= last && first < kLastCode &&
-        !subtable.holds(format::rangeGlyph(rangeField, rangeOffset, 0),
-                        (last - first + 1) * kCodeSize)) {
+        !subtable.holds(format::rangeGlyph(rangeField, rangeOffset, last - first), kCodeSize)) {
       return false;
     }
   }

@@ -1,8 +1,8 @@
 #include "truetype/writer/detail/cmap_table.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include "truetype/detail/c_buffer.h"
@@ -35,7 +35,8 @@ CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
     cmap.capacity += kSubtableSteps;
     subtable = cmap.subtables + place;
   }
-  std::memmove(subtable + 1, subtable, (cmap.subtableCount - place) * sizeof(CmapSubtable));
+  CmapSubtable* end = cmap.subtables + cmap.subtableCount;
+  std::copy_backward(subtable, end, end + 1);
   *subtable = {id, 0, kMappingSteps, charCodes.release(), glyphIds.release()};
   ++cmap.subtableCount;
   return subtable;
