@@ -5,6 +5,13 @@
 #include <cstdint>
 
 #include "truetype/font.h"
+#include "truetype/format/cmap.h"
+#include "truetype/format/glyf.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/maxp.h"
+#include "truetype/format/name.h"
+#include "truetype/format/post.h"
 #include "truetype/list.h"
 #include "truetype/records.h"
 #include "truetype/writer/result.h"
@@ -12,14 +19,14 @@
 namespace ulm::truetype {
 
 inline constexpr std::uint32_t kTagRaw = 0;  // a raw table; its own tag is in its payload
-inline constexpr std::uint32_t kTagHead = 0x68656164;
-inline constexpr std::uint32_t kTagHhea = 0x68686561;
-inline constexpr std::uint32_t kTagLoca = 0x6C6F6361;
-inline constexpr std::uint32_t kTagMaxp = 0x6D617870;
-inline constexpr std::uint32_t kTagGlyf = 0x676C7966;
-inline constexpr std::uint32_t kTagCmap = 0x636D6170;
-inline constexpr std::uint32_t kTagName = 0x6E616D65;
-inline constexpr std::uint32_t kTagPost = 0x706F7374;
+inline constexpr std::uint32_t kTagHead = format::Head::kTag;
+inline constexpr std::uint32_t kTagHhea = format::Hhea::kTag;
+inline constexpr std::uint32_t kTagLoca = format::Loca::kTag;
+inline constexpr std::uint32_t kTagMaxp = format::Maxp::kTag;
+inline constexpr std::uint32_t kTagGlyf = format::GlyphHeader::kGlyfTag;
+inline constexpr std::uint32_t kTagCmap = format::Cmap::kTag;
+inline constexpr std::uint32_t kTagName = format::Name::kTag;
+inline constexpr std::uint32_t kTagPost = format::Post::kTag;
 
 // One table. An object belongs to one thread at a time.
 //   data  by tag: RawTableData, LocaTableData, CmapTableData, PostTableData; the 54, 36 and 32
@@ -66,7 +73,7 @@ struct PostTableData {
   std::uint16_t underlineThickness;  // font units
   std::uint32_t isFixedPitch;
 };
-inline constexpr std::uint32_t kPostFormat = 0x00030000;  // without glyph names
+inline constexpr std::uint32_t kPostFormat = format::Post::kVersion3;  // without glyph names
 
 // Constructors: null without memory. What is made is given back with disposeWriterTable, or handed
 // to a writer.
