@@ -10,7 +10,7 @@
 #include "command/font/font_file.h"
 #include "command/font/subset.h"
 #include "command/support/file_batch.h"
-#include "command/support/streams.h"
+#include "command/support/text.h"
 
 namespace ulm::tools {
 namespace {

@@ -104,69 +104,6 @@ void FontFile::requireGlyph(std::uint32_t glyph, const std::string& name) const 
                            " glyphs");
 }
 
-std::u32string decodeUtf8(const std::string& text) {
-  std::u32string codes;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto lead = static_cast<unsigned char>(text[i++]);
-    const int more = lead < 0x80   ? 0
-                     : lead < 0xC2 ? -1
-                     : lead < 0xE0 ? 1
-                     : lead < 0xF0 ? 2
-                     : lead < 0xF5 ? 3
-                                   : -1;
-    char32_t code = more <= 0 ? lead : lead & (0x3Fu >> more);
-    int seen = 0;
-    for (; seen < more && i < text.size() && (text[i] & 0xC0) == 0x80; ++seen, ++i) {
-      code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
-    }
-    constexpr char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
-    if (more < 0 || seen < more || code < kLeast[more] || code > 0x10FFFF ||
-        (code >= 0xD800 && code < 0xE000)) {
-      throw std::runtime_error("the text is not UTF-8");
-    }
-    codes.push_back(code);
-  }
-  return codes;
-}
-
-std::u32string decodeName(const std::string& name) {
-  try {
-    return decodeUtf8(name);
-  } catch (const std::runtime_error&) {
-    std::u32string codes;
-    for (const char byte : name) codes += static_cast<unsigned char>(byte);
-    return codes;
-  }
-}
-
-std::string encodeUtf8(char32_t code) {
-  if (code >= 0xD800 && code < 0xE000) code = U'\uFFFD';
-  std::string text;
-  const auto add = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  if (code < 0x80) {
-    add(code);
-  } else if (code < 0x800) {
-    add(0xC0 | code >> 6);
-    add(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    add(0xE0 | code >> 12);
-    add(0x80 | (code >> 6 & 0x3F));
-    add(0x80 | (code & 0x3F));
-  } else {
-    add(0xF0 | code >> 18);
-    add(0x80 | (code >> 12 & 0x3F));
-    add(0x80 | (code >> 6 & 0x3F));
-    add(0x80 | (code & 0x3F));
-  }
-  return text;
-}
-
-std::string encodeUtf8(const std::u32string& text) {
-  std::string bytes;
-  for (const char32_t code : text) bytes += encodeUtf8(code);
-  return bytes;
-}
-
 std::string codeName(char32_t code) {
   char text[16];
   std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(code));

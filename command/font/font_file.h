@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "command/support/text.h"
 #include "truetype/font.h"
 #include "truetype/records.h"
 
@@ -59,12 +60,6 @@ std::unique_ptr<T[], Freed> owned(T* block) {
   return std::unique_ptr<T[], Freed>(block);
 }
 
-// The characters of UTF-8 text; a runtime_error where it is none.
-std::u32string decodeUtf8(const std::string& text);
-// The same of a file's name, whose bytes stand for themselves where they are no UTF-8.
-std::u32string decodeName(const std::string& name);
-std::string encodeUtf8(char32_t code);  // U+FFFD for a surrogate
-std::string encodeUtf8(const std::u32string& text);
 std::string codeName(char32_t code);  // U+0041
 
 // The characters of a word that is U+XXXX or text; a runtime_error for a number that is none.

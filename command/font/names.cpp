@@ -96,7 +96,7 @@ FontNames namesOfFont(const FontFile& font) {
   const Records records(font);
   FontNames names;
   names.postScript = records.textOf(kPostScriptName, {kWindowsEnglish, kMacEnglish},
-                                    decodeName(font->postScriptName));
+                                    decodeFileName(font->postScriptName));
   names.family = records.textOf(
       kFamilyName, {kAnyUnicode, kWindowsEnglish, kMacEnglish, kWindowsJapanese}, names.postScript);
   names.style = records.textOf(kStyleName, {kMacEnglish, kWindowsEnglish}, {});

@@ -141,7 +141,7 @@ Report specimenOf(const FontFile& font, const FontOptions& options) {
   return {Json{{"glyphs", glyphs},
                {"width", x},
                {"unmapped", unmapped},
-               {"svg", encodeUtf8(decodeName(options.svg))}},
+               {"svg", encodeUtf8(decodeFileName(options.svg))}},
           svgPicture(box, paths)};
 }
 
