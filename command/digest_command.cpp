@@ -16,6 +16,7 @@
 #include "command/commands.h"
 #include "command/support/program.h"
 #include "command/support/streams.h"
+#include "command/support/text.h"
 
 namespace ulm::tools {
 namespace {

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "bignum/text.h"
-#include "command/support/streams.h"
+#include "command/support/text.h"
 
 namespace ulm::tools {
 // FromText passes over what is no digit; a user's slip is not to go by unseen.
