@@ -165,7 +165,7 @@ void failEachAllocation(Walk& walk, Step step, const bool (&changes)[8]) {
 TEST(Walk, LeavesTheExpectedStates) {
   Walk walk;
   std::string expected[8];
-  for (const char* file : {ULM_TEST_DATA "/bignum/walk.txt", ULM_TEST_DATA "/bignum/edges.txt"}) {
+  for (const char* file : {ULM_TEST_WALK, ULM_TEST_DATA "/bignum/edges.txt"}) {
     for (ulm::test::VectorBlock& block : ulm::test::readVectorBlocks(file)) {
       const Step step = kSteps.at(block.text("Op"));
       walk.args = block.numbers("Args");

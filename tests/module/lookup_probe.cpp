@@ -16,7 +16,7 @@
 #include "module/host_lookup.h"
 #include "standin/hostapp/control.h"
 #include "standin/win32/stand_in.h"
-#include "tests/support/script.h"
+#include "tests/module/script.h"
 
 namespace {
 

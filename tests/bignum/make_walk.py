@@ -1,15 +1,43 @@
 #!/usr/bin/env python3
-"""Writes walk.txt: a random walk over eight values, with the state that each step leaves.
+"""Writes a random walk over eight values, with the state that each step leaves, one step a line.
 
-The values come from Python's own integers. The storage is a model of the rules that the header tells
-for each operation, written from these rules alone: a value is a number with a capacity.
+The values come from Python's own integers. The storage is a model of the rules that the header states
+for each operation, written from these rules alone: a value is a number with a capacity. The walk is the
+same under every version of Python.
+
+Usage: make_walk.py FILE
 """
 import math
-import random
 import sys
 
-rnd = random.Random(20240917)
 REGISTERS = 8
+
+
+def following(x):
+    """The state after x of the generator behind the operands and the choice of steps."""
+    return (x * 6364136223846793005 + 1442695040888963407) % 2**64
+
+
+class Choices:
+    """Random choices. The sequences of Python's own functions for this may change with its version."""
+
+    def __init__(self, seed):
+        self.state = seed
+
+    def below(self, end):
+        self.state = following(self.state)
+        return (self.state >> 32) * end >> 32
+
+    def choice(self, options):
+        return options[self.below(len(options))]
+
+    def registers(self, count):
+        """Different registers in random order."""
+        left = list(range(REGISTERS))
+        return [left.pop(self.below(len(left))) for _ in range(count)]
+
+
+rnd = Choices(20240917)
 
 
 class N:
@@ -235,7 +263,7 @@ def pattern(count, kind, seed):
     """The words of the test's own operands, low word first; mirrored in the test."""
     words, x = [], seed
     for i in range(count):
-        x = (x * 6364136223846793005 + 1442695040888963407) % 2**64
+        x = following(x)
         w = x >> 32
         top = i + 1 == count
         words.append([w, 0xFFFFFFFF, w if 2 * i >= count else 0, 1 << seed % 32 if top else 0,
@@ -246,37 +274,34 @@ def pattern(count, kind, seed):
 
 
 regs = [N() for _ in range(REGISTERS)]
-out = open(sys.argv[1] if len(sys.argv) > 1 else "walk.txt", "w")
+out = open(sys.argv[1], "w", newline="\n")
 
 
 def step(op, args, changed, **more):
-    print("Op =", op, file=out)
-    print("Args =", *args, file=out)
-    for key, value in more.items():
-        print(key, "=", value, file=out)
-    for i in sorted(set(changed)):
-        print("R%d = %s" % (i, regs[i].state()), file=out)
-    print(file=out)
+    row = ["Op = " + op, "Args = " + " ".join(map(str, args))]
+    row += ["%s = %s" % entry for entry in more.items()]
+    row += ["R%d = %s" % (i, regs[i].state()) for i in sorted(set(changed))]
+    print(*row, sep=" | ", file=out)
 
 
 def load(i, count, kind=None, negative=None):
-    kind = rnd.randrange(6) if kind is None else kind
-    negative = rnd.randrange(2) if negative is None else negative
-    seed = rnd.randrange(1000)
+    kind = rnd.below(6) if kind is None else kind
+    negative = rnd.below(2) if negative is None else negative
+    seed = rnd.below(1000)
     regs[i] = N(pattern(count, kind, seed) * (-1 if negative else 1), room(count))
     step("Set", (i, count, kind, seed, negative), [i])
 
 
 def size():
     return rnd.choice([1, 1, 1, 2, 2, 3, 4, 8, 16, 29, 30, 31, 32, 33, 34, 61, 62, 63, 64, 65,
-                       rnd.randrange(1, 97), rnd.randrange(1, 201)])
+                       1 + rnd.below(96), 1 + rnd.below(200)])
 
 
 def small(near=None):
     """A small operand; near a value of one word, now and then one that cancels it, or nearly."""
-    if near is not None and abs(near) < 2**31 - 1 and rnd.randrange(3) == 0:
-        return rnd.choice([-1, 1]) * near + rnd.randrange(-1, 2)
-    return rnd.choice([0, 1, -1, 2, -2, 10, 3, -3, 2**31 - 1, -2**31, rnd.randrange(-2**31, 2**31)])
+    if near is not None and abs(near) < 2**31 - 1 and rnd.below(3) == 0:
+        return rnd.choice([-1, 1]) * near + rnd.below(3) - 1
+    return rnd.choice([0, 1, -1, 2, -2, 10, 3, -3, 2**31 - 1, -2**31, rnd.below(2**32) - 2**31])
 
 
 def fresh(make, *operands):
@@ -324,15 +349,15 @@ def in_place_small(op, d, s):
 
 
 def walk():
-    d, a, b, c = rnd.sample(range(REGISTERS), 4)
-    if rnd.randrange(8) == 0:
+    d, a, b, c = rnd.registers(4)
+    if rnd.below(8) == 0:
         a = d
     if regs[d].n + regs[a].n > 230 or regs[b].n > 200:
         load(d, 1)
         load(b, 2)
         return load(a, size())
-    bits = rnd.choice([0, 1, 7, 31, 32, 33, 63, 64, 96, 200, rnd.randrange(1200)])
-    group = rnd.randrange(8)
+    bits = rnd.choice([0, 1, 7, 31, 32, 33, 63, 64, 96, 200, rnd.below(1200)])
+    group = rnd.below(8)
     if group == 0:
         in_place(rnd.choice(list(IN_PLACE)), d, a)
     elif group == 1:
@@ -351,17 +376,17 @@ def walk():
     elif group == 5:
         load(d, size())
     else:
-        if rnd.randrange(2):  # a multiple of the divisor by a power of two, and its neighbours
+        if rnd.below(2):  # a multiple of the divisor by a power of two, and its neighbours
             in_place("Assign", a, b)
             in_place_small("Shl", a, rnd.choice([0, 1, 31, 32, 33, 63, 64, 65, 95, 96, 97, 700]))
             in_place_small("AddSmall", a, rnd.choice([0, -1, 1, 2**31 - 1]))
-        if rnd.randrange(4) == 0 and a != d:
+        if rnd.below(4) == 0 and a != d:
             regs[d] = N(0, 0, 0)
             step("Empty", (d,), (d,))
-        rest = c if rnd.randrange(3) else a
+        rest = c if rnd.below(3) else a
         if d == rest:
             d = c
-        if rnd.randrange(2) or regs[d].empty:
+        if rnd.below(2) or regs[d].empty:
             divide(regs[a], regs[b], regs[d], regs[rest])
             step("Divide", (a, b, d, rest), (d, rest))
         else:
@@ -371,7 +396,7 @@ def walk():
 
 def theory():
     for i in range(260):
-        a, b, m, d, x, y = rnd.sample(range(REGISTERS), 6)
+        a, b, m, d, x, y = rnd.registers(6)
         load(a, rnd.choice([1, 1, 2, 5, 31, 33, 40, 64]))
         load(b, rnd.choice([1, 1, 2, 5, 31, 33, 40]))
         if i % 5 == 0:
@@ -385,7 +410,7 @@ def theory():
             mod_pow(regs[a], regs[b], regs[m], regs[d])
             step("ModPow", (a, b, m, d), (d,))
         elif i % 5 == 1:
-            in_place_small("AssignSmall", b, rnd.randrange(0, 14))
+            in_place_small("AssignSmall", b, rnd.below(14))
             regs[d] = power(regs[a], regs[b])
             step("Pow", (d, a, b), (d,))
         elif i % 5 == 2:
@@ -407,7 +432,7 @@ def theory():
 
 def texts():
     for i in range(120):
-        a, d = rnd.sample(range(REGISTERS), 2)
+        a, d = rnd.registers(2)
         load(a, rnd.choice([1, 1, 2, 5, 31, 32, 33]))
         radix = 2 + i % 15
         step("ToText", (a, radix), (), Result=to_text(regs[a].v, radix))
