@@ -1,4 +1,4 @@
-# Takes the closed side from a folder of the user's, ULM_HOST_SDK, in place of the stand-ins:
+# Takes the closed side from a folder of the user's, ULM_HOST_SDK, instead of the stand-ins:
 #   DIR/host_adapter/  alloc.h odrx.h qlcore.h hostcmd.h interfaces.h, and win32.h but for Windows: each includes the
 #                      host's header of that library and maps its names to those that the module uses
 #   DIR/include/       the headers of the host that the adapters include

@@ -24,11 +24,12 @@ def main():
     for name in (name for name in files if name.endswith((".md", "rooms.txt"))):
         page = root / name
         text = page.read_text(encoding="utf-8")
-        places = [page.parent / link for link in LINK.findall(text) if "://" not in link]
-        places += [root / path for path in PATH.findall(text)
+        targets = [page.parent / link for link in LINK.findall(text) if "://" not in link]
+        targets += [root / path for path in PATH.findall(text)
                    if path.split("/")[0] in tops and path.split("/")[0] not in MADE]
-        seen += len(places)
-        faults += [f"{name}: there is no {place.relative_to(root)}" for place in places if not place.exists()]
+        seen += len(targets)
+        faults += [f"{name}: there is no {target.relative_to(root)}" for target in targets
+                   if not target.exists()]
     for fault in faults:
         print(fault)
     print(f"{seen} links and paths, {len(faults)} faults")
