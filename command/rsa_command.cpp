@@ -121,7 +121,7 @@ void run(const RsaArguments& arguments) {
   if (modulus < 2) throw std::runtime_error("the modulus is below 2");
   if (exponent.IsNegative()) throw std::runtime_error("the exponent is negative");
   const bignum::QLRSADecryptor decryptor(modulus, exponent);
-  const std::size_t bits = decryptor.MaxOutputBits();
+  const std::uint32_t bits = decryptor.MaxOutputBits();
   Bytes block = readBlock(arguments, bignum::bytesForBits(bits));
   if (arguments.bigEndian) std::reverse(block.begin(), block.end());
   block = arguments.operation == "apply" ? applyTo(decryptor.function, block)
