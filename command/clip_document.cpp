@@ -1,8 +1,10 @@
+#include "command/clip_document.h"
+
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
-
-#include "command/clip_document.h"
+#include <utility>
 
 namespace ulm::tools {
 namespace {
@@ -11,29 +13,29 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Whether the value of a number's text is below 1 in magnitude, by the power of ten of its first
-// digit that is not zero.
+// Returns true if the number of the text is below 1 in magnitude. The power of ten of the first
+// digit that is not 0 decides, so any number of digits is judged exactly.
 bool isBelowOne(std::string_view number) {
   if (number.front() == '-') number.remove_prefix(1);
-  const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
-  const std::string_view digits = number.substr(0, mark);
+  const std::size_t exponentMark = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view digits = number.substr(0, exponentMark);
   const std::size_t first = digits.find_first_of("123456789");
   if (first == digits.npos) return true;
   const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
   const auto index = static_cast<std::int64_t>(first);
-  std::string_view exponent = number.substr(std::min(mark + 1, number.size()));
+  std::string_view exponent = number.substr(std::min(exponentMark + 1, number.size()));
   const bool negative = !exponent.empty() && exponent.front() == '-';
   if (!exponent.empty() && !isDigit(exponent.front())) exponent.remove_prefix(1);
-  constexpr std::int64_t kFarBeyondAnyText = std::int64_t{1} << 56;
+  constexpr std::int64_t kMaxPower = std::int64_t{1} << 56;  // no text has that many digits
   std::int64_t power = 0;
   for (const char digit : exponent) {
-    if (power < kFarBeyondAnyText) power = 10 * power + (digit - '0');
+    if (power < kMaxPower) power = 10 * power + (digit - '0');
   }
   return (index < point ? point - index - 1 : point - index) + (negative ? -power : power) < 0;
 }
 
-// The value of a number's text, to the nearest Real; nothing where it is too large. A number too
-// small for Real is 0 with its sign.
+// Returns the Real that is nearest to the number of the text, or nothing if it is too large. A
+// number too small for Real becomes 0 with its sign.
 template <class Real>
 std::optional<Real> valueOf(std::string_view digits) {
   Real value = 0;
@@ -62,20 +64,20 @@ class JsonReader {
       expect('}', "',' or '}'");
     }
     skipBlanks();
-    if (at_ != text_.size()) fail("end of input");
+    if (offset_ != text_.size()) fail("end of input");
     document.headings = document.segments.has_value();
     return document;
   }
 
  private:
   [[noreturn]] void fail(const std::string& expected) const {
-    throw ClipInputError(text_, at_, expected + " expected");
+    throw ClipInputError(text_, offset_, expected + " expected");
   }
-  void skipBlanks() { at_ = std::min(text_.find_first_not_of(kBlanks, at_), text_.size()); }
+  void skipBlanks() { offset_ = std::min(text_.find_first_not_of(kBlanks, offset_), text_.size()); }
   bool take(char c) {
     skipBlanks();
-    if (at_ == text_.size() || text_[at_] != c) return false;
-    ++at_;
+    if (offset_ == text_.size() || text_[offset_] != c) return false;
+    ++offset_;
     return true;
   }
   void expect(char c, const char* what) {
@@ -83,19 +85,19 @@ class JsonReader {
   }
   bool takeWord(std::string_view word) {
     skipBlanks();
-    if (text_.substr(at_, word.size()) != word) return false;
-    at_ += word.size();
+    if (text_.substr(offset_, word.size()) != word) return false;
+    offset_ += word.size();
     return true;
   }
 
   template <class Real>
   void readMember(ClipDocument<Real>& document) {
     skipBlanks();
-    const std::size_t start = at_;
+    const std::size_t start = offset_;
     const bool polygons = takeWord("\"polygons\"");
     if (!polygons && !takeWord("\"segments\"")) fail("\"polygons\" or \"segments\"");
     std::optional<ClipShapes<Real>>& shapes = polygons ? document.polygons : document.segments;
-    if (shapes) throw ClipInputError(text_, start, "this key was there before");
+    if (shapes) throw ClipInputError(text_, start, "the key occurs twice");
     shapes.emplace();
     expect(':', "':'");
     expect('[', "a list");
@@ -135,31 +137,31 @@ class JsonReader {
   template <class Real>
   Real readNumber() {
     skipBlanks();
-    const std::size_t start = at_;
+    const std::size_t start = offset_;
     const auto digits = [&] {
-      const std::size_t first = at_;
-      while (at_ < text_.size() && isDigit(text_[at_])) ++at_;
-      if (at_ == first) fail(first == start ? "a number" : "a digit");
+      const std::size_t first = offset_;
+      while (offset_ < text_.size() && isDigit(text_[offset_])) ++offset_;
+      if (offset_ == first) fail(first == start ? "a number" : "a digit");
     };
-    const auto next = [&](std::string_view any) {
-      const bool found = at_ < text_.size() && any.find(text_[at_]) != any.npos;
-      if (found) ++at_;
+    const auto takeAny = [&](std::string_view any) {
+      const bool found = offset_ < text_.size() && any.find(text_[offset_]) != any.npos;
+      if (found) ++offset_;
       return found;
     };
-    next("-");
-    if (!next("0")) digits();
-    if (next(".")) digits();
-    if (next("eE")) {
-      next("+-");
+    takeAny("-");
+    if (!takeAny("0")) digits();
+    if (takeAny(".")) digits();
+    if (takeAny("eE")) {
+      takeAny("+-");
       digits();
     }
-    const auto value = valueOf<Real>(text_.substr(start, at_ - start));
+    const auto value = valueOf<Real>(text_.substr(start, offset_ - start));
     if (!value) throw ClipInputError(text_, start, "number too large");
     return *value;
   }
 
   std::string_view text_;
-  std::size_t at_ = 0;
+  std::size_t offset_ = 0;
 };
 
 template <class Real>
@@ -168,16 +170,16 @@ class TextReader {
   TextReader(std::string_view text, bool segments) : text_(text), segments_(segments) {}
 
   ClipDocument<Real> read() {
-    while (at_ < text_.size()) {
-      const std::size_t newline = std::min(text_.find('\n', at_), text_.size());
-      const std::size_t end = firstOf("#", newline);  // a remark is left out
+    while (offset_ < text_.size()) {
+      const std::size_t newline = std::min(text_.find('\n', offset_), text_.size());
+      const std::size_t end = firstOf("#", newline);  // a comment is skipped
       skipBlanks(end);
-      if (at_ < end) {
+      if (offset_ < end) {
         readLine(end);
       } else if (end == newline) {
         closeGroup();
       }
-      at_ = std::min(newline + 1, text_.size());
+      offset_ = std::min(newline + 1, text_.size());
     }
     closeGroup();
     if (!document_.polygons && !document_.segments) shapes();
@@ -186,29 +188,33 @@ class TextReader {
   }
 
  private:
-  [[noreturn]] void fail(const char* message) const { throw ClipInputError(text_, at_, message); }
-  // Each search ends with the line, so that the time does not grow with the square of the lines.
+  [[noreturn]] void fail(const char* message) const {
+    throw ClipInputError(text_, offset_, message);
+  }
+  // Each search ends at the end of the line. A search to the end of the text would take quadratic
+  // time.
   std::size_t firstOf(std::string_view any, std::size_t end) const {
-    return std::min(text_.substr(0, end).find_first_of(any, at_), end);
+    return std::min(text_.substr(0, end).find_first_of(any, offset_), end);
   }
   void skipBlanks(std::size_t end) {
-    at_ = std::min(text_.substr(0, end).find_first_not_of(kBlanks, at_), end);
+    offset_ = std::min(text_.substr(0, end).find_first_not_of(kBlanks, offset_), end);
   }
   std::string_view word(std::size_t end) const {
-    return text_.substr(at_, firstOf(kBlanks, end) - at_);
+    return text_.substr(offset_, firstOf(kBlanks, end) - offset_);
   }
 
-  // The list that is being read.
+  // Returns the list that is being read.
   ClipShapes<Real>& shapes() {
     std::optional<ClipShapes<Real>>& list = segments_ ? document_.segments : document_.polygons;
     return list ? *list : list.emplace();
   }
 
+  // Ends a polygon or a segment and adds it to its list.
   void closeGroup() {
-    if (!open_) return;
+    if (!groupIsOpen_) return;
     if (segments_ && group_ && group_->size() != 2) fail("a second vertex expected");
     shapes().push_back(std::move(group_));
-    open_ = false;
+    groupIsOpen_ = false;
   }
 
   void readLine(std::size_t end) {
@@ -218,22 +224,22 @@ class TextReader {
       segments_ = first == "segments";
       shapes();
       document_.headings = true;
-      at_ += first.size();
+      offset_ += first.size();
     } else {
-      if (open_ && !group_) fail("a blank line expected after null");
+      if (groupIsOpen_ && !group_) fail("a blank line expected after null");
       if (first == "null") {
-        if (open_) fail("four numbers expected");
+        if (groupIsOpen_) fail("four numbers expected");
         group_.reset();
-        at_ += first.size();
+        offset_ += first.size();
       } else {
-        if (!open_) group_.emplace();
+        if (!groupIsOpen_) group_.emplace();
         if (segments_ && group_->size() == 2) fail("a blank line expected after two vertices");
         group_->push_back(readPoint(end));
       }
-      open_ = true;
+      groupIsOpen_ = true;
     }
     skipBlanks(end);
-    if (at_ != end) fail("end of line expected");
+    if (offset_ != end) fail("end of line expected");
   }
 
   std::array<Real, 4> readPoint(std::size_t end) {
@@ -247,18 +253,72 @@ class TextReader {
       const auto value = valueOf<Real>(digits);
       if (!value) fail("number too large");
       coordinate = *value;
-      at_ += digits.size();
+      offset_ += digits.size();
     }
     return point;
   }
 
   std::string_view text_;
   bool segments_;
-  std::size_t at_ = 0;
+  std::size_t offset_ = 0;
   ClipDocument<Real> document_;
-  std::optional<ClipPoints<Real>> group_;  // the points of the group that is being read
-  bool open_ = false;
+  std::optional<ClipPoints<Real>> group_;  // the shape that is being read; nothing for null
+  bool groupIsOpen_ = false;
 };
+
+template <class Real>
+void addPoint(std::string& out, const std::array<Real, 4>& point, std::string_view between) {
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (i != 0) out += between;
+    appendNumber(out, point[i]);
+  }
+}
+
+template <class Real>
+void addJsonShapes(std::string& out, const char* key, const ClipShapes<Real>& shapes) {
+  out += '"';
+  out += key;
+  out += "\": [";
+  for (std::size_t i = 0; i < shapes.size(); ++i) {
+    out += i == 0 ? "\n  " : ",\n  ";
+    if (!shapes[i]) {
+      out += "null";
+      continue;
+    }
+    out += '[';
+    for (const std::array<Real, 4>& point : *shapes[i]) {
+      for (const Real coordinate : point) {
+        if (!std::isfinite(coordinate)) {
+          throw std::runtime_error("number " + std::to_string(i + 1) + " of the " + key +
+                                   " has a coordinate that is not finite, which JSON cannot "
+                                   "represent; --text can");
+        }
+      }
+      out += &point == shapes[i]->data() ? "[" : ", [";
+      addPoint(out, point, ",");
+      out += ']';
+    }
+    out += ']';
+  }
+  out += shapes.empty() ? "]" : "\n]";
+}
+
+template <class Real>
+void addTextShapes(std::string& out, const char* heading, const ClipShapes<Real>& shapes) {
+  if (!out.empty()) out += '\n';
+  out += heading;
+  for (std::size_t shape = 0; shape < shapes.size(); ++shape) {
+    if (shape != 0) out += '\n';
+    if (!shapes[shape]) {
+      out += "null\n";
+      continue;
+    }
+    for (const std::array<Real, 4>& point : *shapes[shape]) {
+      addPoint(out, point, " ");
+      out += '\n';
+    }
+  }
+}
 
 }  // namespace
 
@@ -284,5 +344,42 @@ ClipDocument<Real> readClipDocument(std::string_view text, bool textHoldsSegment
 
 template ClipDocument<double> readClipDocument(std::string_view, bool);
 template ClipDocument<float> readClipDocument(std::string_view, bool);
+
+template <class Real>
+void appendNumber(std::string& text, Real value) {
+  if (std::isnan(value)) {  // the sign of a NaN depends on the processor
+    text += "nan";
+    return;
+  }
+  char digits[32];
+  const auto written = std::to_chars(digits, digits + sizeof digits, value);
+  text.append(digits, written.ptr);
+}
+
+template void appendNumber(std::string&, double);
+template void appendNumber(std::string&, float);
+
+template <class Real>
+std::string writeClipJson(const ClipDocument<Real>& document) {
+  std::string out = "{";
+  if (document.polygons) addJsonShapes(out, "polygons", *document.polygons);
+  if (document.polygons && document.segments) out += ",\n ";
+  if (document.segments) addJsonShapes(out, "segments", *document.segments);
+  return out + "}\n";
+}
+
+template <class Real>
+std::string writeClipText(const ClipDocument<Real>& document) {
+  const bool headings = document.headings || (document.polygons && document.segments);
+  std::string out;
+  if (document.polygons) addTextShapes(out, headings ? "polygons\n" : "", *document.polygons);
+  if (document.segments) addTextShapes(out, headings ? "segments\n" : "", *document.segments);
+  return out;
+}
+
+template std::string writeClipJson(const ClipDocument<double>&);
+template std::string writeClipJson(const ClipDocument<float>&);
+template std::string writeClipText(const ClipDocument<double>&);
+template std::string writeClipText(const ClipDocument<float>&);
 
 }  // namespace ulm::tools
