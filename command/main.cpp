@@ -8,11 +8,7 @@
 #include "command/commands.h"
 #include "command/support/program.h"
 #include "command/support/streams.h"
-#include "module/product_version.h"
-
-#define ULM_TEXT_OF(number) #number
-#define ULM_VERSION_TEXT(a, b, c, d) \
-  ULM_TEXT_OF(a) "." ULM_TEXT_OF(b) "." ULM_TEXT_OF(c) "." ULM_TEXT_OF(d)
+#include "module/product_texts.h"
 
 namespace {
 
@@ -31,9 +27,7 @@ std::string calledSubcommand(const CLI::App& app) {
 // Parsing runs the subcommand that is called.
 int run(CLI::App& app, ulm::tools::ProgramArguments& arguments) {
   int status = 0;
-  app.set_version_flag("--version",
-                       "ulmira " ULM_VERSION_TEXT(ULM_VERSION_MAJOR, ULM_VERSION_MINOR,
-                                                  ULM_VERSION_BUILD, ULM_VERSION_REVISION));
+  app.set_version_flag("--version", "ulmira " ULM_PRODUCT_VERSION);
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // "/a/b" is a file on every system
   ulm::tools::addHostCommand(app, status);
