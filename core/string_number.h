@@ -1,4 +1,5 @@
-// The wide string of a string number: each library loads from its own resources.
+// The constructor of CXStringW from a string number. Each library that includes this file gets a
+// definition of its own, because each loads from its own resources.
 #pragma once
 
 #include "hostsdk/adapter/qlcore.h"

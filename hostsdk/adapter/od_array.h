@@ -1,4 +1,4 @@
-// The array of the library TD_Root_qld, without the rest of it: our declarations, or those of the
+// Only the array of the library TD_Root_qld: our declarations, or those of the
 // folder that ULM_HOST_SDK names.
 #pragma once
 

@@ -1,5 +1,5 @@
-// The system calls: the system's own header on Windows, and elsewhere our declarations, or those of
-// the folder that ULM_HOST_SDK names.
+// The system calls: on Windows the system's own header, elsewhere our declarations or those of the
+// folder that ULM_HOST_SDK names.
 #pragma once
 
 #if defined(ULM_HOST_SDK) && !defined(_WIN32)

@@ -11,7 +11,6 @@
 #include "module/glue/debug_switches.h"
 #include "module/glue/exceptions.h"
 #include "module/glue/instance.h"
-#include "module/glue/procedure.h"
 #include "module/glue/translation.h"
 #include "module/host_lookup.h"
 #include "standin/hostapp/control.h"
