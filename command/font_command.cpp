@@ -73,8 +73,8 @@ void addFontCommand(CLI::App& app, int& /*status*/) {
   };
   const auto add = [&](const char* name, const char* description, const MakeReport& makeReport) {
     return addPicture(name, description,
-                      [makeReport](const FontFile& file, const ReportArguments& given) {
-                        return Picture{makeReport(file, given), {}};
+                      [makeReport](const FontFile& file, const ReportArguments& options) {
+                        return Picture{makeReport(file, options), {}};
                       });
   };
   constexpr const char* kText = "Text in UTF-8, or U+XXXX for one character";
@@ -85,24 +85,24 @@ void addFontCommand(CLI::App& app, int& /*status*/) {
       [](const FontFile& file, const ReportArguments&) { return nameList(file); });
   CLI::App* map =
       add("map", "The glyphs of characters; 0 for one that the font does not map",
-          [](const FontFile& file, const ReportArguments& given) {
-            return characterMap(file, given.words, given.json ? Json(0) : Json("unmapped"));
+          [](const FontFile& file, const ReportArguments& options) {
+            return characterMap(file, options.words, options.json ? Json(0) : Json("unmapped"));
           });
   addWords(map, *arguments, "TEXT", kText);
   CLI::App* metrics = add("metrics", "Advances, bearings and boxes of glyphs, in font units",
-                          [](const FontFile& file, const ReportArguments& given) {
-                            return glyphMetrics(file, given.words);
+                          [](const FontFile& file, const ReportArguments& options) {
+                            return glyphMetrics(file, options.words);
                           });
   addWords(metrics, *arguments, "GLYPH",
            "Glyph numbers; U+XXXX, or text that is not a number, for characters");
   CLI::App* kern = add("kern", "The kerning of each pair of a text, in thousandths of the em",
-                       [](const FontFile& file, const ReportArguments& given) {
-                         return pairKerning(file, given.words);
+                       [](const FontFile& file, const ReportArguments& options) {
+                         return pairKerning(file, options.words);
                        });
   addWords(kern, *arguments, "TEXT", kText);
   CLI::App* outline = addPicture("outline", "The points of a glyph, in font units",
-                                 [](const FontFile& file, const ReportArguments& given) {
-                                   return glyphPicture(file, given.words);
+                                 [](const FontFile& file, const ReportArguments& options) {
+                                   return glyphPicture(file, options.words);
                                  });
   outline->add_option("GLYPH", arguments->words, "A glyph number, U+XXXX or a character")
       ->required()
@@ -114,8 +114,8 @@ void addFontCommand(CLI::App& app, int& /*status*/) {
       addPicture("specimen",
                  "A picture of a text, with advances and kerning; scaled components at scaled "
                  "offsets",
-                 [](const FontFile& file, const ReportArguments& given) {
-                   return textPicture(file, given.text, given.svg);
+                 [](const FontFile& file, const ReportArguments& options) {
+                   return textPicture(file, options.text, options.svg);
                  });
   specimen->add_option("--text", arguments->text, "Text in UTF-8")->required();
   specimen

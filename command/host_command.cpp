@@ -34,7 +34,7 @@ std::ostream& label(const char* text) {
 
 void printRecord(const Json& record) {
   if (record.is_null()) {
-    label("identity") << "not published: the host offers no place for it\n";
+    label("identity") << "not published: no library of the host accepts it\n";
     return;
   }
   label("identity") << "published\n";
@@ -68,7 +68,7 @@ void printLoads(const Json& loads) {
 
 void printReport(const Json& report) {
   const Json& version = report["apiVersion"];
-  std::cout << "Taken up\n";
+  std::cout << "Loaded\n";
   label("API version") << version[0] << '.' << version[1] << '.' << version[2] << '.' << version[3]
                        << '\n';
   label("module path") << report["modulePath"].get_ref<const std::string&>() << '\n';
@@ -78,12 +78,12 @@ void printReport(const Json& report) {
                      << '\n';
   printPath(report["pathBefore"], report["pathAfter"]);
   printLoads(report["loads"]);
-  label("initApp gave") << (report["started"].get<bool>() ? "true" : "false") << '\n';
+  label("initApp result") << (report["started"].get<bool>() ? "true" : "false") << '\n';
   std::cout << "Stopped and unloaded\n";
   label("references");
-  if (report["unbalanced"].empty()) std::cout << "all came back";
+  if (report["unbalanced"].empty()) std::cout << "all released";
   for (const Json& name : report["unbalanced"]) {
-    std::cout << name.get_ref<const std::string&>() << " did not come back; ";
+    std::cout << name.get_ref<const std::string&>() << " not released; ";
   }
   std::cout << '\n';
 }

@@ -1,4 +1,4 @@
-// Files that are written together, or not at all.
+// Files that are written together or not at all.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,10 +8,6 @@
 #include <string>
 
 #include "command/support/file_batch.h"
-#include "command/support/process.h"
-#include "tests/support/system_names.h"
-#include "tests/truetype/rich_font.h"
-#include "truetype/reader/names.h"
 
 namespace {
 
@@ -22,22 +18,22 @@ std::string contentOf(const fs::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// A file that has taken its place gives way again where a later one cannot.
+// A file that was renamed gets its old content again if a later file cannot be renamed.
 TEST(FileBatch, FilesTogether) {
   const fs::path folder = fs::temp_directory_path() / "ulm_file_batch";
   fs::remove_all(folder);
   fs::create_directories(folder);
-  std::ofstream(folder / "there") << "old";
+  std::ofstream(folder / "existing") << "old";
   {
     ulm::tools::FileBatch files;
-    files.add((folder / "there").string(), "new");
-    files.add((folder / "fresh").string(), "new");
-    files.add((folder / "late").string(), "new");
-    fs::create_directories(folder / "late");
+    files.add((folder / "existing").string(), "new");
+    files.add((folder / "new").string(), "new");
+    files.add((folder / "blocked").string(), "new");
+    fs::create_directories(folder / "blocked");
     EXPECT_THROW(files.commit(), std::runtime_error);
   }
-  EXPECT_EQ(contentOf(folder / "there"), "old");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2);  // the old file, and the folder
+  EXPECT_EQ(contentOf(folder / "existing"), "old");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2);  // the old file and the folder
   fs::remove_all(folder);
 }
 
