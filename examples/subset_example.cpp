@@ -1,4 +1,5 @@
-// A smaller font: the ASCII characters of a font, behind the glyph for missing ones.
+// Makes a smaller font of the ASCII characters of a font. Glyph 0 is the glyph for missing
+// characters.
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -16,7 +17,7 @@ int main(int argc, char** argv) {
   }
   std::ifstream file(argv[1], std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  const std::vector<std::uint8_t> source(bytes.begin(), bytes.end());  // outlives the font
+  const std::vector<std::uint8_t> source(bytes.begin(), bytes.end());  // must outlive the font
   TrueTypeFont* font = nullptr;
   const FontResult opened =
       openTrueTypeFont(argv[1], source.data(), static_cast<std::int32_t>(source.size()), 0, &font);

@@ -1,4 +1,4 @@
-// A TrueType font: its names, and the outline of a character with its advance.
+// Prints the names of a TrueType font, and the outline and advance of a character.
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
   }
   std::ifstream file(argv[1], std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  const std::vector<std::uint8_t> image(bytes.begin(), bytes.end());  // outlives the font
+  const std::vector<std::uint8_t> image(bytes.begin(), bytes.end());  // must outlive the font
 
   TrueTypeFont* font = nullptr;
   const FontResult result =
