@@ -36,13 +36,13 @@ TEST(List, ChainIsACircleInTheOrderOfAdding) {
     for (std::uint32_t i = 0; i < size; ++i) {
       EXPECT_EQ(nodes[i]->next, nodes[(i + 1) % size]);
       EXPECT_EQ(nodes[i]->previous, nodes[(i + size - 1) % size]);
-      // Copies: the text has gone on since.
+      // The list holds copies, because the text has changed since.
       EXPECT_EQ(static_cast<List::Node*>(nodes[i])->value[0], static_cast<char>('0' + i));
     }
   }
 }
 
-// Any mixture of fetching, skipping and going back walks as over a plain array.
+// Any sequence of Next, Skip and Reset has the results of the same steps over an array.
 TEST(ListEnumerator, WalksAsOverAnArray) {
   auto* list = ulm::glue::makeObject<List>();
   for (const std::string all : {"", "a", "ab", "abc"}) {
@@ -68,7 +68,7 @@ TEST(ListEnumerator, WalksAsOverAnArray) {
 }
 
 TEST(ListEnumerator, WalksToItsEdgesAndKeepsItsListAlive) {
-  odrxAllocOverwriteFreed(true);  // no node is used once it is freed
+  odrxAllocOverwriteFreed(true);  // shows a use of a freed node
   const OdrxAllocCounts before = odrxAllocCounts();
   auto* list = ulm::glue::makeObject<List>();
   list->AddTail("a");
@@ -90,7 +90,7 @@ TEST(ListEnumerator, WalksToItsEdgesAndKeepsItsListAlive) {
   EXPECT_EQ(second->Skip(UINT32_MAX), 0);
   list->AddTail("c");
   EXPECT_EQ(fetch(second, 3), "") << "behind the tail only a reset helps";
-  EXPECT_EQ(list->Release(), 1u);  // the creator is gone
+  EXPECT_EQ(list->Release(), 1u);  // the creator's reference is released
   second->Reset();
   EXPECT_EQ(fetch(second, 9), "abc");
   void* found = nullptr;
@@ -118,7 +118,7 @@ TEST(List, MemoryThatRunsOutChangesNothing) {
   }
   EXPECT_EQ(odrxAllocCounts().liveBlocks, live);
   EXPECT_EQ(list->GetCount(), 0u);
-  EXPECT_EQ(list->Release(), 0u);  // no reference was left behind
+  EXPECT_EQ(list->Release(), 0u);  // no reference was leaked
 }
 
 TEST(List, RefusesOnceItCloses) {

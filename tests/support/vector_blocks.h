@@ -1,5 +1,5 @@
-// Test vectors from a file: blocks of `Key = value` lines with a blank line between them, and lines
-// that start with '#' for people. A key that a test does not ask for is a failure of its block.
+// Test vectors from a file: blocks of `Key = value` lines with a blank line between them. '#'
+// starts a comment line. A block fails if the test does not read all its keys.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ class VectorBlock {
   const std::string& where() const { return where_; }  // file and line of the first key
   void add(const std::string& key, std::string value) { unused_[key] = std::move(value); }
 
-  // Each key can be taken once.
+  // Each key can be read once.
   std::optional<std::string> find(const std::string& key) {
     const auto taken = unused_.extract(key);
     return taken.empty() ? std::nullopt : std::optional(taken.mapped());
