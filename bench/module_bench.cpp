@@ -2,16 +2,18 @@
 #include <benchmark/benchmark.h>
 
 #include "module/entry.h"
+#include "module/glue/instance.h"
 #include "standin/host/host_calls.h"
 #include "standin/qlcore/control.h"
 
 namespace {
 
-using ulm::tools::exportOf;
+using ulm::glue::procedure;
 
 OdRxModule* createIn(HMODULE library) {
   HINSTANCE slot = library;
-  const auto create = exportOf<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject");
+  const auto create =
+      procedure<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject");
   return create != nullptr ? create(&slot) : nullptr;
 }
 

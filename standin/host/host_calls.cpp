@@ -5,15 +5,6 @@
 
 namespace ulm::tools {
 
-std::string toUtf8(const wchar_t* text) {
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  if (size <= 0) return {};
-  std::string made(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), size, nullptr, nullptr);
-  made.pop_back();  // the terminator
-  return made;
-}
-
 std::wstring toWide(const std::string& text) {
   const int size = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.c_str(), -1, nullptr, 0);
   if (size <= 0) {
@@ -24,10 +15,10 @@ std::wstring toWide(const std::string& text) {
     }
     return escaped;
   }
-  std::wstring made(static_cast<std::size_t>(size), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, made.data(), size);
-  made.pop_back();  // the terminator
-  return made;
+  std::wstring wide(static_cast<std::size_t>(size), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.c_str(), -1, wide.data(), size);
+  wide.pop_back();  // the terminator
+  return wide;
 }
 
 std::wstring moduleName(HMODULE module) {

@@ -1,5 +1,5 @@
-// What a host does again and again: text between its kinds, modules and their exports, variables,
-// and the count of what is held of its objects.
+// Helpers of a host: text conversion, names of modules, environment variables, and the count of the
+// references and blocks that have not been released.
 #pragma once
 
 #include <cstdint>
@@ -11,32 +11,25 @@
 
 namespace ulm::tools {
 
-std::string toUtf8(const wchar_t* text);
-
-// Bytes that are no UTF-8 stand as the layer takes them in file names, at U+DC00 and their number.
+// Converts UTF-8. If `text` has invalid bytes, every byte from 0x80 becomes U+DC00 plus its value,
+// the form in which the emulated system accepts such bytes in file names.
 std::wstring toWide(const std::string& text);
 
-// The whole name of a module, however long.
+// Returns the full name of a module, of any length.
 std::wstring moduleName(HMODULE module);
 
-// The value of a variable; empty where there is none.
+// Returns the value of a variable; empty if there is none. `name` is not null.
 std::wstring environmentVariable(const wchar_t* name);
 
-// An export as a function of a given type, which the caller vouches for; null where there is none.
-template <class Function>
-Function* exportOf(HMODULE module, const char* name) {
-  return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
-}
-
-// What is held of one kind of the host's objects, or of its memory.
+// The number of references to one kind of the host's objects, or of blocks of memory.
 struct Balance {
   const char* name;
   std::int64_t held;
   bool operator==(const Balance&) const = default;
 };
 
-// All kinds in a fixed order: the application's objects, where there is one, keyed sets, memory.
-// Names that the core library has noted are forgotten first, since they take memory too.
+// Returns all kinds in a fixed order: the application's objects unless `application` is null, keyed
+// sets, memory. Makes the core library forget its .wld names first, because they use memory too.
 std::vector<Balance> takeBalance(const HostAppControl* application);
 
 }  // namespace ulm::tools

@@ -1,5 +1,5 @@
-// A stand-in host as a process of its own: `ulmira host` runs it and shows what it prints, one JSON
-// object. Errors are one line on the error stream and the exit code 1.
+// The stand-in host process. `ulmira host` runs it and formats its output, one JSON object. An
+// error is one line on the error stream and the exit code 1.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -15,7 +15,7 @@ namespace {
 
 nlohmann::ordered_json toJson(const ulm::tools::RunReport& report) {
   using nlohmann::ordered_json;
-  ordered_json record;  // null where the host took none
+  ordered_json record;  // null if no record was published
   if (report.record) {
     record = ordered_json::array();
     for (const auto& [key, value] : *report.record) {

@@ -7,25 +7,29 @@
 #include "hostsdk/odrx/rx_object.h"
 #include "hostsdk/win32/win32.h"
 #include "module/entry.h"
+#include "module/glue/instance.h"
 #include "standin/host/host_calls.h"
 #include "standin/hostapp/control.h"
 #include "standin/hostcmd/control.h"
 #include "standin/qlcore/control.h"
 #include "standin/win32/stand_in.h"
+#include "standin/win32/utf8.h"
 
 namespace ulm::tools {
 namespace {
 
+using win32::toUtf8;
+
 using GetApiVersion = decltype(odrxGetAPIVersion);
 using CreateModuleObject = decltype(odrxCreateModuleObject);
 
-// A name without an ending is taken as it is where a dot stands behind it.
+// Adds a dot to a name without a suffix, so that the system appends none.
 std::wstring loadName(const std::string& file) {
   const std::size_t start = file.find_last_of("/\\") + 1;
   return toWide(file.find('.', start) == std::string::npos ? file + "." : file);
 }
 
-// A library that was taken into the process; goes out with the holder.
+// A loaded library. The destructor unloads it.
 class LoadedLibrary {
  public:
   explicit LoadedLibrary(const std::string& file) : module_(LoadLibraryW(loadName(file).c_str())) {
@@ -39,37 +43,38 @@ class LoadedLibrary {
 
   HMODULE get() const noexcept { return module_; }
 
+  // Returns an export; null if there is none.
   template <class Function>
   Function* entry(const char* name) const {
-    return exportOf<Function>(module_, name);
+    return glue::procedure<Function>(module_, name);
   }
 
  private:
   HMODULE module_;
 };
 
-// The libraries that the host takes in by itself, and the application among them.
+// The libraries that the host loads at run time, and the controls of the application among them.
 struct HostLibraries {
   std::vector<LoadedLibrary> libraries;
   const HostAppControl* application = nullptr;
 
   explicit HostLibraries(const std::vector<std::string>& without) {
-    const auto left = [&](const char* name) {
+    const auto isLeftOut = [&](const char* name) {
       return std::find(without.begin(), without.end(), name) != without.end();
     };
     for (const char* name : {"QlHostApp", "qlview", "qlsupport"}) {
-      if (!left(name)) libraries.emplace_back(std::string(name) + ".dll");
+      if (!isLeftOut(name)) libraries.emplace_back(std::string(name) + ".dll");
     }
-    if (!left("QlHostApp")) {
+    if (!isLeftOut("QlHostApp")) {
       const auto control = libraries.front().entry<HostAppControlEntry>(kHostAppControlEntry);
       if (control == nullptr) throw RunError("QlHostApp is not this host's application");
       application = control();
     }
-    hostcmdSetPresent(!left("qlhostcmd"));
+    hostcmdSetPresent(!isLeftOut("qlhostcmd"));
   }
 };
 
-std::optional<RunReport::Record> takenRecord(const HostAppControl* application) {
+std::optional<RunReport::Record> publishedRecord(const HostAppControl* application) {
   if (application == nullptr || application->recordCount() < 0) return std::nullopt;
   RunReport::Record record;
   for (std::size_t i = 0; i < static_cast<std::size_t>(application->recordCount()); ++i) {
@@ -78,7 +83,7 @@ std::optional<RunReport::Record> takenRecord(const HostAppControl* application) 
   return record;
 }
 
-// Starts and stops the object and takes it away, on every path.
+// Starts and stops the object, and releases it finally on every path.
 void startAndStop(OdRxModule* object, RunReport& report) {
   struct FinalRelease {
     OdRxModule* object;
@@ -97,8 +102,8 @@ void startAndStop(OdRxModule* object, RunReport& report) {
   object->uninitApp();
 }
 
-// Gives the whole name of the library, which is unloaded again.
-std::wstring liveOnce(const std::string& file, RunReport& report) {
+// Runs the library once, unloads it and returns its full name.
+std::wstring runOnce(const std::string& file, RunReport& report) {
   const LoadedLibrary module(file);
   std::wstring fullName = moduleName(module.get());
   const auto need = [&](auto* entry, const char* name) {
@@ -124,9 +129,9 @@ RunReport runModule(const RunOptions& options) {
   const HostLibraries host(options.without);
   const std::vector<Balance> before = takeBalance(host.application);
   RunReport report;
-  const std::wstring fullName = liveOnce(options.moduleFile, report);
+  const std::wstring fullName = runOnce(options.moduleFile, report);
 
-  report.record = takenRecord(host.application);
+  report.record = publishedRecord(host.application);
   if (const wchar_t* name = qlcoreWldName(0)) report.wld = toUtf8(name);
   for (std::size_t i = 0; i < hostcmdLoadCount(); ++i) {
     const HostcmdLoad load = hostcmdLoad(i);

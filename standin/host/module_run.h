@@ -1,4 +1,4 @@
-// One life of the module in a host: load, create, start, stop, final release, unload.
+// Runs the module once in a host: load, create, start, stop, final release, unload.
 #pragma once
 
 #include <array>
@@ -13,17 +13,17 @@ namespace ulm::tools {
 
 struct RunOptions {
   std::string moduleFile;
-  std::vector<std::string> without;  // host libraries that are left out, without their endings
+  std::vector<std::string> without;  // host libraries that are not loaded, without suffix
 };
 
-// What the host saw. Texts are UTF-8.
+// What the host observed. Texts are UTF-8.
 struct RunReport {
   std::array<std::uint32_t, 4> apiVersion{};
   std::string modulePath;
   using Record = std::vector<std::pair<std::string, std::string>>;
-  std::optional<Record> record;  // in the order of the keys; nothing where the host took none
-  std::optional<std::string> wld;
-  std::string pathBefore;  // empty where there is no PATH
+  std::optional<Record> record;    // in the order of the keys; nothing if none was published
+  std::optional<std::string> wld;  // nothing if none was reported
+  std::string pathBefore;          // empty if there is no PATH
   std::string pathAfter;
   struct Load {
     std::string file;
@@ -32,18 +32,18 @@ struct RunReport {
   };
   std::vector<Load> loads;
   bool started = false;
-  std::vector<std::string> unbalanced;  // what kept references, or memory, beyond the unload
+  std::vector<std::string> unbalanced;  // kinds with references or blocks left after the unload
 };
 
-// Why a run could not be carried through, in one line.
+// The reason why a run failed, in one line.
 class RunError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Takes the host's libraries into this process, but for those left out, and the module through its
-// life. RunError where a library cannot be loaded, an entry is missing, no object comes, or the
-// start raises an exception; the module has been unloaded then.
+// Loads the host's libraries, except those in `without`, and runs the module once. Raises RunError
+// if a library cannot be loaded, an export is missing, no module object is created, or the start
+// raises an exception; the module is unloaded then.
 RunReport runModule(const RunOptions& options);
 
 }  // namespace ulm::tools

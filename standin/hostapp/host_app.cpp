@@ -1,4 +1,4 @@
-// A small application: the objects that QlHostApp shows its add-ons.
+// A small application: the objects that QlHostApp offers to its add-ons.
 #include <array>
 #include <cstdint>
 #include <string>
@@ -15,20 +15,21 @@
 #include "module/glue/instance.h"
 #include "standin/hostapp/control.h"
 #include "standin/win32/stand_in.h"
+#include "standin/win32/utf8.h"
 
 namespace {
 
-struct Entry {
+struct RecordField {
   std::string key;
   std::string value;
   int tag;
 };
 
-// Calls come from the host's thread, one at a time: nothing here is guarded.
+// The host's thread makes all calls, one at a time, so nothing is locked.
 std::array<std::int64_t, 3> held{};
 std::array<bool, 3> present{true, true, true};
 bool recordTaken = false;
-std::vector<Entry> record;
+std::vector<RecordField> record;
 std::array<std::string, 2> productStrings;
 std::size_t publishCount = 0;
 bool keepsRecord = false;
@@ -38,61 +39,44 @@ void dropRecord() {
   if (keptRecord != nullptr) keptRecord->Release();
   keptRecord = nullptr;
 }
+
 HostAppCall throwCall = HostAppCall::None;
 
-void refuse(HostAppCall call) {
+void throwIfSelected(HostAppCall call) {
   if (call == throwCall) throw CXException(7);
 }
 
-std::size_t placeOf(HostAppObject object) { return static_cast<std::size_t>(object); }
+std::size_t indexOf(HostAppObject object) { return static_cast<std::size_t>(object); }
 
-// One object of the application: it lives as long as the library and counts what others hold of it.
+// One object of the application. It exists as long as the library and counts the references of
+// others.
 template <class Interface, HostAppObject Which>
 class AppObject : public Interface {
  public:
-  std::uint32_t AddRef() override { return static_cast<std::uint32_t>(++held[placeOf(Which)] + 1); }
+  std::uint32_t AddRef() override { return static_cast<std::uint32_t>(++held[indexOf(Which)] + 1); }
   std::uint32_t Release() override {
     constexpr const char* kLines[] = {"release IApp", "release IAppExterior",
                                       "release IHostProductInfo"};
-    ulmWin32LogCall(kLines[placeOf(Which)]);
-    return static_cast<std::uint32_t>(--held[placeOf(Which)] + 1);
+    ulmWin32LogCall(kLines[indexOf(Which)]);
+    return static_cast<std::uint32_t>(--held[indexOf(Which)] + 1);
   }
   std::int32_t QueryInterface(const std::type_info& wanted, void** outObject) override {
-    const bool own =
-        Iface_SameRecord(wanted, typeid(IQLUnknown)) || Iface_SameRecord(wanted, typeid(Interface));
-    if (!own) return queryNext(wanted, outObject);
-    return handOut(this, outObject);
+    if (ulm::core::answerQuery<Interface>(this, wanted, outObject) != 0) return 1;
+    return queryNext(wanted, outObject);
   }
 
  protected:
   ~AppObject() = default;
 
-  // Asks the object behind this one; nothing is there by default.
-  virtual std::int32_t queryNext(const std::type_info& /*wanted*/, void** outObject) {
-    if (outObject != nullptr) *outObject = nullptr;
+  // Asks the next object of the chain. *outObject is null already.
+  virtual std::int32_t queryNext(const std::type_info& /*wanted*/, void** /*outObject*/) {
     return 0;
-  }
-  template <class Other>
-  static std::int32_t handOut(Other* object, void** outObject) {
-    if (outObject != nullptr) {
-      *outObject = object;
-      object->AddRef();
-    }
-    return 1;
   }
 };
 
-std::string toUtf8(const wchar_t* text) {
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  std::string made(size > 0 ? static_cast<std::size_t>(size) : 1, '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, made.data(), size, nullptr, nullptr);
-  made.pop_back();
-  return made;
-}
-
 std::string textOf(const CQLVariant& value) {
   if (value.tag == kQLWideString)
-    return value.value.wideString ? toUtf8(value.value.wideString) : "";
+    return value.value.wideString ? ulm::win32::toUtf8(value.value.wideString) : "";
   if (value.tag == kQLString) return value.value.string != nullptr ? value.value.string : "";
   return std::to_string(static_cast<int>(value));
 }
@@ -109,14 +93,14 @@ class ProductInfo final : public AppObject<IHostProductInfo, HostAppObject::Prod
 
   std::int32_t publishRecord(const char* vendor, const char* product, IParam* param) override {
     ulmWin32LogCall("publishRecord");
-    refuse(HostAppCall::Publish);
-    std::vector<Entry> taken;
+    throwIfSelected(HostAppCall::Publish);
+    std::vector<RecordField> fields;
     for (std::uint32_t i = 0; i < param->GetCount(); ++i) {
       CQLVariant value;
       param->GetValue(param->GetKey(i), &value);
-      taken.push_back({param->GetKey(i), textOf(value), value.tag});
+      fields.push_back({param->GetKey(i), textOf(value), value.tag});
     }
-    record = std::move(taken);
+    record = std::move(fields);
     recordTaken = true;
     productStrings = {vendor, product};
     ++publishCount;
@@ -132,24 +116,18 @@ ProductInfo productInfo;
 
 class Exterior final : public AppObject<IAppExterior, HostAppObject::Exterior> {
   std::int32_t queryNext(const std::type_info& wanted, void** outObject) override {
-    refuse(HostAppCall::QueryExterior);
-    const bool asked = Iface_SameRecord(wanted, typeid(IHostProductInfo));
-    if (!asked || !present[placeOf(HostAppObject::ProductInfo)]) {
-      return AppObject::queryNext(wanted, outObject);
-    }
-    return handOut<IHostProductInfo>(&productInfo, outObject);
+    throwIfSelected(HostAppCall::QueryExterior);
+    if (!present[indexOf(HostAppObject::ProductInfo)]) return 0;
+    return ulm::core::answerQuery<IHostProductInfo>(&productInfo, wanted, outObject);
   }
 };
 Exterior exterior;
 
 class App final : public AppObject<IApp, HostAppObject::App> {
   std::int32_t queryNext(const std::type_info& wanted, void** outObject) override {
-    refuse(HostAppCall::QueryApp);
-    const bool asked = Iface_SameRecord(wanted, typeid(IAppExterior));
-    if (!asked || !present[placeOf(HostAppObject::Exterior)]) {
-      return AppObject::queryNext(wanted, outObject);
-    }
-    return handOut<IAppExterior>(&exterior, outObject);
+    throwIfSelected(HostAppCall::QueryApp);
+    if (!present[indexOf(HostAppObject::Exterior)]) return 0;
+    return ulm::core::answerQuery<IAppExterior>(&exterior, wanted, outObject);
   }
 };
 App app;
@@ -174,12 +152,12 @@ class HostObject final : public IHostObject {
   void* hostOperation17() override { return nullptr; }
   void* hostOperation18() override { return nullptr; }
   void* hostOperation19() override { return nullptr; }
-  // A window is known by a number here. NOLINTNEXTLINE(performance-no-int-to-ptr)
+  // The stand-in's window is a number. NOLINTNEXTLINE(performance-no-int-to-ptr)
   void* mainWindow() override { return reinterpret_cast<void*>(kHostAppMainWindow); }
 };
 HostObject hostObject;
 
-IHostObject* giveHostObject() { return &hostObject; }
+IHostObject* getHostObject() { return &hostObject; }
 
 const HostAppControl kControl = {
     [] { return recordTaken ? static_cast<std::ptrdiff_t>(record.size()) : -1; },
@@ -188,8 +166,8 @@ const HostAppControl kControl = {
     [](std::size_t index) { return index < record.size() ? record[index].tag : 0; },
     [](int which) { return productStrings[which != 0 ? 1 : 0].c_str(); },
     [] { return publishCount; },
-    [](HostAppObject object) { return held[placeOf(object)]; },
-    [](HostAppObject object, bool isPresent) { present[placeOf(object)] = isPresent; },
+    [](HostAppObject object) { return held[indexOf(object)]; },
+    [](HostAppObject object, bool isPresent) { present[indexOf(object)] = isPresent; },
     [](bool keep) {
       keepsRecord = keep;
       if (!keep) dropRecord();
@@ -200,17 +178,18 @@ const HostAppControl kControl = {
 }  // namespace
 
 extern "C" ULM_EXPORT IApp* GetApp() {
-  refuse(HostAppCall::GetApp);
-  if (!present[placeOf(HostAppObject::App)]) return nullptr;
+  throwIfSelected(HostAppCall::GetApp);
+  if (!present[indexOf(HostAppObject::App)]) return nullptr;
   app.AddRef();
   return &app;
 }
 
 extern "C" ULM_EXPORT HINSTANCE GetMainDllInstanceEx() { return Module_GetInstance(); }
 
-// The function behind a selector: 2 gives the host object, any other nothing.
+// Returns the function for a selector: 2 is the one that returns the host object; null for any
+// other.
 extern "C" ULM_EXPORT void* get_host_funcptr(int selector) {
-  return selector == 2 ? reinterpret_cast<void*>(&giveHostObject) : nullptr;
+  return selector == 2 ? reinterpret_cast<void*>(&getHostObject) : nullptr;
 }
 
 extern "C" ULM_EXPORT const HostAppControl* hostAppControl() { return &kControl; }

@@ -1,1 +1,1 @@
-// A viewer: a library whose mere presence, and handle, is what others look for.
+// A viewer. It exports nothing: the module only checks that it is loaded, and uses its handle.

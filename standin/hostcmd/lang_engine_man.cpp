@@ -16,8 +16,8 @@ struct Load {
   std::int32_t number;
 };
 
-// Calls come from the host's thread, one at a time: nothing here is guarded.
-std::list<Load> loads;  // a list, since its texts stay where they are
+// The host's thread makes all calls, one at a time, so nothing is locked.
+std::list<Load> loads;  // a list, because the addresses of its texts must not change
 bool present = true;
 int result = 1;
 std::size_t throwIndex = 0;

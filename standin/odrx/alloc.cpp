@@ -11,9 +11,9 @@
 
 namespace {
 
-// Stands before each block. Its size keeps the block aligned as malloc aligned the whole.
+// The header directly before each block. Its size preserves the alignment of malloc.
 struct alignas(16) BlockHeader {
-  std::uint64_t seal;  // kSeal mixed with the header's own address while the block is out
+  std::uint64_t seal;  // kSeal mixed with the header's address while the block is allocated
   std::uint64_t bytes;
 };
 constexpr std::uint64_t kSeal = 0x51A70DB10CC5EA1Eu;
@@ -22,16 +22,17 @@ std::atomic<std::uint64_t> liveBlocks{0};
 std::atomic<std::uint64_t> liveBytes{0};
 std::atomic<std::uint64_t> calls{0};
 std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
-std::atomic<std::uint64_t> failEnd{0};    // number of the first call that is served again
+std::atomic<std::uint64_t> failEnd{0};    // number of the first call that succeeds again
 std::atomic<void (*)(void* block, std::uint64_t bytes)> watchFreed{nullptr};
 
-// By a header's address alone: what it holds does not matter.
+// Depends only on the header's address, not on its content.
 std::uint64_t sealFor(std::uintptr_t header) noexcept { return kSeal ^ header; }
 std::uint64_t sealFor(BlockHeader* header) noexcept {
   return sealFor(reinterpret_cast<std::uintptr_t>(header));
 }
 
-bool refusedOnRequest() noexcept {
+// Counts a call. Returns true if odrxAllocFail makes it fail.
+bool failsOnRequest() noexcept {
   const std::uint64_t number = calls.fetch_add(1);
   return number >= failFirst.load() && number < failEnd.load();
 }
@@ -47,6 +48,7 @@ void* makeBlock(std::size_t bytes) noexcept {
   return header + 1;
 }
 
+// Returns the header of a block. Ends the process if the block is not from odrxAlloc.
 BlockHeader* headerOf(void* block) noexcept {
   BlockHeader* header = static_cast<BlockHeader*>(block) - 1;
   if (!odrxAllocMade(block)) {
@@ -60,18 +62,18 @@ BlockHeader* headerOf(void* block) noexcept {
 }  // namespace
 
 void* odrxAlloc(std::size_t bytes) noexcept {
-  return refusedOnRequest() ? nullptr : makeBlock(bytes);
+  return failsOnRequest() ? nullptr : makeBlock(bytes);
 }
 
 void* odrxRealloc(void* block, std::size_t newBytes, std::size_t oldBytes) noexcept {
-  if (refusedOnRequest()) return nullptr;
+  if (failsOnRequest()) return nullptr;
   if (block == nullptr) return makeBlock(newBytes);
   const auto held = static_cast<std::size_t>(headerOf(block)->bytes);
-  void* made = makeBlock(newBytes);
-  if (made == nullptr) return nullptr;
-  std::memcpy(made, block, std::min({newBytes, oldBytes, held}));
+  void* replacement = makeBlock(newBytes);
+  if (replacement == nullptr) return nullptr;
+  std::memcpy(replacement, block, std::min({newBytes, oldBytes, held}));
   odrxFree(block);
-  return made;
+  return replacement;
 }
 
 void odrxFree(void* block) noexcept {
@@ -84,7 +86,8 @@ void odrxFree(void* block) noexcept {
   std::free(header);
 }
 
-// What stands before a block of another heap is that heap's own, which sanitizers watch.
+// The memory before a block of another heap belongs to that heap, so sanitizers would report the
+// read.
 [[gnu::no_sanitize_address, gnu::no_sanitize_thread]] bool odrxAllocMade(
     const void* block) noexcept {
   const auto* header = static_cast<const BlockHeader*>(block) - 1;

@@ -1,4 +1,5 @@
-// What a host or a test asks of the stand-in allocator: its counts, and failures on request.
+// Controls of the stand-in allocator for hosts and tests: its counts, and failures on request.
+// Every function is thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -6,21 +7,21 @@
 #include "hostsdk/export.h"
 
 struct OdrxAllocCounts {
-  std::uint64_t liveBlocks;  // blocks handed out and not given back
-  std::uint64_t liveBytes;   // their sizes as asked for
-  std::uint64_t calls;       // calls of odrxAlloc and odrxRealloc so far, failed ones too
+  std::uint64_t liveBlocks;  // blocks that have not been freed
+  std::uint64_t liveBytes;   // the sum of their requested sizes
+  std::uint64_t calls;       // calls of odrxAlloc and odrxRealloc so far, including failed ones
 };
 
 ULM_ODRX_API OdrxAllocCounts odrxAllocCounts() noexcept;
 
-// Whether a block of any heap is one of odrxAlloc's that has not been given back: looks at what
-// stands before it.
+// Returns true if a block of any heap is from odrxAlloc and has not been freed. Reads the memory
+// before the block, which is not null.
 ULM_ODRX_API bool odrxAllocMade(const void* block) noexcept;
 
-// Makes `count` allocations in a row fail, after `after` more have been served; a later call
-// replaces this one, and a count of 0 ends it. Counts over all threads.
+// Makes `count` consecutive allocations of all threads fail, after `after` more have succeeded. A
+// later call replaces this one; a count of 0 cancels it.
 ULM_ODRX_API void odrxAllocFail(std::uint64_t after, std::uint64_t count) noexcept;
 
-// Calls `watch` with each block and its size right before the block is freed, from the thread that
-// frees it; null ends this. `watch` may read and overwrite the block.
+// From now on calls `watch` with each block and its size directly before the block is freed, in the
+// thread that frees it. Null cancels this. `watch` may read and overwrite the block.
 ULM_ODRX_API void odrxAllocWatchFreed(void (*watch)(void* block, std::uint64_t bytes)) noexcept;

@@ -14,8 +14,8 @@ constinit OdArrayBuffer odArrayEmptyBuffer{{1}, kDefaultGrowth, 0, 0};
 
 OdArrayBuffer* OdArrayMemory::allocate(std::uint64_t capacity, std::uint32_t elementBytes,
                                        std::int32_t growth) {
-  constexpr std::uint64_t kLargestBlock = UINT32_MAX;
-  if (capacity > (kLargestBlock - sizeof(OdArrayBuffer)) / elementBytes) {
+  constexpr std::uint64_t kMaxBytes = UINT32_MAX;
+  if (capacity > (kMaxBytes - sizeof(OdArrayBuffer)) / elementBytes) {
     throw OdError(kOdResultNoMemory);
   }
   const std::uint64_t bytes = sizeof(OdArrayBuffer) + capacity * elementBytes;
@@ -26,11 +26,11 @@ OdArrayBuffer* OdArrayMemory::allocate(std::uint64_t capacity, std::uint32_t ele
 
 OdArrayBuffer* OdArrayMemory::copy(const OdArrayBuffer& source, std::uint32_t elementBytes,
                                    std::uint64_t capacity, std::uint32_t requestedLength) {
-  OdArrayBuffer* fresh = allocate(capacity, elementBytes, source.growth);
-  fresh->length = std::min(source.length, requestedLength);
-  std::memcpy(static_cast<void*>(fresh + 1), &source + 1,
-              std::size_t{fresh->length} * elementBytes);
-  return fresh;
+  OdArrayBuffer* replacement = allocate(capacity, elementBytes, source.growth);
+  replacement->length = std::min(source.length, requestedLength);
+  std::memcpy(static_cast<void*>(replacement + 1), &source + 1,
+              std::size_t{replacement->length} * elementBytes);
+  return replacement;
 }
 
 void OdArrayMemory::free(OdArrayBuffer* buffer) noexcept { odrxFree(buffer); }

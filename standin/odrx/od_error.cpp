@@ -1,7 +1,7 @@
 #include "hostsdk/odrx/od_error.h"
 
-// The destructors stand here so that each class has one type record in the process, whichever
-// library throws and whichever catches.
+// The destructors are defined here, so that each class has one type record in the process, which
+// all libraries that throw or catch use.
 OdError::~OdError() = default;
 OdError_InvalidIndex::~OdError_InvalidIndex() = default;
 

@@ -11,7 +11,7 @@ OdRxObject::~OdRxObject() = default;
 
 OdRxObject* OdRxObject::queryX(const OdRxClass* wanted) const {
   if (!isA()->isDerivedFrom(wanted)) return nullptr;
-  auto* object = const_cast<OdRxObject*>(this);  // the runtime hands out its objects for writing
+  auto* object = const_cast<OdRxObject*>(this);  // the runtime returns writable objects
   object->addRef();
   return object;
 }

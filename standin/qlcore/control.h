@@ -1,4 +1,4 @@
-// What a host or a test asks of the stand-in core library, and what it can be told.
+// Controls of the stand-in core library for hosts and tests.
 #pragma once
 
 #include <cstddef>
@@ -8,29 +8,31 @@
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
-// The .wld names given so far, in order; null beyond the end. Valid until the next Supp_AddWld.
+// Returns the .wld name with that index, in the order of the calls of Supp_AddWld; null if the
+// index is not below their number. Valid until the next Supp_AddWld.
 ULM_QLCORE_API const wchar_t* qlcoreWldName(std::size_t index) noexcept;
 
-// Drops the names, so that the memory they took is not counted as somebody's.
+// Forgets the names and frees their memory, so that it does not count as a leak.
 ULM_QLCORE_API void qlcoreForgetWlds() noexcept;
 
-// References to keyed sets that are still held by somebody.
+// Returns the number of references to keyed sets that have not been released.
 ULM_QLCORE_API std::int64_t qlcoreHeldParams() noexcept;
 
-// What Supp_GetACP gives from now on.
+// Sets the result of Supp_GetACP.
 ULM_QLCORE_API void qlcoreSetAnsiCodePage(UINT codePage) noexcept;
 
-// Calls of _InitResTranslation less calls of _DeInitResTranslation, and the instance of the last
-// one.
+// Return the number of calls of _InitResTranslation minus that of _DeInitResTranslation, and the
+// instance of the last call of either.
 ULM_QLCORE_API std::int64_t qlcoreTranslationUsers() noexcept;
 ULM_QLCORE_API HINSTANCE qlcoreTranslationInstance() noexcept;
-// Whether _InitResTranslation raises an exception of its own, an int.
+// If `throws`, _InitResTranslation raises an int. Off at the start.
 ULM_QLCORE_API void qlcoreSetTranslationThrows(bool throws) noexcept;
 
-// Makes objects of a class for CreateObjectC: writes an object with a reference, or leaves the
-// pointer.
+// Creates an object for CreateObjectC: stores it with one reference, or leaves *outObject
+// unchanged.
 using QlcoreFactory = void (*)(const std::type_info& wanted, void** outObject);
-// One class is registered at a time; a null factory takes it away. `className` must stay valid.
+// Registers a class in place of the one before; a null factory or name registers none. `className`
+// must stay valid.
 ULM_QLCORE_API void qlcoreRegisterClass(const char* className, QlcoreFactory factory) noexcept;
-// What CreateObjectC gives from now on where it made an object: 1 at the start.
+// Sets the result of CreateObjectC after it created an object: 1 at the start.
 ULM_QLCORE_API void qlcoreSetFactoryResult(int result) noexcept;

@@ -36,13 +36,7 @@ class MemParam final : public IParam {
     return left;
   }
   std::int32_t QueryInterface(const std::type_info& wanted, void** outObject) override {
-    const bool known =
-        Iface_SameRecord(wanted, typeid(IQLUnknown)) || Iface_SameRecord(wanted, typeid(IParam));
-    if (outObject != nullptr) {
-      *outObject = known ? static_cast<IParam*>(this) : nullptr;
-      if (known) AddRef();
-    }
-    return known ? 1 : 0;
+    return ulm::core::answerQuery<IParam>(this, wanted, outObject);
   }
 
   std::uint32_t GetCount() override { return static_cast<std::uint32_t>(entries_.size()); }

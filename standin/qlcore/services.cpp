@@ -18,7 +18,7 @@ class DefaultHeap final : public IHeap {
   void Free(void* block) override { odrxFree(block); }
 };
 
-// Calls come from the host's thread, one at a time: nothing here is guarded.
+// The host's thread makes all calls, one at a time, so nothing is locked.
 DefaultHeap defaultHeap;
 std::vector<CXStringW> wldNames;
 UINT ansiCodePage = GetACP();
@@ -48,10 +48,10 @@ int CreateObjectC(const char* className, void* /*outer*/, const std::type_info& 
                   void** outObject) {
   if (registeredFactory == nullptr || className == nullptr || outObject == nullptr) return 0;
   if (std::strcmp(className, registeredClass) != 0) return 0;
-  void* made = nullptr;
-  registeredFactory(wanted, &made);
-  if (made == nullptr) return 0;
-  *outObject = made;
+  void* object = nullptr;
+  registeredFactory(wanted, &object);
+  if (object == nullptr) return 0;
+  *outObject = object;
   return factoryResult;
 }
 

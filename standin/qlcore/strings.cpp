@@ -8,11 +8,17 @@
 #include <cwchar>
 #include <utility>
 
-#include "standin/qlcore/detail/text.h"
-
-using namespace ulm::qlcore;  // what both kinds of text share
+#include "standin/qlcore/detail/text_memory.h"
 
 namespace {
+
+using ulm::qlcore::copyText;
+using ulm::qlcore::kMaxFormat;
+using ulm::qlcore::kMaxResource;
+using ulm::qlcore::narrowText;
+using ulm::qlcore::newText;
+using ulm::qlcore::TextMemory;
+using ulm::qlcore::wideText;
 
 constexpr char kEmpty[] = "";
 constexpr wchar_t kEmptyWide[] = L"";
@@ -21,11 +27,12 @@ int lengthOf(std::size_t length) noexcept {
   return length > INT_MAX ? INT_MAX : static_cast<int>(length);
 }
 
-// Takes over `made`, null meaning empty, in place of what `text` owned.
+// Frees the text that `text` owns and takes over `replacement`; null means empty.
 template <class Character>
-void replaceText(const Character*& text, const Character* empty, TextMemory<Character> made) {
+void replaceText(const Character*& text, const Character* empty,
+                 TextMemory<Character> replacement) {
   if (text != empty) odrxFree(const_cast<Character*>(text));
-  text = made != nullptr ? made.release() : empty;
+  text = replacement != nullptr ? replacement.release() : empty;
 }
 
 }  // namespace
@@ -77,11 +84,11 @@ void CXString::Format(const char* format, ...) {
   const int length = std::vsnprintf(nullptr, 0, format, arguments);
   va_end(arguments);
   if (length < 0) return;
-  TextMemory<char> made = newText<char>(static_cast<std::size_t>(length));
+  TextMemory<char> created = newText<char>(static_cast<std::size_t>(length));
   va_start(arguments, format);
-  std::vsnprintf(made.get(), static_cast<std::size_t>(length) + 1, format, arguments);
+  std::vsnprintf(created.get(), static_cast<std::size_t>(length) + 1, format, arguments);
   va_end(arguments);
-  replaceText(text, kEmpty, std::move(made));
+  replaceText(text, kEmpty, std::move(created));
 }
 void CXString::AssignCopy(const char* source, int length) {
   const bool some = source != nullptr && length > 0;
@@ -129,29 +136,29 @@ void CXStringW::ConcatCopy(const wchar_t* source, int length) {
   if (source == nullptr || length <= 0) return;
   const std::size_t before = std::wcslen(text);
   const auto added = static_cast<std::size_t>(length);
-  TextMemory<wchar_t> made = newText<wchar_t>(before + added);
-  std::wmemcpy(made.get(), text, before);
-  std::wmemcpy(made.get() + before, source, added);
-  replaceText(text, kEmptyWide, std::move(made));
+  TextMemory<wchar_t> created = newText<wchar_t>(before + added);
+  std::wmemcpy(created.get(), text, before);
+  std::wmemcpy(created.get() + before, source, added);
+  replaceText(text, kEmptyWide, std::move(created));
 }
 void CXStringW::Format(const wchar_t* format, ...) {
-  // The wide form tells no length in advance: the room doubles until the text fits.
-  for (std::size_t room = 64; room <= kLongestFormat; room *= 2) {
-    TextMemory<wchar_t> made = newText<wchar_t>(room);
+  // vswprintf cannot report the length in advance, so the capacity doubles until the text fits.
+  for (std::size_t capacity = 64; capacity <= kMaxFormat; capacity *= 2) {
+    TextMemory<wchar_t> created = newText<wchar_t>(capacity);
     std::va_list arguments;
     va_start(arguments, format);
-    const int length = std::vswprintf(made.get(), room + 1, format, arguments);
+    const int length = std::vswprintf(created.get(), capacity + 1, format, arguments);
     va_end(arguments);
-    // Some systems give the whole length of a text that was cut.
-    if (length < 0 || static_cast<std::size_t>(length) > room) continue;
-    replaceText(text, kEmptyWide, std::move(made));
+    // Some systems return the full length of a text that does not fit.
+    if (length < 0 || static_cast<std::size_t>(length) > capacity) continue;
+    replaceText(text, kEmptyWide, std::move(created));
     return;
   }
 }
 bool CXStringW::Load(HINSTANCE instance, UINT number) {
-  TextMemory<wchar_t> made = newText<wchar_t>(kLongestResource);
-  const int length = LoadStringW(instance, number, made.get(), kLongestResource + 1);
-  AssignCopy(made.get(), length);
+  TextMemory<wchar_t> created = newText<wchar_t>(kMaxResource);
+  const int length = LoadStringW(instance, number, created.get(), kMaxResource + 1);
+  AssignCopy(created.get(), length);
   return length > 0;
 }
 void CXStringW::Init() noexcept { text = kEmptyWide; }

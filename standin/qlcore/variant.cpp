@@ -4,13 +4,14 @@
 #include <cwchar>
 #include <utility>
 
-#include "standin/qlcore/detail/text.h"
-
-using namespace ulm::qlcore;  // what both kinds of text share
+#include "standin/qlcore/detail/text_memory.h"
 
 namespace {
 
-// Whole values of one width, widened.
+using ulm::qlcore::copyText;
+using ulm::qlcore::TextMemory;
+
+// Binds a whole value of the given type.
 template <class Whole>
 void bindWhole(CQLVariant& target, QLVariantTag tag, const void* address) {
   Whole number;
@@ -18,14 +19,14 @@ void bindWhole(CQLVariant& target, QLVariantTag tag, const void* address) {
   target = CQLVariant(static_cast<std::int64_t>(number), tag);
 }
 
-// Values that are copied as they lie, into the union's place for them.
+// Binds a value that is copied to `member`, a member of the target's union.
 template <class Plain>
-void bindPlain(CQLVariant& target, QLVariantTag tag, Plain& place, const void* address) {
+void bindPlain(CQLVariant& target, QLVariantTag tag, Plain& member, const void* address) {
   Plain copy;
-  std::memcpy(&copy, address, sizeof copy);  // `address` may lie in the variant itself
+  std::memcpy(&copy, address, sizeof copy);  // `address` may point into the variant itself
   target.Clear();
   target.tag = tag;
-  place = copy;
+  member = copy;
 }
 
 }  // namespace
@@ -58,17 +59,17 @@ CQLVariant& CQLVariant::operator=(CQLVariant&& other) noexcept {
   return *this;
 }
 CQLVariant& CQLVariant::operator=(const char* text) {
-  TextMemory<char> made = text != nullptr ? copyText(text, std::strlen(text)) : nullptr;
+  TextMemory<char> copy = text != nullptr ? copyText(text, std::strlen(text)) : nullptr;
   Clear();
   tag = kQLString;
-  value.string = made.release();
+  value.string = copy.release();
   return *this;
 }
 CQLVariant& CQLVariant::operator=(const wchar_t* text) {
-  TextMemory<wchar_t> made = text != nullptr ? copyText(text, std::wcslen(text)) : nullptr;
+  TextMemory<wchar_t> copy = text != nullptr ? copyText(text, std::wcslen(text)) : nullptr;
   Clear();
   tag = kQLWideString;
-  value.wideString = made.release();
+  value.wideString = copy.release();
   return *this;
 }
 CQLVariant& CQLVariant::operator=(const CXString& string) { return *this = string.text; }

@@ -10,19 +10,21 @@
 
 #include "hostsdk/win32/win32.h"
 #include "standin/win32/detail/call_log.h"
-#include "standin/win32/detail/text.h"
+#include "standin/win32/detail/characters.h"
 
 extern char** environ;
 
-using namespace ulm::win32::detail;
-
 namespace {
+
+using ulm::win32::detail::equalNoCase;
+using ulm::win32::detail::fromSystem;
+using ulm::win32::detail::logCall;
 
 struct Variable {
   std::wstring name, value;
 };
 
-// "NAME=VALUE" in its two halves; nothing without a '=' or with no name before it.
+// Splits "NAME=VALUE"; nothing if there is no '=' or no name before it.
 std::optional<Variable> split(std::wstring_view assignment) {
   const std::size_t sign = assignment.find(L'=');
   if (sign == 0 || sign == std::wstring_view::npos) return std::nullopt;
@@ -47,7 +49,7 @@ class Environment {
     if (variable.value.empty()) {
       if (found != variables_.end()) variables_.erase(found);
     } else if (found != variables_.end()) {
-      found->value.swap(variable.value);  // the name keeps the case that it was made with
+      found->value.swap(variable.value);  // the name keeps its old case
     } else {
       variables_.push_back(std::move(variable));
     }
@@ -76,15 +78,15 @@ class Environment {
   std::vector<Variable> variables_;
 };
 
-// Never destroyed: libraries ask at load and still at unload.
+// Never destroyed: libraries still read variables while they are unloaded.
 Environment& environment() {
   static Environment& block = *new Environment;
   return block;
 }
 
-// Made while the layer is loaded: a shortage of memory later on must not pass for a missing
-// variable.
-[[maybe_unused]] const Environment& madeAtLoad = environment();
+// Created while the layer is loaded, so that a later shortage of memory is not reported as a
+// missing variable.
+[[maybe_unused]] const Environment& createdAtLoad = environment();
 
 }  // namespace
 

@@ -13,44 +13,53 @@
 
 #include "hostsdk/win32/win32.h"
 #include "standin/win32/detail/call_log.h"
+#include "standin/win32/detail/characters.h"
 #include "standin/win32/detail/elf_file.h"
 #include "standin/win32/detail/module_list.h"
 #include "standin/win32/detail/path.h"
-#include "standin/win32/detail/text.h"
 #include "standin/win32/stand_in.h"
 
-using namespace ulm::win32::detail;
-
 namespace {
+
+using ulm::win32::detail::fromAnsi;
+using ulm::win32::detail::libraryFault;
+using ulm::win32::detail::libraryFile;
+using ulm::win32::detail::logCall;
+using ulm::win32::detail::Module;
+using ulm::win32::detail::moduleAt;
+using ulm::win32::detail::moduleNamed;
+using ulm::win32::detail::moduleOf;
+using ulm::win32::detail::pageSize;
+using ulm::win32::detail::windowsPath;
 
 constexpr char kProgramInLog[] = "(program)";
 constexpr DWORD kCommitted = 0x1000;
 constexpr DWORD kImage = 0x1000000;
-// A name pointer below this is Windows' way to ask for an export by its number.
+// On Windows a name pointer below this asks for an export by its number.
 constexpr std::uintptr_t kLowestName = 0x10000;
 
 std::atomic<bool> cutNamesTerminated{false};
 
-// Plain memory, so that it needs neither a start nor an end and a failed allocation can be told.
+// Plain memory: it needs no initialiser, and it can report a failed allocation.
 thread_local char loadError[1024];
 
-void tellLoadError(const char* reason) noexcept {
+void setLoadError(const char* reason) noexcept {
   std::snprintf(loadError, sizeof loadError, "%s", reason != nullptr ? reason : "unknown reason");
 }
 
-struct GiveUseBack {
+struct CloseUse {
   void operator()(void* use) const noexcept { dlclose(use); }
 };
-// A use of a library that the loader counts.
-using LibraryUse = std::unique_ptr<void, GiveUseBack>;
+// One use of a library, as the loader counts them.
+using LibraryUse = std::unique_ptr<void, CloseUse>;
 
 const link_map* linkMapOf(void* use) noexcept {
   link_map* map = nullptr;
   return dlinfo(use, RTLD_DI_LINKMAP, static_cast<void*>(&map)) == 0 ? map : nullptr;
 }
 
-// One more use of a module that is in the process; null where it has gone since it was listed, even
-// if another of the same name came.
+// Adds a use of a listed module. Returns null if the module has been unloaded since it was listed,
+// also if another module of the same name has been loaded.
 LibraryUse useOf(const Module& module) noexcept {
   LibraryUse use(
       dlopen(module.isProgram ? nullptr : module.linkName.c_str(), RTLD_LAZY | RTLD_NOLOAD));
@@ -64,12 +73,13 @@ HMODULE handleOf(const wchar_t* name) {
   return module ? module->handle() : nullptr;
 }
 
-// The loader's entry, called by a pointer that the compiler cannot see through: its declaration
-// promises that nothing is thrown, but an initialiser of the library that is opened may do so.
+// The loader's function. Its declaration promises not to throw, but an initialiser of the opened
+// library may throw. A volatile pointer prevents the compiler from relying on the promise.
 void* (*volatile openThrowing)(const char*, int) = dlopen;
 
-// Opens a file as a library. The loader counts the use before it runs the initialisers and keeps it
-// where one throws; it is given back here, so that the half-made library leaves the process.
+// Opens a file as a library. The loader counts the use before it runs the initialisers, and keeps
+// the count if one throws. In that case this function releases the use, so that the library is
+// unloaded, and throws again.
 LibraryUse openUse(const char* path) {
   try {
     return LibraryUse(openThrowing(path, RTLD_NOW | RTLD_LOCAL));
@@ -80,21 +90,21 @@ LibraryUse openUse(const char* path) {
   }
 }
 
-// Opens a file as a library and keeps the use; null with the reason told.
+// Opens a file as a library and keeps the use. Returns null and stores the reason on failure.
 HMODULE openLibrary(const char* path) {
   LibraryUse use = openUse(path);
   if (!use) {
-    tellLoadError(dlerror());
+    setLoadError(dlerror());
     return nullptr;
   }
   const link_map* map = linkMapOf(use.get());
   const std::optional<Module> module =
       map != nullptr ? moduleAt(reinterpret_cast<std::uintptr_t>(map->l_ld)) : std::nullopt;
   if (!module) {
-    tellLoadError("the library is in the process, but not in the loader's list");
+    setLoadError("the library is in the process, but not in the loader's list");
     return nullptr;
   }
-  static_cast<void>(use.release());  // the caller's, until FreeLibrary
+  static_cast<void>(use.release());  // FreeLibrary releases it
   return module->handle();
 }
 
@@ -126,15 +136,15 @@ FARPROC GetProcAddress(HMODULE module, const char* name) {
   if (reinterpret_cast<std::uintptr_t>(name) < kLowestName) return nullptr;
   logCall("GetProcAddress", name);
   try {
-    const std::optional<Module> asked = moduleOf(module);
-    if (!asked) return nullptr;
-    const LibraryUse use = useOf(*asked);
+    const std::optional<Module> wanted = moduleOf(module);
+    if (!wanted) return nullptr;
+    const LibraryUse use = useOf(*wanted);
     if (!use) return nullptr;
-    // The loader searches the module first and then what it links, which does not count.
+    // The loader searches the module and then the libraries that it links. Only the module counts.
     void* symbol = dlsym(use.get(), name);
     if (symbol == nullptr) return nullptr;
     const std::optional<Module> holder = moduleAt(reinterpret_cast<std::uintptr_t>(symbol));
-    if (!holder || holder->base != asked->base) return nullptr;
+    if (!holder || holder->base != wanted->base) return nullptr;
     return reinterpret_cast<FARPROC>(symbol);
   } catch (const std::bad_alloc&) {
     return nullptr;
@@ -144,11 +154,11 @@ FARPROC GetProcAddress(HMODULE module, const char* name) {
 DWORD GetModuleFileNameW(HMODULE module, wchar_t* buffer, DWORD size) {
   if (buffer == nullptr || size == 0) return 0;
   try {
-    const std::optional<Module> asked = moduleOf(module);
-    const std::string file = asked ? asked->fileName() : std::string();
+    const std::optional<Module> wanted = moduleOf(module);
+    const std::string file = wanted ? wanted->fileName() : std::string();
     if (file.empty()) return 0;
     const std::wstring name = windowsPath(file);
-    // The terminator is copied where there is room for it too.
+    // Copies the terminator only if there is room for it.
     std::wmemcpy(buffer, name.c_str(), std::min<std::size_t>(name.size() + 1, size));
     if (name.size() >= size && cutNamesTerminated.load(std::memory_order_relaxed)) {
       buffer[size - 1] = L'\0';
@@ -162,10 +172,10 @@ DWORD GetModuleFileNameW(HMODULE module, wchar_t* buffer, DWORD size) {
 SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* information, SIZE_T length) {
   if (information == nullptr || length < sizeof *information) return 0;
   try {
-    const auto asked = reinterpret_cast<std::uintptr_t>(address);
-    const std::optional<Module> holder = moduleAt(asked);
+    const auto wanted = reinterpret_cast<std::uintptr_t>(address);
+    const std::optional<Module> holder = moduleAt(wanted);
     if (!holder) return 0;
-    const std::uintptr_t page = asked & ~(pageSize() - 1);
+    const std::uintptr_t page = wanted & ~(pageSize() - 1);
     *information = {};
     information->BaseAddress = reinterpret_cast<void*>(page);  // NOLINT(performance-no-int-to-ptr)
     information->AllocationBase = holder->handle();
@@ -181,29 +191,29 @@ SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* information, 
 HMODULE LoadLibraryW(const wchar_t* fileName) {
   loadError[0] = '\0';
   if (fileName == nullptr) {
-    tellLoadError("no file name");
+    setLoadError("no file name");
     return nullptr;
   }
   try {
-    // A library that is in the process already is meant before any file.
+    // A library in the process has priority over any file.
     if (const std::optional<Module> present = moduleNamed(fileName)) {
       const char* link = present->isProgram ? nullptr : present->linkName.c_str();
       return openLibrary(link);
     }
     const std::optional<std::string> path = libraryFile(fileName);
     if (!path) {
-      tellLoadError("not a name that a file can have");
+      setLoadError("not a name that a file can have");
       return nullptr;
     }
     if (const char* fault = libraryFault(*path)) {
-      tellLoadError(fault);
+      setLoadError(fault);
       return nullptr;
     }
     return openLibrary(path->c_str());
   } catch (const std::bad_alloc&) {
-    tellLoadError("out of memory");
-  } catch (...) {  // left an initialiser of the library
-    tellLoadError("an initialiser of the library threw an exception");
+    setLoadError("out of memory");
+  } catch (...) {  // from an initialiser of the library
+    setLoadError("an initialiser of the library threw an exception");
   }
   return nullptr;
 }
@@ -211,13 +221,13 @@ HMODULE LoadLibraryW(const wchar_t* fileName) {
 BOOL FreeLibrary(HMODULE module) {
   if (module == nullptr) return FALSE;
   try {
-    const std::optional<Module> asked = moduleOf(module);
-    if (!asked) return FALSE;
-    if (asked->isProgram) return TRUE;  // it never leaves
-    LibraryUse use = useOf(*asked);
+    const std::optional<Module> wanted = moduleOf(module);
+    if (!wanted) return FALSE;
+    if (wanted->isProgram) return TRUE;  // it is never unloaded
+    LibraryUse use = useOf(*wanted);
     if (!use) return FALSE;
     void* library = use.get();
-    use.reset();  // the use that was taken just now; the caller's keeps the library here
+    use.reset();  // the caller's own use still keeps the library loaded
     return dlclose(library) == 0 ? TRUE : FALSE;
   } catch (const std::bad_alloc&) {
     return FALSE;

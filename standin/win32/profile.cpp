@@ -8,20 +8,26 @@
 
 #include "hostsdk/win32/win32.h"
 #include "standin/win32/detail/call_log.h"
+#include "standin/win32/detail/characters.h"
 #include "standin/win32/detail/file.h"
 #include "standin/win32/detail/path.h"
-#include "standin/win32/detail/text.h"
-
-using namespace ulm::win32::detail;
 
 namespace {
+
+using ulm::win32::detail::foldCase;
+using ulm::win32::detail::fromAnsi;
+using ulm::win32::detail::fromSystem;
+using ulm::win32::detail::fromUtf16;
+using ulm::win32::detail::InputFile;
+using ulm::win32::detail::logCall;
+using ulm::win32::detail::systemPath;
 
 // --- From bytes to lines ---
 
 std::wstring decodeUtf16(std::string_view bytes, bool bigEndian) {
   std::u16string units;
   units.reserve(bytes.size() / 2);
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {  // half a unit at the end is dropped
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {  // an odd byte at the end is dropped
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
     units.push_back(static_cast<char16_t>(bigEndian ? first << 8 | second : second << 8 | first));
@@ -29,7 +35,7 @@ std::wstring decodeUtf16(std::string_view bytes, bool bigEndian) {
   return fromUtf16(units);
 }
 
-// The text of a file, by the mark that it starts with.
+// Decodes the bytes of a file, according to the byte order mark at the start.
 std::wstring decode(std::string_view bytes) {
   const auto startsWith = [bytes](std::string_view mark) {
     return bytes.substr(0, mark.size()) == mark;
@@ -40,7 +46,7 @@ std::wstring decode(std::string_view bytes) {
   return fromAnsi(bytes);
 }
 
-constexpr std::size_t kLongestName = 260;  // of a file, with the terminator
+constexpr std::size_t kMaxFileName = 260;  // with the terminator
 constexpr std::wstring_view kBlanks = L" \t\v\f";
 
 std::wstring_view trimmed(std::wstring_view text) noexcept {
@@ -49,7 +55,8 @@ std::wstring_view trimmed(std::wstring_view text) noexcept {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// The next line without the blanks around it; nothing at the end. A lone CR ends a line too.
+// Takes the next line, without the blanks around it; nothing at the end. A single CR ends a line
+// too.
 std::optional<std::wstring_view> takeLine(std::wstring_view& rest) noexcept {
   if (rest.empty()) return std::nullopt;
   const std::wstring_view line = rest.substr(0, rest.find_first_of(L"\r\n"));
@@ -59,7 +66,7 @@ std::optional<std::wstring_view> takeLine(std::wstring_view& rest) noexcept {
 
 // --- From lines to the value ---
 
-// Names differ in no more than the case of ASCII letters.
+// Compares names without the case of ASCII letters.
 bool sameName(std::wstring_view left, std::wstring_view right) noexcept {
   const auto fold = [](wchar_t character) {
     return character < 0x80 ? foldCase(character) : character;
@@ -68,7 +75,7 @@ bool sameName(std::wstring_view left, std::wstring_view right) noexcept {
                     [=](wchar_t a, wchar_t b) { return fold(a) == fold(b); });
 }
 
-// The name in "[name]", with whatever follows the bracket; nothing for any other line.
+// Returns the name in "[name]"; text after the bracket is ignored. Nothing for any other line.
 std::optional<std::wstring_view> sectionName(std::wstring_view line) noexcept {
   if (line.empty() || line.front() != L'[') return std::nullopt;
   const std::size_t end = line.find(L']');
@@ -88,7 +95,7 @@ std::optional<std::wstring_view> findValue(std::wstring_view text, std::wstring_
   while (const std::optional<std::wstring_view> line = takeLine(text)) {
     if (line->empty() || line->front() == L';') continue;
     if (const std::optional<std::wstring_view> name = sectionName(*line)) {
-      if (inside) return std::nullopt;  // a second section of the name does not count
+      if (inside) return std::nullopt;  // only the first section of the name counts
       inside = sameName(*name, section);
       continue;
     }
@@ -121,14 +128,14 @@ std::uint32_t takeBase(std::wstring_view& digits) noexcept {
 }
 
 UINT toNumber(std::wstring_view value) noexcept {
-  value = trimmed(value);  // quotes may have held blanks
+  value = trimmed(value);  // there may be blanks inside the quotes
   bool negative = false;
   if (!value.empty() && (value.front() == L'-' || value.front() == L'+')) {
     negative = value.front() == L'-';
     value.remove_prefix(1);
   }
   const std::uint32_t base = takeBase(value);
-  std::uint32_t number = 0;  // unsigned: wraps as Windows' does
+  std::uint32_t number = 0;  // wraps, as on Windows
   for (const wchar_t character : value) {
     const std::uint32_t digit = digitValue(character);
     if (digit >= base) break;
@@ -144,7 +151,7 @@ UINT GetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int defau
   const auto absent = static_cast<UINT>(defaultValue);
   if (section == nullptr || key == nullptr || fileName == nullptr) return absent;
   logCall("GetPrivateProfileIntW", key);
-  if (std::wcslen(fileName) >= kLongestName) return absent;
+  if (std::wcslen(fileName) >= kMaxFileName) return absent;
   try {
     const std::optional<std::string> path = systemPath(fileName);
     if (!path || path->find('/') == std::string::npos) return absent;

@@ -11,25 +11,32 @@
 #include "hostsdk/win32/resource_block.h"
 #include "hostsdk/win32/win32.h"
 #include "standin/win32/detail/call_log.h"
+#include "standin/win32/detail/characters.h"
 #include "standin/win32/detail/elf_file.h"
 #include "standin/win32/detail/module_list.h"
-#include "standin/win32/detail/text.h"
-
-using namespace ulm::win32::detail;
-using namespace std::string_view_literals;
 
 namespace {
 
-// A version block: length, value length, type (16 bits each), the key with its terminator in
-// UTF-16, padding to 4 bytes, the value.
+using ulm::win32::detail::fromUtf16;
+using ulm::win32::detail::libraryFile;
+using ulm::win32::detail::littleEndian;
+using ulm::win32::detail::logCall;
+using ulm::win32::detail::Module;
+using ulm::win32::detail::moduleOf;
+using ulm::win32::detail::readElfSection;
+using ulm::win32::detail::toAnsi;
+
+// The layout of a version block: length, value length, type (16 bits each), the key with a
+// terminator in UTF-16, padding to 4 bytes, the value.
 constexpr std::size_t kLengthFields = 6;
-constexpr std::u16string_view kVersionKey = u"VS_VERSION_INFO\0"sv;
+constexpr std::u16string_view kVersionKey = {u"VS_VERSION_INFO", 16};  // with its terminator
 constexpr std::size_t kFixedOffset = 40;
 constexpr std::uint32_t kFixedSignature = 0xFEEF04BD;
 static_assert(sizeof(VS_FIXEDFILEINFO) == 52);
 static_assert(sizeof(ulm::win32::VersionBlock) == kFixedOffset + sizeof(VS_FIXEDFILEINFO));
 
-// The version block of a file, in the length that it tells itself.
+// Returns the version block of a file, with the length in its length field; nothing if there is
+// none.
 std::optional<std::string> versionOf(const wchar_t* fileName) {
   const std::optional<std::string> path = libraryFile(fileName);
   std::optional<std::string> block = path ? readElfSection(*path, ".rsrc_version") : std::nullopt;
@@ -49,7 +56,7 @@ std::u16string unitsAt(std::string_view bytes, std::size_t offset, std::size_t c
   return units;
 }
 
-// The string of that number in a section of string entries; empty where there is none.
+// Returns the string with that number in a section of string entries; empty if there is none.
 std::wstring findString(std::string_view entries, UINT number) {
   while (entries.size() >= 4) {
     const UINT entryNumber = littleEndian<std::uint16_t>(entries, 0);
@@ -94,7 +101,7 @@ BOOL GetFileVersionInfoW(const wchar_t* fileName, DWORD, DWORD length, void* blo
     std::optional<std::string> version = versionOf(fileName);
     if (!version) return FALSE;
     const std::size_t copied = std::min<std::size_t>(length, version->size());
-    // A block that is cut says so, since VerQueryValueW is not told how long it is.
+    // The length field holds the copied length, because VerQueryValueW has no length argument.
     (*version)[0] = static_cast<char>(copied & 0xFF);
     (*version)[1] = static_cast<char>(copied >> 8);
     std::memcpy(block, version->data(), copied);
@@ -113,7 +120,7 @@ BOOL VerQueryValueW(const void* block, const wchar_t* subBlock, void** value, UI
   const std::size_t size = littleEndian<std::uint16_t>({start, 2}, 0);
   if (size < kFixedOffset + sizeof kFixedSignature) return FALSE;
   const std::string_view bytes(start, size);
-  // A value that is shorter than its structure is handed out as it is.
+  // A value that is shorter than its structure is reported with its own length.
   const std::size_t valueLength = littleEndian<std::uint16_t>(bytes, 2);
   if (valueLength < sizeof kFixedSignature || valueLength > size - kFixedOffset) return FALSE;
   for (std::size_t i = 0; i < kVersionKey.size(); ++i) {

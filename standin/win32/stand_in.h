@@ -1,33 +1,35 @@
-// What a host or a test does to the system's world: windows, the reason of a load that failed, and
-// a log by which the order of the module's calls can be shown. The library ulmwin32 has it on every
-// system. Not for module code.
+// Controls of the emulated system for hosts and tests: windows, the reason of a failed load, and a
+// log that shows the order of the module's calls. The library ulmwin32 exports them on every
+// system. Module code does not use them.
 #pragma once
 
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
-// Opens a window of that class, which FindWindowW then finds; null for a null name and where memory
-// runs out. On Windows it is a message-only one, which needs no display.
+// Opens a window of that class, which FindWindowW finds from then on. Returns null if the name is
+// null or if memory runs out. On Windows it is a message-only window, which needs no display.
 ULM_WIN32_API HWND ulmWin32OpenWindow(const wchar_t* className);
-// Closes it; false where there is no such window.
+// Closes a window. Returns false if there is no such window.
 ULM_WIN32_API bool ulmWin32CloseWindow(HWND window);
 
-// Why this thread's last LoadLibraryW failed, as one line of UTF-8; empty where it did not. Valid
-// until the thread's next load, or next call of this. On Windows it is the text of the thread's
-// last error, so ask at once, and only after a failure.
+// Returns the reason why this thread's last LoadLibraryW failed, as one line of UTF-8; empty if it
+// did not fail. The text is valid until the thread's next load or next call of this function. On
+// Windows it is the text of the thread's last error, so call it directly after a failure.
 ULM_WIN32_API const char* ulmWin32LoadError();
 
-// Makes GetModuleFileNameW cut names as newer Windows does, by one character more and with a
-// terminator, or again as it does at the start. On Windows that is the system's own affair.
+// If `on`, GetModuleFileNameW cuts a long name as newer Windows does: one character shorter, with a
+// terminator. Off at the start. On Windows it has no effect.
 ULM_WIN32_API void ulmWin32TerminateCutNames(bool on);
 
-// The log of calls: off until it is started, which also empties it. A line a call, in order, the
-// name and its telling argument: "FindWindowW _indebmon", "GetPrivateProfileIntW JumpArrOnAdd",
-// "DisableThreadLibraryCalls", "GetModuleHandleA qlcore.dll", "GetProcAddress _QLAfxDllMain". The
-// system's own calls leave no line on Windows.
+// The log of calls, which is off at the start. Starting it empties it. Each call adds one line, its
+// name and its main argument: "FindWindowW _indebmon", "GetPrivateProfileIntW JumpArrOnAdd",
+// "DisableThreadLibraryCalls", "GetModuleHandleA qlcore.dll", "GetProcAddress _QLAfxDllMain". On
+// Windows calls of the system's own functions are not logged.
 ULM_WIN32_API void ulmWin32StartCallLog();
 ULM_WIN32_API void ulmWin32StopCallLog();
-// Adds a line of the caller's own, so that libraries beside the layer can join the order.
+// Adds a line if the log is on, so that other libraries can log their calls in the same order. Null
+// is ignored.
 ULM_WIN32_API void ulmWin32LogCall(const char* line);
-// The lines so far, each ended by '\n'. The text is valid until the next call of these functions.
+// Returns the lines so far, each with '\n' at the end; empty if memory runs out. The text is valid
+// until the next call.
 ULM_WIN32_API const char* ulmWin32CallLog();

@@ -5,49 +5,54 @@
 #include <string_view>
 
 #include "hostsdk/win32/win32.h"
-#include "standin/win32/detail/text.h"
-
-using namespace ulm::win32::detail;
+#include "standin/win32/detail/characters.h"
 
 namespace {
 
-constexpr UINT kAnsiPage = 1252;
-constexpr DWORD kDecodeFlags = 15;  // three of them change nothing in these pages
+using ulm::win32::detail::DecodedCharacter;
+using ulm::win32::detail::decodeUtf8;
+using ulm::win32::detail::EncodedCharacter;
+using ulm::win32::detail::encodeUtf8;
+using ulm::win32::detail::fromAnsi;
+using ulm::win32::detail::toAnsi;
 
-enum class CodePage { kAnsi, kUtf8, kUnknown };
+constexpr UINT kAnsiPage = 1252;
+constexpr DWORD kDecodeFlags = 15;  // only MB_ERR_INVALID_CHARS has an effect in these pages
+
+enum class CodePage { Ansi, Utf8, Unknown };
 
 CodePage pageOf(UINT number) noexcept {
-  if (number == CP_ACP || number == kAnsiPage) return CodePage::kAnsi;
-  return number == CP_UTF8 ? CodePage::kUtf8 : CodePage::kUnknown;
+  if (number == CP_ACP || number == kAnsiPage) return CodePage::Ansi;
+  return number == CP_UTF8 ? CodePage::Utf8 : CodePage::Unknown;
 }
 
-// Writes into a buffer while it has room, and counts everything. Without a buffer it counts only.
+// Counts characters and writes them to a buffer until it is full. Without a buffer it only counts.
 template <class Character>
 class CountingWriter {
  public:
   CountingWriter(Character* target, int size) noexcept
-      : target_(target), room_(static_cast<std::size_t>(size)) {}
+      : target_(target), capacity_(static_cast<std::size_t>(size)) {}
 
   void put(Character character) noexcept {
-    if (count_ < room_) target_[count_] = character;
+    if (count_ < capacity_) target_[count_] = character;
     ++count_;
   }
-  // The count, or 0 where a buffer was too small or an int cannot tell the count.
+  // Returns the count; 0 if the buffer was too small or the count does not fit an int.
   int result() const noexcept {
-    if (count_ > INT_MAX || (room_ != 0 && count_ > room_)) return 0;
+    if (count_ > INT_MAX || (capacity_ != 0 && count_ > capacity_)) return 0;
     return static_cast<int>(count_);
   }
 
  private:
   Character* target_;
-  std::size_t room_;
+  std::size_t capacity_;
   std::size_t count_ = 0;
 };
 
-// What both directions refuse alike.
+// Checks the arguments that both directions have in common.
 bool isUsable(CodePage page, const void* source, int sourceLength, const void* target,
               int targetSize) noexcept {
-  if (page == CodePage::kUnknown || source == nullptr) return false;
+  if (page == CodePage::Unknown || source == nullptr) return false;
   if (sourceLength == 0 || targetSize < 0) return false;
   return targetSize == 0 || (target != nullptr && target != source);
 }
@@ -81,7 +86,7 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* source, int sour
   std::string_view rest(
       source, sourceLength < 0 ? std::strlen(source) + 1 : static_cast<std::size_t>(sourceLength));
   CountingWriter<wchar_t> writer(target, targetSize);
-  if (page == CodePage::kAnsi) {
+  if (page == CodePage::Ansi) {
     for (const char byte : rest) writer.put(fromAnsi(byte));
     return writer.result();
   }
@@ -102,7 +107,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* source, int s
   const std::wstring_view text(
       source, sourceLength < 0 ? std::wcslen(source) + 1 : static_cast<std::size_t>(sourceLength));
   CountingWriter<char> writer(target, targetSize);
-  if (page == CodePage::kUtf8) {
+  if (page == CodePage::Utf8) {
     if (defaultChar != nullptr || usedDefaultChar != nullptr) return 0;
     for (const wchar_t character : text) {
       const EncodedCharacter encoded = encodeUtf8(static_cast<char32_t>(character));

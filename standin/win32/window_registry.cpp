@@ -7,12 +7,13 @@
 
 #include "hostsdk/win32/win32.h"
 #include "standin/win32/detail/call_log.h"
-#include "standin/win32/detail/text.h"
+#include "standin/win32/detail/characters.h"
 #include "standin/win32/stand_in.h"
 
-using namespace ulm::win32::detail;
-
 namespace {
+
+using ulm::win32::detail::equalNoCase;
+using ulm::win32::detail::logCall;
 
 struct Window {
   HWND handle;
@@ -21,11 +22,11 @@ struct Window {
 
 struct WindowRegistry {
   std::mutex mutex;
-  std::vector<Window> windows;    // the newest last
-  std::uintptr_t lastHandle = 0;  // a handle is never used twice
+  std::vector<Window> windows;    // in the order of opening
+  std::uintptr_t lastHandle = 0;  // handles are not reused
 };
 
-// Never destroyed: libraries ask until the process has ended.
+// Never destroyed: libraries search for windows until the process ends.
 WindowRegistry& registry() {
   static WindowRegistry& windows = *new WindowRegistry;
   return windows;
@@ -54,7 +55,7 @@ HWND ulmWin32OpenWindow(const wchar_t* className) {
   try {
     WindowRegistry& all = registry();
     const std::lock_guard lock(all.mutex);
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle only looks like a pointer
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number in a pointer type
     const HWND handle = reinterpret_cast<HWND>(all.lastHandle + 4);
     all.windows.push_back({handle, className});
     all.lastHandle += 4;

@@ -54,7 +54,7 @@ std::uint32_t modelOutcode(const auto& k) {
   return code;
 }
 
-// A polygon with 32 slots, or with as many as are written.
+// A polygon with 32 slots, or with as many slots as have been written.
 template <class Real>
 struct ModelPolygon {
   struct Vertex {
@@ -77,13 +77,14 @@ struct ModelPolygon {
     length = std::max(length, i + 1);
     return slots[i];
   }
-  // What an in-place driver works in.
+  // The working memory of an in-place driver.
   ModelPolygon scratch() const {
     ModelPolygon made{.grows = grows};
     if (grows) made.length = count, made.capacity = count + 16;
     return made;
   }
-  // A growable polygon takes the array of the result over, a fixed one the slots written.
+  // A growable polygon takes over the array of the result, a fixed one only the slots that were
+  // written.
   void adopt(const ModelPolygon& result) {
     const std::size_t taken = grows ? result.slots.size() : result.length;
     slots.resize(std::max(slots.size(), taken));
@@ -128,7 +129,7 @@ int modelInPlace(Polygon& polygon, std::uint32_t planes) {
     any |= polygon.slots[i].outcode;
     all &= polygon.slots[i].outcode;
   }
-  if (all != 0) return 2;  // so it is without vertices too
+  if (all != 0) return 2;  // also for a polygon without vertices
   if ((any & planes) == 0) return 0;
   Polygon first = polygon.scratch(), second = first;
   const Polygon* result = modelPingPong(first, second, polygon, any & planes);
@@ -137,7 +138,7 @@ int modelInPlace(Polygon& polygon, std::uint32_t planes) {
   return 1;
 }
 
-// The same bits, one NaN being as good as another.
+// Compares the bits; all NaN values are equal.
 inline bool sameBits(double a, double b) {
   return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
 }
@@ -145,8 +146,8 @@ bool samePoint(const auto& v, const auto& k) {
   return sameBits(v.x, k[0]) && sameBits(v.y, k[1]) && sameBits(v.z, k[2]) && sameBits(v.w, k[3]);
 }
 
-// Points of one of three kinds: anywhere near the volume, on a grid that hits the planes often, or
-// made of the values that go wrong.
+// Points of one of three kinds: random ones near the volume, ones on a grid that hits the planes
+// often, or ones made of special values.
 template <class Real>
 struct PointSource {
   std::mt19937 random;

@@ -36,13 +36,13 @@ TEST(List, ChainIsACircleInTheOrderOfAdding) {
     for (std::uint32_t i = 0; i < size; ++i) {
       EXPECT_EQ(nodes[i]->next, nodes[(i + 1) % size]);
       EXPECT_EQ(nodes[i]->previous, nodes[(i + size - 1) % size]);
-      // Copies: the text has gone on since.
+      // The list holds copies, because the text has changed since.
       EXPECT_EQ(static_cast<List::Node*>(nodes[i])->value[0], static_cast<char>('0' + i));
     }
   }
 }
 
-// Any mixture of fetching, skipping and going back walks as over a plain array.
+// Any sequence of Next, Skip and Reset has the results of the same steps over an array.
 TEST(ListEnumerator, WalksAsOverAnArray) {
   auto* list = ulm::glue::makeObject<List>();
   for (const std::string all : {"", "a", "ab", "abc"}) {
@@ -68,8 +68,8 @@ TEST(ListEnumerator, WalksAsOverAnArray) {
 }
 
 TEST(ListEnumerator, WalksToItsEdgesAndKeepsItsListAlive) {
-  // A node that is used once it is freed shows in every build. Volatile, since the compiler drops
-  // writes to memory that is freed next.
+  // Shows a use of a freed node in every build. Volatile, because the compiler removes writes to
+  // memory that is freed next.
   odrxAllocWatchFreed([](void* block, std::uint64_t bytes) {
     auto* const first = static_cast<volatile char*>(block);
     for (std::uint64_t at = 0; at < bytes; ++at) first[at] = '\xDD';
@@ -95,7 +95,7 @@ TEST(ListEnumerator, WalksToItsEdgesAndKeepsItsListAlive) {
   EXPECT_EQ(second->Skip(UINT32_MAX), 0);
   list->AddTail("c");
   EXPECT_EQ(fetch(second, 3), "") << "behind the tail only a reset helps";
-  EXPECT_EQ(list->Release(), 1u);  // the creator is gone
+  EXPECT_EQ(list->Release(), 1u);  // the creator's reference is released
   second->Reset();
   EXPECT_EQ(fetch(second, 9), "abc");
   void* found = nullptr;
@@ -123,7 +123,7 @@ TEST(List, MemoryThatRunsOutChangesNothing) {
   }
   EXPECT_EQ(odrxAllocCounts().liveBlocks, live);
   EXPECT_EQ(list->GetCount(), 0u);
-  EXPECT_EQ(list->Release(), 0u);  // no reference was left behind
+  EXPECT_EQ(list->Release(), 0u);  // no reference was leaked
 }
 
 TEST(List, RefusesOnceItCloses) {

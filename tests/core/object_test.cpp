@@ -60,7 +60,7 @@ TEST(Object, IsFoundByLibrariesWithRecordsOfTheirOwn) {
     EXPECT_EQ(object->Release(), 2u);
     held = IfaceHolder<IThing>(Iface_QueryChecked<IThing>(object, true));
     EXPECT_EQ(object->AddRef(), 4u);
-    held = std::move(moved);  // over a reference, which goes back
+    held = std::move(moved);  // releases the reference held before
     EXPECT_EQ(object->Release(), 2u);
   }
   EXPECT_EQ(object->Release(), 0u);

@@ -1,5 +1,5 @@
-// An interface of the tests, and what each of two libraries exports that implement and ask for it.
-// Each library has a type record of its own for it.
+// An interface of the tests, and the exports of two libraries that implement it and query it. Each
+// library has its own type record of it.
 #pragma once
 
 #include <typeinfo>

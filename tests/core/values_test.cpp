@@ -1,4 +1,4 @@
-// Typed values in keyed sets, each target taking only its own tags; and text as they hold it.
+// Typed values in keyed sets, where each target type accepts only its own tags; and their text.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -19,17 +19,18 @@ namespace {
 
 using Param = IfaceHolder<IParam>;
 
-// What a value of any tag is bound from: bytes all different, the first a good flag, then zeros.
+// The source of a value of any tag: different bytes, of which the first is a valid flag, then
+// zeros.
 struct Source {
   alignas(8) char bytes[40] = {1};
   Source() { std::iota(bytes + 1, bytes + 32, '\x82'); }
 } const kSource;
-// The same as a whole number of each tag.
+// The same bytes as a whole number of each tag.
 constexpr std::int64_t kLong = -0x7778797A7B7C7DFF;
 constexpr int kInt = -0x7B7C7DFF;
 constexpr std::int64_t kWhole[] = {0, 1, 1, 0x8201, 0x84838201, kInt, kLong, kLong};
 
-// A value under each tag, at the key of its number.
+// A value of each tag, under its number as key.
 Param allTags() {
   Param param(new_MemParam());
   for (QLVariantTag tag = 1; tag <= 18; ++tag) {
@@ -41,7 +42,8 @@ Param allTags() {
   return param;
 }
 
-// The tags from 0 to 19 that a target takes, as bits; what it does not take leaves it as it was.
+// Returns the tags from 0 to 19 that a target accepts, as bits. Any other tag must leave it
+// unchanged.
 template <class Target>
 unsigned takenBy(IParam* set) {
   unsigned tags = 0;
@@ -98,7 +100,7 @@ TEST(ParamValue, FiveKindsAreStored) {
   Param_SetValue(set, "int", -3);
   Param_SetValue(set, "string", CXString("c"));
   Param_SetValue(set, "stringW", CXStringW("d"));
-  Param_SetValue(set, "int", 4);  // in the place of the first
+  Param_SetValue(set, "int", 4);  // replaces the first
   EXPECT_EQ(set->GetCount(), 5u);
   EXPECT_STREQ(set->GetKey(2), "int");
   EXPECT_TRUE(stored(set, "int").tag == kQLInt && stored(set, "int").value.whole == 4);
@@ -135,7 +137,7 @@ TEST(ParamValue, MemoryThatRunsOutLeavesTheSetAndNothingBehind) {
 
 TEST(WideText, TakesTheCodePageOfTheCoreLibrary) {
   const wchar_t* const ansi = L"\u00C3\u00A9";
-  // 0 is the ANSI page, and an unknown one falls back to it.
+  // 0 is the ANSI page, which also replaces an unknown page.
   const std::pair<UINT, const wchar_t*> cases[] = {
       {1252, ansi}, {65001, L"\u00E9"}, {0, ansi}, {4711, ansi}};
   for (const auto& [codePage, expected] : cases) {

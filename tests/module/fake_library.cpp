@@ -1,4 +1,4 @@
-// A library under a host's name with none of its exports, but with a string table of its own.
+// A library with a host's name. It has none of the host's exports, but its own string table.
 #include "hostsdk/win32/resource_block.h"
 
 namespace {

@@ -1,19 +1,19 @@
-// Watches the heap of the language's run-time in this process. A block of the runtime's allocator
-// that is given to it is counted, and goes back to where it came from. The other way round odrxFree
-// tells by itself. Windows and other systems have a source each.
+// Watches the heap of the C++ run-time library in this process. If it is asked to free a block of
+// odrxAlloc, the block is counted and freed by odrxFree. The opposite case ends the process in
+// odrxFree. Windows and other systems have one source each.
 #pragma once
 
 #include <cstddef>
 
 namespace ulm::test {
 
-// How many blocks have crossed over so far.
+// Returns the number of blocks that were freed by the wrong heap.
 int heapCrossings();
 
-// The bytes that are taken from all heaps of this process.
+// Returns the number of bytes in use in all heaps of this process.
 std::size_t heapBytes();
 
-// Deletes a block as code inside the run-time's library does.
+// Deletes a block as code inside the run-time library does.
 void deleteInRuntime(void* block);
 
 }  // namespace ulm::test

@@ -1,4 +1,4 @@
-// A program's own operators stand for those of the run-time, which calls them by their names.
+// A program's operators replace those of the run-time library, which calls them by name.
 #include <malloc.h>
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace {
 
 int crossings = 0;
 
-// Stands empty before each block, so that a look there is always a look at memory of ours.
+// An empty header before each block, so that odrxAllocMade always reads memory of this program.
 constexpr std::size_t kHeader = 16;
 
 void giveBack(void* block) noexcept {

@@ -1,5 +1,5 @@
-// The run-time's library has operators of its own, over the C library's free: its import of that is
-// bent to a function here.
+// The run-time library has its own operators, which call free of the C library. This source
+// redirects that import to a function of its own.
 #include <cstdlib>
 #include <cstring>
 
@@ -23,7 +23,8 @@ void watchedFree(void* block) {
 
 HMODULE runtime() { return GetModuleHandleW(L"libstdc++-6.dll"); }
 
-// The place where a library keeps the address of an import; null where it has none of the name.
+// Returns the entry in which a library stores the address of an import; null if it has none of the
+// name.
 void** importSlot(HMODULE library, const char* name) {
   char* const base = reinterpret_cast<char*>(library);
   IMAGE_DOS_HEADER dos;
@@ -40,7 +41,7 @@ void** importSlot(HMODULE library, const char* name) {
       std::memcpy(&entry, base + from.OriginalFirstThunk + i, sizeof entry);
       if (entry == 0) break;
       const bool named = (entry & IMAGE_ORDINAL_FLAG64) == 0;
-      constexpr std::size_t kHint = sizeof(WORD);  // stands before the name
+      constexpr std::size_t kHint = sizeof(WORD);  // directly before the name
       if (named && std::strcmp(base + entry + kHint, name) == 0) {
         return static_cast<void**>(static_cast<void*>(base + from.FirstThunk + i));
       }

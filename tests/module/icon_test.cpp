@@ -1,4 +1,4 @@
-// The icon in the library's resources, as Windows finds it.
+// The icon in the library's resources, read by Windows.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -9,13 +9,13 @@
 
 namespace {
 
-// One image of a group, as the resource has it.
+// One image of a group, in the layout of the resource.
 #pragma pack(push, 2)
 struct GroupEntry {
-  std::uint8_t width, height, colours, reserved;  // 0 stands for 256
+  std::uint8_t width, height, colours, reserved;  // 0 means 256
   std::uint16_t planes, bits;
   std::uint32_t bytes;
-  std::uint16_t number;  // of the resource that holds the image
+  std::uint16_t number;  // of the image's resource
 };
 #pragma pack(pop)
 static_assert(sizeof(GroupEntry) == 14);

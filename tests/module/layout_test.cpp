@@ -1,4 +1,4 @@
-// What a host built apart from the module relies on: the decorated names of classes, their sizes,
+// The layout that a separately built host relies on: the decorated names of classes, their sizes,
 // the order of their virtual operations and of their fields.
 #include <gtest/gtest.h>
 
@@ -72,7 +72,7 @@ TEST(Layout, NamesAndSizes) {
   }
 }
 
-// An operation that a derived class adds comes right after the operations of its base.
+// The operations that a derived class adds follow directly after those of its base.
 template <class T>
 struct Extended : T {
   virtual void first() = 0;
@@ -81,7 +81,8 @@ struct Extended : T {
   ~Extended() = default;
 };
 
-// Whether operations follow one another in the table of T from `index` on, up to the table's end.
+// Returns true if the operations have consecutive entries in the table of T from `index` to its
+// end.
 template <class T, class... Members>
 bool endsWith(std::size_t index, Members... members) {
   const bool inOrder = ((tablePlace(members) == index++) && ...);
@@ -110,7 +111,7 @@ TEST(Layout, VirtualTables) {
   EXPECT_TRUE(endsWith<PlainList>(2));
 }
 
-// The value that an object keeps at an offset.
+// Returns the value at an offset in an object.
 template <class T>
 T kept(const void* object, std::size_t offset) {
   T value;

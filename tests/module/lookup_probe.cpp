@@ -1,5 +1,5 @@
-// A process that links the host lookup and the run-time glue alone, and no host library, so that
-// each of them can be absent. Built twice: once with an export GetMainDllInstance, once without.
+// A process that links only the host lookup and the glue, and no host library, so that each of
+// these can be absent. It is built twice: with an export GetMainDllInstance and without.
 #include <cstring>
 #include <cwchar>
 #include <typeinfo>
@@ -22,11 +22,11 @@ namespace {
 using ulm::glue::procedure;
 using ulm::test::say;
 
-HINSTANCE mainInstance = nullptr;  // what the program's export gives
+HINSTANCE mainInstance = nullptr;  // the result of the program's export
 
 std::wstring wide(const std::string& text) { return {text.begin(), text.end()}; }
 
-// A file in the program's folder or beneath it.
+// A file in the program's folder or in a folder inside it.
 std::wstring besideProgram(const std::string& file) {
   wchar_t name[2048] = {};
   GetModuleFileNameW(nullptr, name, 2047);
@@ -45,7 +45,7 @@ std::string moduleName(const void* address) {
   return {file, ending};
 }
 
-// Which library made an object: the one that holds its table.
+// Returns the library that created an object: the one that contains its virtual table.
 std::string makerOf(const void* object) {
   if (object == nullptr) return "null";
   const void* table;
@@ -72,7 +72,7 @@ void makeProbeApp(const std::type_info& wanted, void** outObject) {
   *outObject = static_cast<IApp*>(&probeApp);
 }
 
-// An export of the stand-in core library, wherever that was loaded.
+// Returns an export of the stand-in core library, whatever folder it was loaded from.
 template <class Function>
 Function* coreExport(const char* name) {
   return procedure<Function>(GetModuleHandleW(L"qlcore.dll"), name);
@@ -100,7 +100,7 @@ int interfaceException() {
 
 #ifdef ULM_PROBE_EXPORTS_INSTANCE
 extern "C" ULM_EXPORT HINSTANCE GetMainDllInstance() { return mainInstance; }
-// What a null main instance must not lead to.
+// A null main instance must not lead to this export.
 extern "C" ULM_EXPORT IApp* GetApp() { return &probeApp; }
 extern "C" ULM_EXPORT void* get_host_funcptr(int) { return reinterpret_cast<void*>(&GetApp); }
 #endif

@@ -1,4 +1,4 @@
-// Joined with the module's own objects into a library ULM_MainVariant, to see from inside what the
+// Linked with the module's own objects into the library ULM_MainVariant, which shows what the real
 // library hides: its load order, its flags and its allocation operators.
 #include "tests/module/main_variant.h"
 
@@ -15,7 +15,7 @@
 #include "standin/odrx/alloc_control.h"
 #include "standin/win32/stand_in.h"
 
-// The sized forms, which some compilers declare only on request.
+// The sized forms, which some compilers do not declare by default.
 void operator delete(void* block, std::size_t bytes) noexcept;
 void operator delete[](void* block, std::size_t bytes) noexcept;
 void operator delete[](void* block, std::size_t bytes, std::align_val_t alignment) noexcept;
@@ -24,7 +24,7 @@ namespace {
 
 static_assert(ulm::glue::kInitSwitchFlags < ulm::bignum::kConstantsPriority);
 
-// Is built when the constants of the facilities are.
+// This object is built with the priority of the facilities' constants.
 class Constant {
  public:
   Constant() { ulmWin32LogCall("constant made"); }
@@ -111,7 +111,7 @@ extern "C" ULM_EXPORT const char* variantTryNew(bool failing) {
   };
   for (const Form& form : forms) {
     if (failing && form.alignment == 64 && form.name[0] == 'e')
-      continue;  // would construct on null
+      continue;  // new would run a constructor on null
     if (!formWorks(form, failing)) return form.name;
   }
   return nullptr;

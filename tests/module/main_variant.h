@@ -1,14 +1,15 @@
-// What the variant of the module library exports beside its entry points.
+// The exports of the variant of the module library, in addition to its entry points.
 #pragma once
 
 // The four switch flags as they were set at load: assert, add-jump, remove-jump, defecate, as bits
-// 0 to 3; and bit 4 where the switches, asked again, answer otherwise.
+// 0 to 3. Bit 4 is set if the switches have other values when they are read again.
 using VariantFlags = unsigned();
 
-// A block of the library's own new, and its delete for one, in which heaps can be mixed on purpose.
+// Allocates a block with the library's new, and frees one with its delete, so that a test can mix
+// heaps.
 using VariantMake = void*();
 using VariantDelete = void(void* block);
 
-// Tries each form of new and delete; gives the first one that did not go through odrxAlloc and
-// odrxFree as it should, or null. With `failing` every allocation fails while they are tried.
+// Tries each form of new and delete. Returns the first that did not use odrxAlloc and odrxFree as
+// it should, or null. With `failing`, every allocation fails meanwhile.
 using VariantTryNew = const char*(bool failing);

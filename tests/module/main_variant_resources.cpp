@@ -2,7 +2,7 @@
 
 namespace {
 
-// A product version at its edges, and another version of the file.
+// A product version with extreme numbers, and a different file version.
 ULM_VERSION_RESOURCE constexpr ulm::win32::VersionBlock kVersion({9, 9, 9, 9}, {0, 65535, 0, 7});
 
 }  // namespace

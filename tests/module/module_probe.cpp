@@ -1,4 +1,4 @@
-// A host process for the real library, led by its steps: what each does to the library is printed.
+// A host process for the real library. It runs the steps of its arguments and prints their effects.
 #include <algorithm>
 #include <cstdlib>
 #include <cwchar>
@@ -10,12 +10,14 @@
 #include "hostsdk/win32/win32.h"
 #include "module/entry.h"
 #include "module/glue/exceptions.h"
+#include "module/glue/instance.h"
 #include "standin/host/host_calls.h"
 #include "standin/hostapp/control.h"
 #include "standin/hostcmd/control.h"
 #include "standin/odrx/alloc_control.h"
 #include "standin/qlcore/control.h"
 #include "standin/win32/stand_in.h"
+#include "standin/win32/utf8.h"
 #include "tests/module/heap_watch.h"
 #include "tests/module/main_variant.h"
 #include "tests/module/script.h"
@@ -23,8 +25,10 @@
 
 namespace {
 
-using namespace ulm::tools;  // what hosts call
+using namespace ulm::tools;  // the helpers of a host
+using ulm::glue::procedure;
 using ulm::test::say;
+using ulm::win32::toUtf8;
 
 HMODULE library = nullptr;
 OdRxModule* object = nullptr;
@@ -33,7 +37,7 @@ const HostAppControl* application = nullptr;
 int handlerCalls = 0;
 std::vector<Balance> marked;
 
-// The folder of the library as it stands on PATH.
+// The folder of the library in the form that PATH contains.
 std::wstring folderText() {
   const std::wstring path = moduleName(library);
   return path.substr(0, path.rfind(L'\\') + 1);
@@ -41,7 +45,7 @@ std::wstring folderText() {
 
 bool balanced() { return takeBalance(application) == marked; }
 
-// What a call gave, or what it raised.
+// The result of a call, or its exception.
 template <class Call>
 std::string outcome(Call call) {
   try {
@@ -59,7 +63,7 @@ std::string create() {
   slot = slot == nullptr ? library : slot;
   OdRxModule* const before = object;
   const std::string made = outcome([before]() -> std::string {
-    object = exportOf<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject")(&slot);
+    object = procedure<decltype(odrxCreateModuleObject)>(library, "odrxCreateModuleObject")(&slot);
     return object == nullptr ? "null object" : object == before ? "same object" : "fresh object";
   });
   return made + (slot == nullptr ? ", slot cleared" : ", slot kept") +
@@ -70,8 +74,8 @@ std::string init() {
   return outcome([] { return std::string(object->initApp() ? "true" : "false"); });
 }
 
-// Lets the n-th allocation of a call fail, for each n, until the call needs no more; tells the
-// outcomes that came, each once, and the last; every one must leave nothing behind.
+// Makes the n-th allocation of a call fail, for each n, until the call succeeds. Prints the
+// different outcomes and the last one. None may leak.
 std::string sweep(std::string (*call)(), void (*undo)()) {
   std::vector<std::string> outcomes;
   std::string last;
@@ -101,7 +105,7 @@ void printRecord() {
   }
 }
 
-// The version and the build that the record holds.
+// The version and the build in the record.
 void printVersion() {
   std::string version = "none", build = "none";
   for (std::size_t i = 0; application->recordKey(i) != nullptr; ++i) {
@@ -122,7 +126,7 @@ void printLoads() {
 void load(const std::string& file) {
   library = LoadLibraryW(toWide(file).c_str());
   if (library != nullptr) return;
-  // Windows has no word of its own for an exception.
+  // Windows has no message of its own for an exception.
   say("not loaded", ulm::test::kOnLayer ? std::string(": ") + ulmWin32LoadError() : "");
 }
 
@@ -142,9 +146,9 @@ void printLog() {
   std::cout << log;
 }
 
-std::wstring keptPath;  // what fillPath made
+std::wstring keptPath;  // the result of fillPath
 
-// PATH as a row can state it, whatever folder the library lies in.
+// PATH in a form that does not depend on the library's folder.
 void printPath() {
   std::wstring path = environmentVariable(L"PATH");
   if (!keptPath.empty() && path == keptPath) return say("PATH {kept}");
@@ -160,7 +164,7 @@ void printPath() {
   say("PATH ", toUtf8(path.c_str()));
 }
 
-// Sets PATH from a text in which {folder} stands for the library's and {bare} for that without its
+// Sets PATH from a text in which {folder} is the library's folder and {bare} the same without its
 // backslash.
 void setPath(const std::string& text) {
   std::wstring value = toWide(text);
@@ -182,14 +186,14 @@ void fillPath(const std::string& length) {
 }
 
 void tryNew() {
-  const auto attempt = exportOf<VariantTryNew>(library, "variantTryNew");
+  const auto attempt = procedure<VariantTryNew>(library, "variantTryNew");
   for (const bool failing : {false, true}) {
     const char* fault = attempt(failing);
     say(fault == nullptr ? "all forms right" : fault);
   }
 }
 
-// Tells whether the heaps have grown since the first time: by more than a little that stays.
+// Prints whether the heaps have grown since the first call by more than a small constant.
 void tellGrowth() {
   constexpr std::size_t kSlack = 1024;
   static const std::size_t first = ulm::test::heapBytes();
@@ -206,7 +210,7 @@ int main(int argc, char** argv) {
       {{"take",
         [](Value file) {
           const HMODULE taken = LoadLibraryW(toWide(file).c_str());
-          const auto control = exportOf<HostAppControlEntry>(taken, kHostAppControlEntry);
+          const auto control = procedure<HostAppControlEntry>(taken, kHostAppControlEntry);
           if (control != nullptr) application = control();
         }},
        {"hide",
@@ -240,7 +244,7 @@ int main(int argc, char** argv) {
        {"version",
         [](Value) {
           std::uint32_t numbers[4] = {9, 9, 9, 9};
-          exportOf<decltype(odrxGetAPIVersion)>(library, "odrxGetAPIVersion")(
+          procedure<decltype(odrxGetAPIVersion)>(library, "odrxGetAPIVersion")(
               &numbers[0], &numbers[1], &numbers[2], &numbers[3]);
           say("version ", numbers[0], ' ', numbers[1], ' ', numbers[2], ' ', numbers[3]);
         }},
@@ -291,14 +295,16 @@ int main(int argc, char** argv) {
                 object = nullptr;
               }));
         }},
-       {"flags", [](Value) { say("flags ", exportOf<VariantFlags>(library, "variantFlags")()); }},
+       {"flags", [](Value) { say("flags ", procedure<VariantFlags>(library, "variantFlags")()); }},
        {"try-new", [](Value) { tryNew(); }},
        {"crossings", [](Value) { say("crossings ", ulm::test::heapCrossings()); }},
        {"growth", [](Value) { tellGrowth(); }},
        {"give-away",
-        [](Value) { ulm::test::deleteInRuntime(exportOf<VariantMake>(library, "variantMake")()); }},
+        [](Value) {
+          ulm::test::deleteInRuntime(procedure<VariantMake>(library, "variantMake")());
+        }},
        {"take-in",
-        [](Value) { exportOf<VariantDelete>(library, "variantDelete")(operator new(24)); }},
+        [](Value) { procedure<VariantDelete>(library, "variantDelete")(operator new(24)); }},
        {"translation",
         [](Value) {
           say("translation users ", qlcoreTranslationUsers(),

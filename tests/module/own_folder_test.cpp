@@ -1,4 +1,4 @@
-// The library in folders of its own, with what lies beside it and with names of every kind.
+// The library in separate folders, with different files next to it and with names of every kind.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -23,7 +23,8 @@ const std::string kLibrary = std::string("ULM_MainVariant") + ulm::test::kLibrar
 
 class OwnFolder : public testing::Test {
  protected:
-  // Puts the library, and a profile unless that is empty, into a folder beneath the test's own.
+  // Copies the library to a folder inside the test's own, and writes a profile there unless it is
+  // empty.
   void place(const std::string& folder, const std::string& profile) {
     folder_ = own_ / fileNamed(folder);
     create_directories(folder_);
@@ -32,7 +33,7 @@ class OwnFolder : public testing::Test {
     fs::remove(folder_ / "mt.ini");
     if (!profile.empty()) std::ofstream(folder_ / "mt.ini") << profile;
   }
-  // Loads it between the steps, and compares what is printed.
+  // Runs the steps with the library loaded and compares the output.
   void run(std::vector<std::string> before, const std::vector<std::string>& after,
            const std::string& expected) {
     before.push_back("load=" + textOf(folder_ / kLibrary));
@@ -40,7 +41,7 @@ class OwnFolder : public testing::Test {
     ulm::test::runRow({"", "module_probe", before, expected});
   }
   void TearDown() override {
-    std::error_code tooLong;  // for the language's library of some systems
+    std::error_code tooLong;  // ignored: the standard library of some systems refuses long names
     fs::remove_all(own_, tooLong);
   }
 
@@ -48,7 +49,7 @@ class OwnFolder : public testing::Test {
   fs::path folder_;
 };
 
-// Makes the version resource of a library's file say that its fixed information has `length` bytes.
+// Sets the length of the fixed information in the version resource of a library's file to `length`.
 void shortenVersion(const fs::path& library, char length) {
   std::fstream file(library, std::ios::in | std::ios::out | std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(file), {}};
@@ -77,7 +78,7 @@ TEST_F(OwnFolder, SwitchesOfTheProfile) {
     SCOPED_TRACE(profile);
     place("switches", profile);
     run(monitor ? std::vector<std::string>{"monitor"} : std::vector<std::string>{},
-        // What was decided at load stays, whatever comes later.
+        // The values at load stay, also if the profile changes later.
         {"monitor", "flags", "unload"}, "flags " + std::to_string(flags) + "\ngone\n");
   }
 }
@@ -87,8 +88,8 @@ TEST_F(OwnFolder, NamesOutsideAscii) {
   run({}, {"flags", "create", "set-path=/bin", "init", "path", "set-path={bare}", "init", "path"},
       "flags 2\n" + std::string(kCreated) +
           "init true\nPATH /bin;{folder}\ninit true\nPATH {bare};{folder}\n");
-  // Letters that the ANSI code page lacks come out lossy in PATH, as the nearest or as none, and
-  // nothing else suffers.
+  // Letters that the ANSI code page lacks are replaced in PATH by the nearest letter or by '?'.
+  // Nothing else changes.
   place("\u4e2d\u6587\u0141", "[mt]\nJumpArrOnAdd=1\n");
   const std::string start = textOf(ulm::test::windowsName(own_));
   run({"take=QlHostApp.dll"},
@@ -97,17 +98,17 @@ TEST_F(OwnFolder, NamesOutsideAscii) {
           "\\??L\\\nversion \"0.65535.0.7\" build \"0\"\n");
 }
 
-// Names around the buffers of 260 and of 2,048 characters, cut in both ways that Windows has; the
-// system reads no profile whose own name takes 260.
+// Names with about 260 and about 2,048 characters, the sizes of the buffers, cut in both ways that
+// Windows has. The system reads no profile whose name has 260 characters.
 TEST_F(OwnFolder, LongNames) {
   for (const std::size_t length : {259u, 261u, 2047u, 2060u, 3000u}) {
-    // The whole name counts the drive, both separators and the file's own name.
+    // The full name includes the drive, both separators and the file's own name.
     std::string folder(
         length - ulm::test::windowsName(own_).size() - sizeof "//" + 1 - kLibrary.size(), 'n');
     for (std::size_t at = 200; at < folder.size() - 1; at += 200) folder[at] = '/';
     place(folder, "[mt]\nJumpArrOnAdd=1\n");
     const bool whole = length < 260, found = length < 2048, read = length < 262;
-    for (const bool newCut : {false, true}) {  // the second is the system's own affair on Windows
+    for (const bool newCut : {false, true}) {  // on Windows the second has no effect
       if (newCut && !ulm::test::kOnLayer) continue;
       const std::size_t cut = newCut ? 259 : 260;
       run({"take=QlHostApp.dll", newCut ? "new-cut" : "mark"},
@@ -141,8 +142,8 @@ TEST(ModuleLoad, ManyTimesWithoutGrowth) {
       row.expected += "no growth\n";
     }
   }
-  // The allocator's caches of freed blocks count as taken; how many they hold depends on the length
-  // of the folder's name.
+  // Freed blocks in the allocator's caches count as used; their number depends on the length of the
+  // folder's name.
   ulm::test::runRow(row, {"GLIBC_TUNABLES=glibc.malloc.tcache_count=0"});
 }
 

@@ -1,5 +1,5 @@
-// Parts of the module, called in the test's process: the end of a module object, and the folder
-// that goes to PATH.
+// Parts of the module in the test's own process: the end of a module object, and the folder for
+// PATH.
 #include <gtest/gtest.h>
 
 #include "hostsdk/odrx/win32_module.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-// Sees, while it is destroyed, what a caller of the library would find.
+// Records in its destructor what a caller of the library would find then.
 class Observer : public OdRxModule {
  public:
   ~Observer() override;

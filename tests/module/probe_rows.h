@@ -1,7 +1,7 @@
 // Rows of steps for a test process, and the lines that they should print (script.h). Each row runs
-// in a process of its own. Files of rows lie under tests/data: "[name]", then "> process step step
-// ...", then the lines; '#' starts a line for people, "layer: "
-// and "windows: " a line of one system, and a blank line ends a row.
+// in a process of its own. Files of rows are under tests/data. A row is "[name]", then
+// "> process step step ...", then the lines; a blank line ends it. '#' starts a comment line,
+// "layer: " and "windows: " a line for one system.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ inline std::vector<ProbeRow> readRows(const std::string& file) {
   return rows;
 }
 
-// Each of `environment` is "NAME=value", put before what this process has.
+// Each of `environment` is "NAME=value" and overrides the environment of this process.
 inline void runRow(const ProbeRow& row, const std::vector<std::string>& environment = {}) {
   const tools::ProcessResult result =
       tools::runProcess(tools::programFolder() / row.probe, row.steps, environment);

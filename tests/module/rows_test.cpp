@@ -1,5 +1,5 @@
-// The module and its search for the host in processes of every kind: the rows of tests/data/module,
-// each in a process of its own.
+// The module and its search for the host: the rows of tests/data/module, each in a process of its
+// own.
 #include <gtest/gtest.h>
 
 #include "tests/module/probe_rows.h"
@@ -19,7 +19,7 @@ INSTANTIATE_TEST_SUITE_P(Lookup, Rows,
                          testing::ValuesIn(readRows(ULM_TEST_DATA "/module/lookup.txt")),
                          ulm::test::rowName);
 
-// The other way round: the library's delete is given a block of the run-time's.
+// The opposite case: the library's delete receives a block of the run-time library.
 TEST(Heaps, AForeignBlockEndsTheProcess) {
   const auto result = ulm::tools::runProcess(ulm::tools::programFolder() / "module_probe",
                                              {"load=ULM_MainVariant.dll", "take-in"}, {},
@@ -28,12 +28,12 @@ TEST(Heaps, AForeignBlockEndsTheProcess) {
   EXPECT_NE(result.output.find("not from odrxAlloc"), std::string::npos) << result.output;
 }
 
-// Every mixture of the libraries a host may bring, in both kinds of program: the first that is
-// there in the order of the search decides.
+// Every combination of the libraries of a host, in both kinds of program: the first that is present
+// in the order of the search decides.
 TEST(Lookup, EveryMixtureOfLibraries) {
   for (unsigned mixture = 0; mixture < 16; ++mixture) {
     const bool app = (mixture & 1) != 0, view = (mixture & 2) != 0, support = (mixture & 4) != 0;
-    const bool exporting = (mixture & 8) != 0;  // its export gives null here
+    const bool exporting = (mixture & 8) != 0;  // its export returns null here
     ProbeRow row{"", exporting ? "lookup_probe_exporting" : "lookup_probe", {}, ""};
     if (app) row.steps.push_back("load=QlHostApp.dll");
     if (view) row.steps.push_back("load=qlview.dll");
@@ -44,7 +44,8 @@ TEST(Lookup, EveryMixtureOfLibraries) {
                     : view    ? "qlview"
                     : app     ? "QlHostApp"
                               : "null") +
-                   // The application's library links the core library, which then translates.
+                   // The application's library links the core library, which then does the
+                   // translation.
                    "\ntranslate " +
                    (app       ? "1 1"
                     : support ? "2 2"

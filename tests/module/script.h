@@ -1,5 +1,5 @@
-// A test process reads its steps from its arguments, "step" or "step=value", and prints a line for
-// each that answers. A test is then a row of steps and the lines that they should print.
+// A test process reads its steps from its arguments, "step" or "step=value", and prints lines. A
+// test is a row of steps and the lines that they should print.
 #pragma once
 
 #include <functional>
@@ -13,7 +13,7 @@ namespace ulm::test {
 
 using Step = std::function<void(const std::string& value)>;
 
-// Runs the steps; 2 for an unknown one, so that a mistyped row cannot pass.
+// Runs the steps. Returns 2 for an unknown step, so that a mistyped row cannot pass.
 inline int runSteps(const std::map<std::string, Step>& steps, int argc, char** argv) {
   tools::ProgramArguments arguments(argc, argv);
   for (int i = 1; i < arguments.count(); ++i) {
@@ -31,7 +31,7 @@ inline int runSteps(const std::map<std::string, Step>& steps, int argc, char** a
 
 template <class... Parts>
 void say(const Parts&... parts) {
-  (std::cout << ... << parts) << std::endl;  // flushed: a crash later loses nothing
+  (std::cout << ... << parts) << std::endl;  // flushed, so that a later crash loses no line
 }
 
 }  // namespace ulm::test

@@ -1,4 +1,4 @@
-// Fonts built in code, each value beside the name of its field.
+// Fonts built in code, where each value is next to the name of its field.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@
 
 namespace ulm::test {
 
-// Big-endian bytes in the order of the calls.
+// Collects big-endian bytes in the order of the calls.
 struct Bytes : std::vector<std::uint8_t> {
   Bytes() = default;
   Bytes& u8(int value) {
@@ -81,7 +81,7 @@ inline Bytes compositeGlyph(const std::vector<Part>& parts) {
   }
   return glyph;
 }
-// Moved by (x, y) and otherwise as it is.
+// The record only moves the glyph by (x, y).
 inline Part moved(int glyph, int x, int y, int flags = 0) {
   return {flags | 0x0003, glyph, Bytes().u16({x, y})};
 }
@@ -133,8 +133,8 @@ inline Bytes cmapFormat4(const std::vector<Segment>& segments,
   return table.u16(glyphs);
 }
 
-// The tables of a font in their order of the file. A fresh one holds the six that every font needs:
-// three glyphs (a triangle, none, a composite that moves the triangle), an em of 1000 units.
+// The tables of a font in file order. A new image has the six tables that every font needs, three
+// glyphs (a triangle, an empty one, a composite that moves the triangle) and an em of 1000 units.
 class FontImage {
  public:
   FontImage() {
@@ -158,12 +158,12 @@ class FontImage {
     std::erase_if(tables_, [&](const Entry& entry) { return entry.tag == tag; });
     return *this;
   }
-  // One more directory entry, also of a tag that is there.
+  // Adds a directory entry, also for a tag that exists already.
   FontImage& also(const std::string& tag, const Bytes& bytes) {
     tables_.push_back({tag, bytes});
     return *this;
   }
-  FontImage& last(const std::string& tag) {  // puts a table at the image's end
+  FontImage& last(const std::string& tag) {  // moves a table to the end of the image
     const auto place = std::find_if(tables_.begin(), tables_.end(),
                                     [&](const Entry& entry) { return entry.tag == tag; });
     std::rotate(place, place + 1, tables_.end());
@@ -190,7 +190,7 @@ class FontImage {
                          const Bytes& bytes) {
     return table(header, Bytes().zeros(36).put16(34, count)).table(metrics, bytes);
   }
-  // What the directory says of a table, apart from where and how long it is.
+  // The fields of a directory entry other than offset and length.
   FontImage& lie(const std::string& tag, std::int64_t addToOffset, std::int64_t addToLength) {
     find(tag)->addToOffset = addToOffset;
     find(tag)->addToLength = addToLength;
@@ -198,7 +198,7 @@ class FontImage {
   }
 
   Bytes build() const { return collection(0); }
-  // `faces` copies of one offset table behind a collection header; 0 for a plain font.
+  // `faces` copies of one offset table after a collection header; 0 for a plain font.
   Bytes collection(std::size_t faces, std::uint32_t version = 0x00010000) const {
     Bytes image;
     const std::size_t header = faces == 0 ? 0 : 12 + 4 * faces;
@@ -257,7 +257,7 @@ class OpenFont {
   truetype::TrueTypeFont* font_ = nullptr;
 };
 
-// Values of any kinds side by side.
+// Combines values of any types.
 template <class... Values>
 std::vector<long long> row(Values... values) {
   return {static_cast<long long>(values)...};

@@ -1,4 +1,4 @@
-// What the systems call things differently, for tests that run on each.
+// Names that differ between the systems, for tests that run on both.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace ulm::test {
 
 #ifdef _WIN32
-// Whether the layer stands for the system's calls, and logs them.
+// True if the layer implements the system's calls, and logs them.
 inline constexpr bool kOnLayer = false;
 inline constexpr char kLibraryEnding[] = ".dll";
 inline constexpr char kProgramEnding[] = ".exe";
@@ -18,7 +18,7 @@ inline constexpr char kLibraryEnding[] = ".so";
 inline constexpr char kProgramEnding[] = "";
 #endif
 
-// A file's full name as the module and its host see it.
+// The full name of a file in the form that the module and its host use.
 inline std::wstring windowsName(const std::filesystem::path& file) {
   std::wstring name = file.wstring();
   if (name.substr(0, 1) == L"/") name.insert(0, L"Z:");
@@ -26,8 +26,8 @@ inline std::wstring windowsName(const std::filesystem::path& file) {
   return name;
 }
 
-// Whether a line of a table stands for this system. One that starts with "layer: " or "windows: "
-// does so on that one alone, and loses its mark.
+// Returns true if a line of a table applies to this system. A line with the prefix "layer: " or
+// "windows: " applies to one system only; the prefix is removed.
 inline bool standsHere(std::string& line) {
   for (const std::string mark : {"layer: ", "windows: "}) {
     if (line.rfind(mark, 0) != 0) continue;

@@ -1,4 +1,4 @@
-// The place of a virtual operation in its class's table.
+// The index of a virtual operation in its class's table.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +6,8 @@
 
 namespace ulm::test {
 
-// Counted from 0, a virtual destructor taking two places. In the common C++ ABI a pointer to a
-// virtual member is the offset of its entry in bytes, plus one.
+// The index starts at 0, and a virtual destructor has two entries. In the common C++ ABI a pointer
+// to a virtual member is the offset of its entry in bytes, plus one.
 template <class Member>
 std::size_t tablePlace(Member member) {
   std::size_t offset;

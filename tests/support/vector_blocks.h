@@ -23,7 +23,7 @@ class VectorBlock {
   const std::string& where() const { return where_; }  // file and line of the first key
   void add(const std::string& key, std::string value) { unused_[key] = std::move(value); }
 
-  // Each key can be taken once.
+  // Each key can be read once.
   std::optional<std::string> find(const std::string& key) {
     const auto taken = unused_.extract(key);
     return taken.empty() ? std::nullopt : std::optional(taken.mapped());

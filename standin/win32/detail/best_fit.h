@@ -1,4 +1,5 @@
-// What Windows writes in code page 1252 for letters that the page lacks: the nearest that it has.
+// The best-fit table of code page 1252: the byte that Windows writes for a letter that the page
+// lacks.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +11,8 @@ struct BestFit {
   std::uint8_t byte;
 };
 
-// In rising order. The wide forms of ASCII, U+FF01 to U+FF5E, stand for their plain ones beside
-// these.
+// Sorted by character. The full-width forms of ASCII, U+FF01 to U+FF5E, are converted without a
+// table.
 inline constexpr BestFit kBestFit[] = {
     {0x0100, 'A'},  {0x0101, 'a'},  {0x0102, 'A'},  {0x0103, 'a'},  {0x0104, 'A'},  {0x0105, 'a'},
     {0x0106, 'C'},  {0x0107, 'c'},  {0x0108, 'C'},  {0x0109, 'c'},  {0x010A, 'C'},  {0x010B, 'c'},

@@ -16,10 +16,10 @@ namespace {
 struct CallLog {
   std::mutex mutex;
   std::string lines;
-  std::string shown;  // what the last ulmWin32CallLog gave out
+  std::string shown;  // the result of the last ulmWin32CallLog
 };
 
-// Never destroyed: calls come in until the process has ended.
+// Never destroyed: libraries log calls until the process ends.
 CallLog& callLog() {
   static CallLog& log = *new CallLog;
   return log;
@@ -39,17 +39,18 @@ void writeCall(const char* function, const char* argument) noexcept {
     std::string line(function);
     if (argument != nullptr) line.append(1, ' ').append(argument);
     append(std::move(line));
-  } catch (const std::bad_alloc&) {  // the log is short of a line; the call goes on
+  } catch (const std::bad_alloc&) {  // the line is lost; the call continues
   }
 }
 
 }  // namespace ulm::win32::detail
 
-using namespace ulm::win32::detail;
+using ulm::win32::detail::callLog;
+using ulm::win32::detail::callLogIsOn;
 
 void ulmWin32StartCallLog() {
   try {
-    CallLog& log = callLog();
+    auto& log = callLog();
     const std::lock_guard lock(log.mutex);
     log.lines.clear();
     callLogIsOn.store(true, std::memory_order_relaxed);
@@ -60,12 +61,12 @@ void ulmWin32StartCallLog() {
 void ulmWin32StopCallLog() { callLogIsOn.store(false, std::memory_order_relaxed); }
 
 void ulmWin32LogCall(const char* line) {
-  if (line != nullptr) logCall(line);
+  if (line != nullptr) ulm::win32::detail::logCall(line);
 }
 
 const char* ulmWin32CallLog() {
   try {
-    CallLog& log = callLog();
+    auto& log = callLog();
     const std::lock_guard lock(log.mutex);
     log.shown = log.lines;
     return log.shown.c_str();

@@ -1,4 +1,4 @@
-// The record of calls that stand_in.h shows. While it is off, a call costs one relaxed load.
+// The log of calls that stand_in.h controls. While it is off, a call costs one relaxed load.
 #pragma once
 
 #include <atomic>

@@ -1,10 +1,11 @@
-// Apart from the log itself, which Windows has too, where no call of the system's is logged.
+// A source of its own, because call_log.cpp is built on Windows too, where no wide argument is
+// logged.
 #include <new>
 #include <optional>
 #include <string>
 
 #include "standin/win32/detail/call_log.h"
-#include "standin/win32/detail/text.h"
+#include "standin/win32/detail/characters.h"
 
 namespace ulm::win32::detail {
 

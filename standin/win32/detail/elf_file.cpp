@@ -2,7 +2,7 @@
 
 #include "standin/win32/detail/file.h"
 
-// The ELF header of the library that this code is linked into, defined by the linker.
+// The ELF header of the library that this code is linked into. The linker defines it.
 extern "C" [[gnu::visibility("hidden")]] const char __ehdr_start[];
 
 // Layout: System V Application Binary Interface, chapter 4, "ELF header" and "Sections", chapter 5,
@@ -13,13 +13,13 @@ namespace {
 
 constexpr std::string_view kMark = "\177ELF";
 constexpr std::string_view kMarkOf64BitLittleEndian = "\177ELF\2\1";
-constexpr std::size_t kClassOffset = 4;  // then the byte order
+constexpr std::size_t kClassOffset = 4;  // the byte order follows
 constexpr std::size_t kMachineOffset = 18;
 constexpr std::size_t kFileHeaderSize = 64;
 constexpr std::size_t kSectionHeaderSize = 64;
 constexpr std::size_t kSegmentHeaderSize = 56;
 constexpr std::uint32_t kLoad = 1;    // a segment's type: the loader maps it
-constexpr std::uint32_t kNoBits = 8;  // a section's type: it has no bytes in the file
+constexpr std::uint32_t kNoBits = 8;  // a section's type: the file stores no bytes for it
 
 struct SectionHeader {
   std::uint32_t nameOffset;
@@ -27,7 +27,7 @@ struct SectionHeader {
   std::uint64_t offset, size;
 };
 
-// `table` holds whole headers, more than `index`.
+// `table` contains complete headers only, and more than `index` of them.
 SectionHeader headerAt(std::string_view table, std::size_t index) noexcept {
   const std::string_view bytes = table.substr(index * kSectionHeaderSize, kSectionHeaderSize);
   return {littleEndian<std::uint32_t>(bytes, 0), littleEndian<std::uint32_t>(bytes, 4),
@@ -78,23 +78,24 @@ const char* libraryFault(const std::string& path) {
   if (!header || !header->starts_with(kMark)) return nullptr;
   if (!isForThisMachine(*header)) return "the library is for another architecture";
 
-  constexpr const char* kCut = "the file is incomplete: it ends before what its headers describe";
+  constexpr const char* kTruncated =
+      "the file is incomplete: it ends before what its headers describe";
   const std::size_t segmentSize = littleEndian<std::uint16_t>(*header, 54);
   if (segmentSize != kSegmentHeaderSize) return nullptr;
   const std::size_t segmentCount = littleEndian<std::uint16_t>(*header, 56);
   const std::optional<std::string> segments =
       file.read(littleEndian<std::uint64_t>(*header, 32), segmentCount * segmentSize);
-  if (!segments) return kCut;
+  if (!segments) return kTruncated;
   for (std::size_t at = 0; at < segments->size(); at += segmentSize) {
     if (littleEndian<std::uint32_t>(*segments, at) != kLoad) continue;
     const auto offset = littleEndian<std::uint64_t>(*segments, at + 8);
-    if (!file.holds(offset, littleEndian<std::uint64_t>(*segments, at + 32))) return kCut;
+    if (!file.holds(offset, littleEndian<std::uint64_t>(*segments, at + 32))) return kTruncated;
   }
-  // The loader does without the sections; the resources are in them.
+  // The loader does not need the sections, but the resources are in them.
   const std::size_t sectionSize = littleEndian<std::uint16_t>(*header, 58);
   const std::size_t sectionCount = littleEndian<std::uint16_t>(*header, 60);
   const auto sections = littleEndian<std::uint64_t>(*header, 40);
-  return file.holds(sections, sectionCount * sectionSize) ? nullptr : kCut;
+  return file.holds(sections, sectionCount * sectionSize) ? nullptr : kTruncated;
 }
 
 }  // namespace ulm::win32::detail

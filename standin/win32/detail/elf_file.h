@@ -1,5 +1,5 @@
-// ELF files, judged and searched by reading the file. Any file at all may be named: every offset
-// and size in it is held against the file before it is followed.
+// Reads sections of ELF files and checks whether a file can be loaded. The input may be any file:
+// every offset and size in it is checked against the file before it is used.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@
 
 namespace ulm::win32::detail {
 
-// The unsigned little-endian number of `Width` bytes at `offset`; the caller has tested that
-// `bytes` holds it.
+// Returns the unsigned little-endian number at `offset`; the caller has checked that `bytes`
+// contains it.
 template <class Number>
 constexpr Number littleEndian(std::string_view bytes, std::size_t offset) noexcept {
   std::uint64_t number = 0;
@@ -21,15 +21,14 @@ constexpr Number littleEndian(std::string_view bytes, std::size_t offset) noexce
   return static_cast<Number>(number);
 }
 
-// The content of the first section of that name; nothing where the file is no 64-bit little-endian
-// ELF file, has no such section, or keeps no bytes for it.
+// Returns the content of the first section of that name. Nothing if the file is not a 64-bit
+// little-endian ELF file, has no such section, or stores no bytes for it.
 std::optional<std::string> readElfSection(const std::string& path, std::string_view name);
 
-// Why the system's loader must not open the file as a library, in one line, or null where nothing
-// speaks against it. The loader maps what the headers describe without asking for the file's size,
-// so that a file that ends too early would end the process; and it reports a library for another
-// architecture as a missing file. Any other fault is left to the loader, and so are the libraries
-// that this one links.
+// Returns in one line why the system's loader must not open the file as a library; null if it may.
+// The loader maps what the headers describe without checking the file's size, so a truncated file
+// would end the process. It also reports a library for another architecture as a missing file. The
+// loader itself reports all other faults, and those of the libraries that this one links.
 const char* libraryFault(const std::string& path);
 
 }  // namespace ulm::win32::detail

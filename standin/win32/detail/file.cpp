@@ -10,7 +10,8 @@ namespace ulm::win32::detail {
 
 namespace {
 
-// Reads at most `length` bytes at `offset`; fewer only at the end of the file, -1 on an error.
+// Reads `length` bytes at `offset`. Returns their number, which is smaller only at the end of the
+// file; -1 on an error.
 ssize_t readAt(int descriptor, char* target, std::size_t length, std::uint64_t offset) noexcept {
   std::size_t done = 0;
   while (done < length) {

@@ -1,5 +1,5 @@
-// A file that is read. Whatever a caller names is safe to open: only regular files are, and no call
-// waits for one.
+// InputFile: a file to read. Any name is safe: only regular files are opened, and opening never
+// blocks.
 #pragma once
 
 #include <cstdint>
@@ -17,16 +17,16 @@ class InputFile {
 
   bool isOpen() const noexcept { return descriptor_ >= 0; }
 
-  // Whether the file has the bytes [offset, offset + length).
+  // Returns true if the file is open and contains the bytes [offset, offset + length).
   bool holds(std::uint64_t offset, std::uint64_t length) const noexcept {
     return isOpen() && offset <= size_ && length <= size_ - offset;
   }
 
-  // The bytes [offset, offset + length); nothing where the file does not hold them all. A length
-  // above the file's size is refused before memory is asked for.
+  // Returns the bytes [offset, offset + length); nothing if the file does not contain all of them.
+  // The length is checked before memory is allocated.
   std::optional<std::string> read(std::uint64_t offset, std::uint64_t length) const;
 
-  // Everything to the end of the file, also of one whose size the system does not tell.
+  // Returns the whole file, also if the system reports no size for it; nothing on an error.
   std::optional<std::string> readAll() const;
 
  private:

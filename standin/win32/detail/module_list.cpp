@@ -11,15 +11,15 @@
 #include <string_view>
 #include <utility>
 
+#include "standin/win32/detail/characters.h"
 #include "standin/win32/detail/file.h"
 #include "standin/win32/detail/path.h"
-#include "standin/win32/detail/text.h"
 
 namespace ulm::win32::detail {
 
 namespace {
 
-// One module while the loader's list is walked; nothing in it outlives the walk.
+// One entry of the loader's list. It is valid only while findModule reads the list.
 class ListedModule {
  public:
   ListedModule(const dl_phdr_info& info, bool isProgram) noexcept
@@ -58,7 +58,7 @@ class ListedModule {
     std::uintptr_t end = 0;
   };
 
-  // The pages of a segment that is mapped; empty for any other.
+  // Returns the pages of a mapped segment; empty for any other segment.
   Range segment(std::size_t i) const noexcept {
     const ElfW(Phdr)& header = info_.dlpi_phdr[i];
     if (header.p_type != PT_LOAD || header.p_memsz == 0) return {};
@@ -72,8 +72,8 @@ class ListedModule {
   Range whole_;
 };
 
-// The first module that passes the test. An exception of the test waits until the loader's list is
-// left, so that it never passes through the loader.
+// Returns the first module that passes the test. An exception of the test is raised again after the
+// loader's function has returned, so that it never passes through the loader.
 template <class Test>
 std::optional<Module> findModule(const Test& test) {
   struct Walk {
@@ -81,7 +81,8 @@ std::optional<Module> findModule(const Test& test) {
     std::optional<Module> found{};
     std::exception_ptr error{};
     bool atProgram = true;
-    std::uintptr_t systemCalls = getauxval(AT_SYSINFO_EHDR);  // the kernel's own, which is no file
+    std::uintptr_t systemCalls =
+        getauxval(AT_SYSINFO_EHDR);  // the kernel's module, which has no file
   };
   Walk walk{test};
   dl_iterate_phdr(
@@ -103,7 +104,7 @@ std::optional<Module> findModule(const Test& test) {
 
 // --- File names ---
 
-// The kernel marks the name of a file that is gone since, and writes a line's end as \012.
+// Decodes a file name from the kernel, which marks a deleted file and writes a line end as \012.
 std::string fromKernel(std::string_view name) {
   constexpr std::string_view kGone = " (deleted)";
   if (name.size() > kGone.size() && name.substr(name.size() - kGone.size()) == kGone) {
@@ -117,8 +118,8 @@ std::string fromKernel(std::string_view name) {
   return plain;
 }
 
-// The file that is mapped at `base`; empty where none is. Unlike a relative link name, this does
-// not depend on the folder that the process works in.
+// Returns the file that is mapped at `base`; empty if there is none. Unlike a relative link name,
+// the result does not depend on the working directory.
 std::string mappedFile(std::uintptr_t base) {
   const std::optional<std::string> maps = InputFile("/proc/self/maps").readAll();
   std::string_view rest = maps ? std::string_view(*maps) : std::string_view();
@@ -153,9 +154,9 @@ bool isPlainAbsolute(std::string_view name) noexcept {
 constexpr std::wstring_view kLibrarySuffix = L".dll";
 constexpr std::wstring_view kProgramSuffix = L".exe";
 
-// Whether `wanted` means the file `actual`: as it stands, or NAME.dll the library NAME.so, or
-// NAME.exe the program NAME. Both are bare or both have folders.
-bool means(std::wstring_view wanted, std::wstring_view actual, bool isProgram) {
+// Returns true if `wanted` names the file `actual`: both are equal, or NAME.dll is the library
+// NAME.so, or NAME.exe the program NAME. Either both are bare names or both have folders.
+bool namesFile(std::wstring_view wanted, std::wstring_view actual, bool isProgram) {
   if (equalNoCase(wanted, actual)) return true;
   const std::wstring_view suffix = isProgram ? kProgramSuffix : kLibrarySuffix;
   if (!endsWithNoCase(wanted, suffix)) return false;
@@ -164,8 +165,8 @@ bool means(std::wstring_view wanted, std::wstring_view actual, bool isProgram) {
   return equalNoCase(mapped, actual);
 }
 
-// A name as Windows completes it: without a dot it is a library's, and a dot at its end says that
-// nothing is to be added.
+// Completes a name as Windows does: appends ".dll" to a name without a dot, and drops a dot at the
+// end.
 std::wstring completed(std::wstring_view name) {
   const std::size_t slash = name.find_last_of(L"\\/");
   const std::size_t dot = name.find_last_of(L'.');
@@ -178,13 +179,13 @@ std::wstring completed(std::wstring_view name) {
 
 std::optional<Module> moduleWithBareName(std::wstring_view name) {
   const std::wstring wanted = completed(name);
-  // The program's name has to be asked of the system: only where it can be the one.
+  // The program's name needs a system call, so it is read only if it can match.
   const bool isLibrary = endsWithNoCase(wanted, kLibrarySuffix);
   return findModule([&](const ListedModule& listed) {
     if (listed.isProgram() && isLibrary) return false;
     const std::string file =
         listed.isProgram() ? listed.copy().fileName() : std::string(listed.linkName());
-    return means(wanted, fromSystem(baseName(file)), listed.isProgram());
+    return namesFile(wanted, fromSystem(baseName(file)), listed.isProgram());
   });
 }
 
@@ -193,7 +194,7 @@ std::optional<Module> moduleWithFullName(const std::string& path) {
   const std::wstring wanted = completed(exact);
   return findModule([&](const ListedModule& listed) {
     const std::wstring actual = windowsPath(listed.copy().fileName());
-    return equalNoCase(exact, actual) || means(wanted, actual, listed.isProgram());
+    return equalNoCase(exact, actual) || namesFile(wanted, actual, listed.isProgram());
   });
 }
 
@@ -202,7 +203,7 @@ std::optional<Module> moduleWithFullName(const std::string& path) {
 std::uintptr_t pageSize() noexcept { return static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE)); }
 
 HMODULE Module::handle() const noexcept {
-  return reinterpret_cast<HMODULE>(base);  // NOLINT(performance-no-int-to-ptr): it is an address
+  return reinterpret_cast<HMODULE>(base);  // NOLINT(performance-no-int-to-ptr): an address
 }
 
 std::string Module::fileName() const {

@@ -1,4 +1,4 @@
-// The modules of the process as the loader lists them, and the rules by which names find them.
+// The modules of the process as the loader lists them, and the search by name.
 #pragma once
 
 #include <cstdint>
@@ -10,27 +10,28 @@
 namespace ulm::win32::detail {
 
 struct Module {
-  std::string linkName;  // as the loader has it, which may be relative; empty for the program
-  std::uintptr_t bias;   // what the loader added to the addresses in the file
+  std::string linkName;  // the loader's name, which may be relative; empty for the program
+  std::uintptr_t bias;   // the difference between addresses in memory and in the file
   std::uintptr_t base;   // first byte of the mapping: the handle
-  std::uintptr_t end;    // one past the last byte of the mapping, on a page boundary
+  std::uintptr_t end;    // end of the mapping, on a page boundary
   bool isProgram;
 
   HMODULE handle() const noexcept;
-  // The absolute name of its file in the system's form; empty where the system does not tell.
+  // Returns the absolute name of the file in the system's form; empty if the system does not report
+  // it.
   std::string fileName() const;
 };
 
-// The module with this handle, of which null is the program's.
+// Returns the module with this handle; null is the program's. Nothing if there is none.
 std::optional<Module> moduleOf(HMODULE handle);
-// The module with a segment that holds the address.
+// Returns the module with a segment that contains the address.
 std::optional<Module> moduleAt(std::uintptr_t address);
-// The first module of that name, by the rules of GetModuleHandleW. `name` is not null.
+// Returns the first module of that name, by the rules of GetModuleHandleW. `name` is not null.
 std::optional<Module> moduleNamed(const wchar_t* name);
 
-// The file that a caller means who names a library: a bare name lies in the program's folder, a
-// name without a dot ends in .dll, and where there is no file of a name NAME.dll, it is NAME.so.
-// In the system's form; the file need not exist. Nothing for a name that can be no file's.
+// Returns the file name of a library, in the system's form. A bare name is in the program's folder,
+// ".dll" is appended to a name without a dot, and NAME.so replaces NAME.dll if there is no such
+// file. The file need not exist. Nothing if no file can have the name. `name` is not null.
 std::optional<std::string> libraryFile(const wchar_t* name);
 
 std::uintptr_t pageSize() noexcept;

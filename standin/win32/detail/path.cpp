@@ -1,6 +1,6 @@
 #include "standin/win32/detail/path.h"
 
-#include "standin/win32/detail/text.h"
+#include "standin/win32/detail/characters.h"
 
 namespace ulm::win32::detail {
 
@@ -32,7 +32,7 @@ std::optional<std::string> systemPath(std::wstring_view name) {
     if (foldCase(name[0]) != L'z' || name.size() == 2 || !isSlash(name[2])) return std::nullopt;
     name.remove_prefix(2);
   }
-  // Between slashes: toSystem refuses the escaped backslash, which is one of the names' own.
+  // Converts the parts between slashes, because toSystem refuses the escaped backslash.
   std::string path;
   while (!name.empty()) {
     const std::size_t end = name.find_first_of(kSeparators);

@@ -9,12 +9,12 @@
 namespace {
 
 TEST(OdrxAllocDeathTest, CatchesForeignBlocks) {
-  // A block within another, so that what stands before it can be read.
+  // A block inside another one, so that the memory before it can be read.
   alignas(16) static char whole[64] = {};
   EXPECT_DEATH(odrxFree(whole + 32), "not from odrxAlloc");
   EXPECT_DEATH(odrxRealloc(whole + 32, 8, 8), "not from odrxAlloc");
   char* const block = static_cast<char*>(odrxAlloc(8));
-  std::memcpy(whole + 16, block - 16, 16);  // a header in another place
+  std::memcpy(whole + 16, block - 16, 16);  // a header at another address
   EXPECT_DEATH(odrxFree(whole + 32), "not from odrxAlloc");
   odrxFree(block);
 }

@@ -73,7 +73,7 @@ TEST(OdArray, RefusesWhatDoesNotFitAndKeepsWhatItHeld) {
   EXPECT_EQ(odrxAllocCounts().liveBlocks, liveBefore);
 }
 
-// Each thread writes its own copy of one buffer, the first owner letting go meanwhile.
+// Each thread writes to its own copy of one buffer while the first owner releases it.
 TEST(OdArray, CopiesPartAcrossThreads) {
   const std::uint64_t liveBefore = odrxAllocCounts().liveBlocks;
   for (int round = 0; round < 50; ++round) {

@@ -1,5 +1,5 @@
-// Rows of calls with what each should answer, "call | argument | argument => answer". Files of rows
-// lie under tests/data; '#' starts a line for people. In texts "<20AC>" is the unit 0x20AC.
+// Rows of calls and their expected results, "call | argument | argument => result". Files of rows
+// are under tests/data; '#' starts a comment line. In texts "<20AC>" is the unit 0x20AC.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ std::string shown(const std::basic_string<Character>& units) {
   return written.str();
 }
 
-// Goes into a call as whatever the call takes.
+// An argument converts itself to the type that the call takes.
 struct Argument {
   std::string written;
   std::string bytes = unitsOf<char>(written);
@@ -70,8 +70,8 @@ struct Answer {
 using Arguments = std::vector<Argument>;  // the call's own name is the first
 using Calls = std::map<std::string, std::function<Answer(const Arguments&)>>;
 
-// A call that fills a buffer, whose size is the last argument: its result, and the buffer with a
-// unit behind it.
+// Runs a call that fills a buffer, whose size is the last argument. Returns the result, and the
+// buffer with one unit after it.
 template <class Character, class Call>
 auto fills(const Call& call) {
   return [call](const Arguments& a) -> Answer {
@@ -82,7 +82,7 @@ auto fills(const Call& call) {
   };
 }
 
-// Runs a file's rows in their order, each of `names` standing for its value. An unknown call
+// Runs the rows of a file in order and replaces each of `names` by its value. An unknown call
 // throws.
 inline void runCallRows(const std::string& file, const Calls& calls,
                         const std::map<std::string, std::string>& names) {

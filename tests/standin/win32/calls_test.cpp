@@ -1,5 +1,5 @@
-// The calls whose cases are plain data, the rows of tests/data/standin, by the layer or by Windows
-// itself; and the environment block under several threads.
+// The rows of tests/data/standin, run against the layer or against Windows itself; and the
+// environment block with several threads.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -25,14 +25,14 @@ Answer nameOf(HMODULE module) { return module != nullptr ? shown(fileNameOf(modu
 
 Answer load(const Arguments& a) {
   const HMODULE module = LoadLibraryW(a[1]);
-  // Windows tells the last error of all.
+  // On Windows the text is that of the last error of any call.
   if (kOnLayer || module == nullptr) {
     EXPECT_EQ(module == nullptr, *ulmWin32LoadError() != '\0');
   }
   return nameOf(module);
 }
 
-// What the export gives, all of them being functions without arguments.
+// Returns the result of an export; all exports are functions without arguments.
 Answer callExport(const Arguments& a) {
   const FARPROC found = GetProcAddress(GetModuleHandleW(a[1]), a[2]);
   return found != nullptr ? std::to_string(found()) : "none";
@@ -50,7 +50,7 @@ Answer defaultUsed(const Arguments& a) {
   return used;
 }
 
-// What a version block of that length tells, with a bit of the byte at a place changed.
+// Returns the values of a version block of that length after one bit of one byte has changed.
 Answer version(const Arguments& a) {
   std::vector<char> block(DWORD{a[2]});
   if (GetFileVersionInfoW(a[1], 0, a[2], block.data()) == FALSE) return "refused";
@@ -61,7 +61,7 @@ Answer version(const Arguments& a) {
   return shown(std::string(static_cast<const char*>(value), length));
 }
 
-std::vector<HWND> opened;  // in the order in which they were
+std::vector<HWND> opened;  // in the order of opening
 
 // The number of a window, from 1; 0 for none.
 Answer numberOf(HWND window) {

@@ -1,5 +1,5 @@
-// What the layer alone does: names of any bytes, resources of damaged files, and an environment
-// block beside the process's own.
+// Functions of the layer that Windows does not have: names of any bytes, resources of damaged
+// files, and an environment block separate from that of the process.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -14,11 +14,12 @@ namespace {
 
 using namespace ulm::win32::test;
 
-// Loaded by the loader itself and under a relative name, after which the process moves on.
+// The loader itself loads the library under a relative name; then the working directory changes.
 TEST(Modules, KeepNamesThatAreNotText) {
   const TestFolder folder;
   std::filesystem::copy_file(sampleFile(), folder.path / "a\xE9\\b\xC3\xA9.so");
-  const HMODULE original = LoadLibraryW(L"Win32_Sample");  // brings what the copy links, too
+  const HMODULE original =
+      LoadLibraryW(L"Win32_Sample");  // loads the library that the copy links, too
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path);
   void* use = dlopen("./a\xE9\\b\xC3\xA9.so", RTLD_NOW);
@@ -35,7 +36,7 @@ TEST(Modules, KeepNamesThatAreNotText) {
   EXPECT_EQ(FreeLibrary(original), TRUE);
 }
 
-// A copy of the sample library that is replaced again and again.
+// A copy of the sample library, whose file is replaced several times.
 struct DamagedFile : testing::Test {
   void replace(const std::string& content) {
     std::filesystem::remove(file);
@@ -47,11 +48,12 @@ struct DamagedFile : testing::Test {
   const std::filesystem::path file = folder.path / "damaged.so";
   std::ifstream stream{sampleFile(), std::ios::binary};
   const std::string whole{std::istreambuf_iterator<char>(stream), {}};
-  const HMODULE original = LoadLibraryW(L"Win32_Sample");  // brings what the copy links, too
+  const HMODULE original =
+      LoadLibraryW(L"Win32_Sample");  // loads the library that the copy links, too
 };
 
-// The system's loader would map what the headers describe, and end the process where the file does
-// not go that far.
+// The system's loader would map what the headers describe, and end the process if the file is
+// shorter.
 TEST_F(DamagedFile, IsNotLoaded) {
   const auto loadError = [&](const std::string& content) {
     replace(content);
@@ -64,18 +66,19 @@ TEST_F(DamagedFile, IsNotLoaded) {
   for (std::size_t size = 64; size < whole.size(); size += size < 1024 ? 1 : whole.size() / 97) {
     EXPECT_NE(loadError(whole.substr(0, size)).find("incomplete"), std::string::npos) << size;
   }
-  std::string bare = whole;  // no table of sections: only the segments show that it is cut
+  // Without the section table only the segments show that the file is truncated.
+  std::string bare = whole;
   bare.replace(40, 8, 8, '\0').replace(60, 2, 2, '\0');
   EXPECT_EQ(loadError(bare), "");
   EXPECT_NE(loadError(bare.substr(0, 8192)).find("incomplete"), std::string::npos);
-  for (const std::size_t place : {4u, 5u, 18u, 19u}) {  // class, byte order, machine
+  for (const std::size_t offset : {4u, 5u, 18u, 19u}) {  // class, byte order, machine
     std::string foreign = whole;
-    foreign[place] = static_cast<char>(foreign[place] ^ 3);
-    EXPECT_NE(loadError(foreign).find("another architecture"), std::string::npos) << place;
+    foreign[offset] = static_cast<char>(foreign[offset] ^ 3);
+    EXPECT_NE(loadError(foreign).find("another architecture"), std::string::npos) << offset;
   }
 }
 
-// The library stays loaded, so that its strings are asked for too.
+// The library stays loaded, so that its strings are loaded too.
 TEST_F(DamagedFile, IsSafeToNameForResources) {
   writeFile(file, whole);
   const HMODULE copy = LoadLibraryW(file.wstring().c_str());
@@ -94,7 +97,8 @@ TEST_F(DamagedFile, IsSafeToNameForResources) {
   };
   EXPECT_EQ(bytesFoundIn(whole), 92 + 5 + 5);
   for (std::size_t size = 0; size < whole.size(); size += size < 128 ? 1 : whole.size() / 97 + 1) {
-    EXPECT_EQ(bytesFoundIn(whole.substr(0, size)), 0) << size;  // the headers' table comes last
+    EXPECT_EQ(bytesFoundIn(whole.substr(0, size)), 0)
+        << size;  // the table of section headers is last
   }
   std::uint64_t table = 0;
   std::memcpy(&table, whole.data() + 40, sizeof table);

@@ -1,4 +1,4 @@
-// What modules tell of themselves: their names, cut at any length, and their addresses.
+// The names of modules, cut to any length, and their addresses.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,7 +40,7 @@ TEST(Modules, AnswerForTheirAddresses) {
   EXPECT_EQ(query(page + information.RegionSize - 1), sizeof information);
   EXPECT_EQ(information.AllocationBase, sample);
   EXPECT_EQ(query(address, sizeof information - 1), 0u);
-  // The stack: nobody's on the layer, and no module's on Windows.
+  // The stack belongs to no module.
   const bool known = query(reinterpret_cast<std::uintptr_t>(&page)) != 0;
   EXPECT_TRUE(!known || information.AllocationBase != sample);
   EXPECT_EQ(GetProcAddress(kNoModule, "sampleAnswer"), nullptr);

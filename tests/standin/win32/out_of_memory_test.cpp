@@ -1,5 +1,5 @@
-// Every call with its n-th allocation failing, for each n. This program's operator new is the
-// layer's too.
+// Every call with a failure of its n-th allocation, for each n. The layer uses this program's
+// operator new.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -36,7 +36,7 @@ TEST(OutOfMemory, GivesTheFailureResult) {
   writeFile(folder.path / "x.ini", "[section]\nkey = 5");
   const std::wstring profile = (folder.path / "x.ini").wstring();
   const auto sample = [] { return GetModuleHandleW(L"Win32_Sample"); };
-  // Whether a call gave anything but its failure result; in this order.
+  // True if the call did not return its failure result.
   const std::function<bool()> calls[] = {
       [] { return _wputenv(L"ULM_NAME_THAT_IS_LONG=a value that is long too") != -1; },
       [] { return GetModuleHandleW(L"ulmwin32.dll") != nullptr; },

@@ -1,5 +1,5 @@
-// A library with an export and resources, which calls the layer while it is being loaded and while
-// it leaves, and tells what it got in the environment block. At a wish there it fails to start.
+// A library with an export and resources. It calls the layer while it is loaded and unloaded, and
+// stores the results in the environment block. A variable there makes its start fail.
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 
@@ -8,7 +8,7 @@ extern "C" ULM_EXPORT int sampleAnswer() { return sampleBaseAnswer() + 35; }
 
 namespace {
 
-// Asks as a library that does not know its handle yet.
+// Finds its handle by an address, as a library that does not know it yet.
 void tell(const wchar_t* event) {
   MEMORY_BASIC_INFORMATION information{};
   VirtualQuery(reinterpret_cast<const void*>(&sampleAnswer), &information, sizeof information);
@@ -22,16 +22,16 @@ void tell(const wchar_t* event) {
   _wputenv(event);
 }
 
-struct Teller {
-  Teller() { tell(L"ULM_SAMPLE=came"); }
-  ~Teller() { tell(L"ULM_SAMPLE=left"); }
+struct Reporter {
+  Reporter() { tell(L"ULM_SAMPLE=came"); }
+  ~Reporter() { tell(L"ULM_SAMPLE=left"); }
 };
 struct Thrower {
   Thrower() {
     if (GetEnvironmentVariableW(L"ULM_SAMPLE_THROWS", nullptr, 0) != 0) throw 1;
   }
 };
-[[gnu::init_priority(101)]] Teller teller;  // before anything else of the library
+[[gnu::init_priority(101)]] Reporter reporter;  // the first object of the library
 [[gnu::init_priority(102)]] Thrower thrower;
 
 }  // namespace

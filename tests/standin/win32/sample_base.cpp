@@ -1,4 +1,4 @@
-// What the sample library links: its export must not pass for one of the sample's.
+// The library that the sample library links. Its export must not be found in the sample.
 #include "hostsdk/export.h"
 
 extern "C" ULM_EXPORT int sampleBaseAnswer() { return 7; }

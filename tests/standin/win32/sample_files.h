@@ -1,4 +1,4 @@
-// The sample library's file, and files that a test makes.
+// The sample library's file, and files that a test writes.
 #pragma once
 
 #include <unistd.h>
@@ -28,7 +28,7 @@ inline void writeFile(const std::filesystem::path& file, const std::string& cont
   std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }
 
-// A folder of its own, which goes with the object: other runs may be under way.
+// A folder with a unique name, because other runs may be active. The destructor removes it.
 struct TestFolder {
   static inline int made = 0;
   const std::filesystem::path path =

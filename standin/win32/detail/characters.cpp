@@ -1,4 +1,4 @@
-#include "standin/win32/detail/text.h"
+#include "standin/win32/detail/characters.h"
 
 #include <algorithm>
 #include <iterator>
@@ -9,14 +9,14 @@ namespace ulm::win32::detail {
 
 namespace {
 
-// Bytes 0x80 to 0x9F of code page 1252; the other bytes are the code points of their value.
+// Bytes 0x80 to 0x9F of code page 1252. Every other byte is the code point of its value.
 constexpr wchar_t kAnsiUpper[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                     0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-// What the first byte of a character says: how many bytes follow, the bits it brings, and the range
-// of the second byte, which is where overlong forms, surrogates and too large values show.
+// The meaning of the first byte of a character: the number of bytes that follow, its own bits, and
+// the range of the second byte, which excludes overlong forms, surrogates and too large values.
 struct Lead {
   std::size_t following;
   char32_t bits;
@@ -56,7 +56,7 @@ DecodedCharacter decodeUtf8(std::string_view bytes) noexcept {
     const auto byte = static_cast<unsigned char>(bytes[i]);
     const unsigned char low = i == 1 ? lead->secondLow : 0x80;
     const unsigned char high = i == 1 ? lead->secondHigh : 0xBF;
-    // Windows takes a second byte that makes no character with the first for a part of it.
+    // Windows skips a second byte outside its range together with the first.
     if (byte < 0x80 || byte > 0xBF) return {kReplacement, i, false};
     if (byte < low || byte > high) return {kReplacement, i + 1, false};
     character = character << 6 | (byte & 0x3Fu);

@@ -1,4 +1,4 @@
-// Characters: UTF-8, the ANSI page, and the comparison of names. Nothing here looks at a locale.
+// Characters: UTF-8, the ANSI page, and the comparison of names. The locale has no influence.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@ inline constexpr char32_t kReplacement = 0xFFFD;
 
 struct DecodedCharacter {
   char32_t character;  // kReplacement where `valid` is false
-  std::size_t length;  // bytes taken, at least 1; of bad bytes the run that Windows takes for one
+  std::size_t length;  // in bytes, at least 1; for invalid bytes the number that Windows skips
   bool valid;
 };
 
-// The first character of `bytes`, which may not be empty. Overlong forms, surrogates and values
-// above U+10FFFF are not text.
+// Decodes the first character of `bytes`, which is not empty. Overlong forms, surrogates and values
+// above U+10FFFF are invalid.
 DecodedCharacter decodeUtf8(std::string_view bytes) noexcept;
 
-// Whether a code point can stand in text: no surrogate, and at most U+10FFFF.
+// Returns true if a value is a character: not a surrogate, and at most U+10FFFF.
 constexpr bool isCharacter(char32_t value) noexcept {
   return value < 0xD800 || (value > 0xDFFF && value <= 0x10FFFF);
 }
@@ -29,26 +29,27 @@ struct EncodedCharacter {
   char bytes[4];
   std::size_t length;
 };
-// The UTF-8 form of a character; of anything else that of kReplacement.
+// Encodes a character as UTF-8; any other value as kReplacement.
 EncodedCharacter encodeUtf8(char32_t value) noexcept;
 
-// Code page 1252. Its five unused bytes stand for the control characters of the same value, so that
-// every byte comes back. A letter that the page lacks becomes the nearest that it has; nothing
-// where there is none.
+// Code page 1252. Its five unassigned bytes are the control characters of the same value, so every
+// byte survives the round trip. toAnsi replaces a letter that the page lacks by the nearest letter;
+// it returns nothing if there is none.
 wchar_t fromAnsi(char byte) noexcept;
 std::optional<char> toAnsi(wchar_t character) noexcept;
 std::wstring fromAnsi(std::string_view text);
 
-// UTF-16 units; a surrogate without its other half becomes kReplacement.
+// Decodes UTF-16 units; an unpaired surrogate becomes kReplacement.
 std::wstring fromUtf16(std::u16string_view units);
 
-// Bytes of the system (file names, the environment) as wide text and back. A byte that is not UTF-8
-// becomes U+DC80..U+DCFF, which no text holds, so every name survives the round trip.
+// Convert bytes of the system (file names, the environment) to wide text and back. A byte that is
+// not UTF-8 becomes U+DC80..U+DCFF, which valid text never contains, so every name survives the
+// round trip.
 std::wstring fromSystem(std::string_view bytes);
-// Nothing where `text` holds a code point that fromSystem never makes.
+// Returns nothing if `text` contains a code point that fromSystem never produces.
 std::optional<std::string> toSystem(std::wstring_view text);
 
-// Letters of ASCII and Latin-1 in small form; every other character as it is.
+// Returns the lower-case form of a letter of ASCII or Latin-1; any other character unchanged.
 constexpr wchar_t foldCase(wchar_t character) noexcept {
   const bool capital = (character >= L'A' && character <= L'Z') ||
                        (character >= 0xC0 && character <= 0xDE && character != 0xD7);

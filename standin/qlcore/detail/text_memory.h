@@ -1,4 +1,4 @@
-// Text in memory of the runtime's allocator: std::bad_alloc where there is none.
+// Text in memory from odrxAlloc. Every function raises std::bad_alloc if there is no memory.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,9 @@
 
 namespace ulm::qlcore {
 
-inline constexpr int kLongestResource = 65535;  // a resource counts its characters in 16 bits
-inline constexpr std::size_t kLongestFormat = 1u
-                                              << 24;  // where a format that never fits is given up
+inline constexpr int kMaxResource = 65535;  // a resource has a length of 16 bits
+// The maximum of a formatted text: a format that always fails would never fit.
+inline constexpr std::size_t kMaxFormat = 1u << 24;
 
 struct TextDeleter {
   void operator()(void* memory) const noexcept { odrxFree(memory); }
@@ -21,7 +21,7 @@ struct TextDeleter {
 template <class Character>
 using TextMemory = std::unique_ptr<Character[], TextDeleter>;
 
-// Room for `length` characters, with a terminator at its start and its end.
+// Returns an empty text with room for `length` characters and a terminator after them.
 template <class Character>
 TextMemory<Character> newText(std::size_t length) {
   if (length >= SIZE_MAX / sizeof(Character)) throw std::bad_alloc();
@@ -32,26 +32,27 @@ TextMemory<Character> newText(std::size_t length) {
   return TextMemory<Character>(memory);
 }
 
+// Returns a copy of the first `length` characters of `text`.
 template <class Character>
 TextMemory<Character> copyText(const Character* text, std::size_t length) {
-  TextMemory<Character> made = newText<Character>(length);
-  for (std::size_t i = 0; i < length; ++i) made[i] = text[i];
-  return made;
+  TextMemory<Character> copy = newText<Character>(length);
+  for (std::size_t i = 0; i < length; ++i) copy[i] = text[i];
+  return copy;
 }
 
-// Between the kinds, by the ANSI code page.
+// Convert between the two kinds by the ANSI code page; empty if the system cannot convert the text.
 inline TextMemory<char> narrowText(const wchar_t* text) {
   const int size = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-  TextMemory<char> made = newText<char>(size > 0 ? static_cast<std::size_t>(size) : 1);
-  if (size > 0) WideCharToMultiByte(CP_ACP, 0, text, -1, made.get(), size, nullptr, nullptr);
-  return made;
+  TextMemory<char> copy = newText<char>(size > 0 ? static_cast<std::size_t>(size) : 1);
+  if (size > 0) WideCharToMultiByte(CP_ACP, 0, text, -1, copy.get(), size, nullptr, nullptr);
+  return copy;
 }
 
 inline TextMemory<wchar_t> wideText(const char* text) {
   const int size = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-  TextMemory<wchar_t> made = newText<wchar_t>(size > 0 ? static_cast<std::size_t>(size) : 1);
-  if (size > 0) MultiByteToWideChar(CP_ACP, 0, text, -1, made.get(), size);
-  return made;
+  TextMemory<wchar_t> copy = newText<wchar_t>(size > 0 ? static_cast<std::size_t>(size) : 1);
+  if (size > 0) MultiByteToWideChar(CP_ACP, 0, text, -1, copy.get(), size);
+  return copy;
 }
 
 }  // namespace ulm::qlcore
