@@ -1,4 +1,5 @@
-# Sourced by the scripts beside it: sees to the packages that a task needs, on Debian 12.
+# Sourced by the scripts in this folder: installs the packages that a task needs, on Debian 12, and runs
+# the stages of a test.
 #
 #   ulm_need PACKAGE...   installs with apt what is missing where this user may; else says in one line
 #                         what to install, and ends the script.
@@ -50,6 +51,21 @@ ulm_preset_options() {
   if [ "$1" = tidy ] && ! command -v clang-tidy >/dev/null 2>&1; then
     preset_options+=("-DCMAKE_CXX_CLANG_TIDY=clang-tidy-14;--quiet")
   fi
+}
+
+# ulm_stage TITLE COMMAND... runs a command and prints how long it took.
+ulm_stage() {
+  local title=$1 start=$SECONDS
+  shift
+  echo "== $title"
+  "$@"
+  echo "== $title: $((SECONDS - start)) s"
+}
+
+# ulm_quietly COMMAND... runs a command. If it fails, prints its output and ends the script. The caller
+# names a file for the output in log.
+ulm_quietly() {
+  "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 }
 
 # How many compilers, or tests, run at once.

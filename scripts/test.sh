@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds Ulmira with its tests and runs all of them: with g++ and clang, and under the sanitizers; then
-# the fuzz targets for a moment, and the build for Windows under Wine.
+# the fuzz targets for a moment, and the build for Windows under Wine. Prints the time of each stage, and
+# at the end the number of tests of each kind.
 # Arguments are the presets to run instead, such as `scripts/test.sh gcc`.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -11,25 +12,31 @@ presets=("$@")
 [ "${#presets[@]}" -gt 0 ] || presets=(gcc clang asan tsan fuzz windows)
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
+
+build() {
+  local targets=(all all_verify_interface_header_sets)
+  [ "$1" != fuzz ] || targets=(fuzzers)
+  ulm_preset_options "$1"
+  ulm_quietly cmake --preset "$1" ${preset_options[@]+"${preset_options[@]}"}
+  ulm_quietly cmake --build --preset "$1" -j "$ulm_jobs" --target "${targets[@]}"
+}
+
+run_tests() {
+  # Some kernels scatter addresses more than the thread sanitizer's run-time can bear.
+  local steady=()
+  if [ "$1" = tsan ] && setarch "$(uname -m)" -R true 2>/dev/null; then
+    steady=(setarch "$(uname -m)" -R)
+  fi
+  ${steady[@]+"${steady[@]}"} ctest --preset "$1" -j "$ulm_jobs"
+}
+
 for preset in "${presets[@]}"; do
   if [ "$preset" = windows ]; then
     scripts/test-windows.sh
     continue
   fi
-  echo "== $preset: building"
-  targets=(all all_verify_interface_header_sets)
-  [ "$preset" != fuzz ] || targets=(fuzzers)
-  ulm_preset_options "$preset"
-  if ! { cmake --preset "$preset" ${preset_options[@]+"${preset_options[@]}"} &&
-         cmake --build --preset "$preset" -j "$ulm_jobs" --target "${targets[@]}"; } >"$log" 2>&1; then
-    cat "$log" >&2
-    exit 1
-  fi
-  echo "== $preset: testing"
-  # Some kernels scatter addresses more than the thread sanitizer's run-time can bear.
-  steady=()
-  if [ "$preset" = tsan ] && setarch "$(uname -m)" -R true 2>/dev/null; then
-    steady=(setarch "$(uname -m)" -R)
-  fi
-  ${steady[@]+"${steady[@]}"} ctest --preset "$preset" -j "$ulm_jobs"
+  ulm_stage "$preset: building" build "$preset"
+  ulm_stage "$preset: testing" run_tests "$preset"
 done
+echo "== all stages: $SECONDS s"
+python3 scripts/count_tests.py "${presets[@]}"
