@@ -144,11 +144,11 @@ std::int32_t appendGlyph(GlyfPayload& table, GlyphData* glyph, const TrueTypeFon
   return newIndex;
 }
 
-void renumberComponents(format::ByteSink glyph, const RecordIndex& index,
-                        std::uint32_t absent) noexcept {
-  for (ComponentRecords records(glyph.view()); const auto record = records.next();) {
+void renumberComponents(ByteView glyph, const RecordIndex& index, std::uint32_t absent,
+                        format::ByteSink out) noexcept {
+  for (ComponentRecords records(glyph); const auto record = records.next();) {
     const std::uint32_t found = index.find(record->glyphIndex);
-    glyph.put<std::uint16_t>(record->offset + format::Component::kGlyphIndex.kOffset,
+    out.put<std::uint16_t>(record->offset + format::Component::kGlyphIndex.kOffset,
                              static_cast<std::uint16_t>(found == kNoRecordIndex ? absent : found));
   }
 }
@@ -183,7 +183,8 @@ WriterResult ListedGlyphs::renumber(FontBox* outBox) noexcept {
     const auto& glyph = *static_cast<const GlyphData*>(node->item);
     outBox->include(ByteView(glyph.data, glyph.byteCount));
     if (glyph.isComposite == 0) continue;
-    renumberComponents({glyph.data, glyph.byteCount, &overflowed}, index, count());
+    const format::ByteSink data(glyph.data, glyph.byteCount, &overflowed);
+    renumberComponents(data.view(), index, count(), data);
   }
   assert(!overflowed);
   return WriterResultOk;
