@@ -126,7 +126,7 @@ TEST(Hostile, SmallFontsTakeLittleTimeAndMemory) {
               2)
         << name;
     EXPECT_EQ(result, expected) << name;
-    EXPECT_LT(bytesAllocated, 20u << 20) << name;
+    EXPECT_LT(bytesAllocated, 32u << 20) << name;
     std::free(out);
   }
 

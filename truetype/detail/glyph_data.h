@@ -14,12 +14,13 @@
 
 namespace ulm::truetype::detail {
 
-// What a simple glyph has; all 0 for any other.
+// What a simple glyph has; all 0 for any other. It is small enough to be returned in registers.
 struct SimpleShape {
-  std::uint32_t points, contours;  // of the outline; 0 where its data is damaged
-  std::uint32_t ends;              // of contours, as stored
-  std::uint32_t room;  // for its points, before they are decoded; 0 where `ends` are cut
-  std::size_t reach;   // the end of what was read
+  std::uint32_t points;    // of the outline; 0 where its data is damaged
+  std::uint32_t room;      // for its points, before they are decoded; 0 where `ends` are cut
+  std::uint32_t reach;     // the end of what was read
+  std::uint16_t contours;  // of the outline, as `points`
+  std::uint16_t ends;      // of contours, as stored
 };
 SimpleShape simpleShape(ByteView glyph) noexcept;
 
@@ -30,8 +31,9 @@ inline std::size_t ownLength(const TrueTypeFont& font, std::uint32_t glyphIndex)
   return next < start ? 0 : next - start;
 }
 
-// The record of a glyph but for its counts, which are 0, and for `data`, which would be a copy of
-// the first `outLength` bytes of `outGlyph`, made even by a zero. FontResultBadArgument as below.
+// The record of a glyph but for isComposite and the counts, which are 0, and for `data`, which
+// would be a copy of the first `outLength` bytes of `outGlyph`, made even by a zero.
+// FontResultBadArgument as below.
 inline FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphIndex, GlyphData* out,
                                 ByteView* outGlyph, std::size_t* outLength) noexcept {
   if (glyphIndex >= font.numGlyphs) return FontResultBadArgument;
@@ -52,13 +54,18 @@ inline FontResult describeGlyph(const TrueTypeFont& font, std::uint32_t glyphInd
           .data = nullptr,
           .advanceWidth = across.advance,
           .leftSideBearing = across.sideBearing,
-          .isComposite = length > 0 && glyph.readOrZero<std::uint8_t>(0) >= 0x80,
+          .isComposite = 0,
           .pointCount = 0,
           .contourCount = 0,
           .newIndex = 0};
   *outGlyph = glyph;
   *outLength = length;
   return FontResultOk;
+}
+
+// Whether a glyph of so many bytes is to be described as a composite.
+inline bool isComposite(ByteView glyph, std::size_t length) noexcept {
+  return length > 0 && glyph.readOrZero<std::int8_t>(0) < 0;
 }
 
 // The counts of the record's outline; false without memory, which only a composite needs.

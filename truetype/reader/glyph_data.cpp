@@ -41,6 +41,7 @@ FontResult makeGlyphData(const TrueTypeFont& font, std::uint32_t glyphIndex,
   std::size_t length = 0;
   const FontResult result = describeGlyph(font, glyphIndex, &described, &glyph, &length);
   if (result != FontResultOk) return result;
+  described.isComposite = isComposite(glyph, length) ? 1 : 0;
   if (!countGlyphData(font, &described)) return FontResultNoMemory;
   CBuffer<GlyphData> made = makeBuffer<GlyphData>(1);
   if (made == nullptr) return FontResultNoMemory;

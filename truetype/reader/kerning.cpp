@@ -49,8 +49,8 @@ const std::uint8_t* findPair(const std::uint8_t* subtable, std::uint32_t key) no
   return nullptr;
 }
 
-// The scaled value of the last subtable that holds the pair. Subtables without a length follow each
-// other at one place, which is searched once.
+// The scaled value of the last subtable that holds the pair. Neighbours without a length have the
+// same bytes, which are searched once.
 std::optional<std::int32_t> searchAll(std::uint32_t count, const std::uint8_t* const* tables,
                                       std::int32_t unitsPerEm, std::int32_t vertical,
                                       std::uint32_t key) noexcept {

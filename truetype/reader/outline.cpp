@@ -72,33 +72,34 @@ std::size_t flagsOffset(ByteView glyph, std::uint32_t contours) noexcept {
   return instructions + 2 + glyph.readOrZero<std::uint16_t>(instructions);
 }
 
-// Passes over the flags of `count` points from `place` on, which ends after those that were read,
+// Passes over the flags of `count` points from `at` on, which ends after those that were read,
 // and hands `store` each with the index of its point. Nothing where a repeat passes the last point
 // or the data is cut.
 template <class Store>
-std::optional<CoordinatePlaces> readFlags(ByteView glyph, std::size_t& place, std::uint32_t count,
+std::optional<CoordinatePlaces> readFlags(ByteView glyph, std::size_t& at, std::uint32_t count,
                                           Store store) noexcept {
   if (count == 0) return std::nullopt;
   std::uint64_t lengths = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (place >= glyph.size()) return std::nullopt;
-    const auto flag = glyph.readHeld<std::uint8_t>(place++);
+    if (at >= glyph.size()) return std::nullopt;
+    const auto flag = glyph.readHeld<std::uint8_t>(at++);
     const std::uint64_t own = kPointForms.forms[formOf(flag)].lengths;
     lengths += own;
     store(i, flag);
     if ((flag & kRepeat) == 0) continue;
-    const std::uint32_t repeats = glyph.readOrZero<std::uint8_t>(place++);
+    const std::uint32_t repeats = glyph.readOrZero<std::uint8_t>(at++);
     if (repeats >= count - i) return std::nullopt;
     lengths += own * repeats;
     for (const std::uint32_t last = i + repeats; i < last;) store(++i, flag);
   }
   const std::size_t xLength = static_cast<std::uint32_t>(lengths), yLength = lengths >> 32;
-  if (!glyph.holds(place, xLength + yLength)) return std::nullopt;
-  return CoordinatePlaces{place, place + xLength, place + xLength + yLength};
+  if (!glyph.holds(at, xLength + yLength)) return std::nullopt;
+  return CoordinatePlaces{at, at + xLength, at + xLength + yLength};
 }
 
+// The glyph holds the ends of all its contours.
 std::uint16_t contourEnd(ByteView glyph, std::size_t contour) noexcept {
-  return glyph.readOrZero<std::uint16_t>(kContourEnds + 2 * contour);
+  return glyph.readHeld<std::uint16_t>(kContourEnds + 2 * contour);
 }
 
 // The ends of contours, of which there is at least one.
@@ -134,19 +135,19 @@ std::uint32_t countDistinctEnds(ByteView glyph, std::uint32_t contours,
   return distinct;
 }
 
-// Whether no repeat passes the last of `count` points, eight flags at a step. From `place` on there
-// are more bytes than six for each of them, and they take two at the most. `place` ends after them.
-bool repeatsFit(ByteView flags, std::size_t& place, std::uint32_t count) noexcept {
+// Whether no repeat passes the last of `count` points, eight flags at a step. From `at` on there
+// are more bytes than six for each of them, and they take two at the most. `at` ends after them.
+bool repeatsFit(ByteView flags, std::size_t& at, std::uint32_t count) noexcept {
   constexpr std::uint64_t kRepeats = 0x0101010101010101u * kRepeat;
   for (std::uint32_t i = 0; i < count;) {
-    const std::uint64_t repeats = flags.readHeld<std::uint64_t>(place) & kRepeats;
+    const std::uint64_t repeats = flags.readHeld<std::uint64_t>(at) & kRepeats;
     const auto plain = static_cast<std::uint32_t>(std::countl_zero(repeats)) / 8;
-    place += plain;
+    at += plain;
     i += plain;
     if (plain == 8 || i >= count) continue;
-    const std::uint32_t more = flags.readHeld<std::uint8_t>(place + 1);
+    const std::uint32_t more = flags.readHeld<std::uint8_t>(at + 1);
     if (more >= count - i) return false;
-    place += 2;
+    at += 2;
     i += more + 1;
   }
   return true;
@@ -280,25 +281,32 @@ SimpleShape simpleShape(ByteView glyph) noexcept {
   const std::int32_t stored = glyph.readOrZero<std::int16_t>(0);
   if (stored <= 0) return {};
   const auto contours = static_cast<std::uint32_t>(stored);
-  if (!glyph.holds(kContourEnds, 2 * std::size_t{contours})) return {0, 0, contours, 0, 0};
+  SimpleShape shape{};
+  shape.ends = static_cast<std::uint16_t>(stored);
+  if (!glyph.holds(kContourEnds, 2 * std::size_t{contours})) return shape;
   const ContourEnds ends = readContourEnds(glyph, contours);
-  const std::uint32_t count = ends.most + 1;
-  std::size_t place = flagsOffset(glyph, contours);
+  const std::uint32_t count = shape.room = ends.most + 1;
+  std::size_t at = flagsOffset(glyph, contours);
   constexpr std::size_t kMostPointBytes = 6;  // a flag, its repeat and two words
   const bool isWhole =
-      glyph.from(place).size() / kMostPointBytes > count
-          ? repeatsFit(glyph, place, count)
-          : readFlags(glyph, place, count, [](std::uint32_t, std::uint8_t) {}).has_value();
-  if (!isWhole) return {0, 0, contours, count, place};
-  const std::uint32_t distinct = ends.rising ? contours : countDistinctEnds(glyph, contours, count);
-  return {count, distinct, contours, count, place};
+      glyph.from(at).size() / kMostPointBytes > count
+          ? repeatsFit(glyph, at, count)
+          : readFlags(glyph, at, count, [](std::uint32_t, std::uint8_t) {}).has_value();
+  static_assert(INT32_MAX + std::int64_t{0xFFFF} < UINT32_MAX);  // images have 31 bits of bytes
+  shape.reach = static_cast<std::uint32_t>(at);
+  if (!isWhole) return shape;
+  shape.points = count;
+  shape.contours = ends.rising
+                       ? shape.ends
+                       : static_cast<std::uint16_t>(countDistinctEnds(glyph, contours, count));
+  return shape;
 }
 
 bool decodeSimplePoints(ByteView glyph, std::uint32_t contours, std::uint32_t count,
                         PointOffset offset, GlyphPoint* points) noexcept {
   const auto store = [points](std::uint32_t at, std::uint8_t flag) { points[at].flags = flag; };
-  std::size_t place = flagsOffset(glyph, contours);
-  const std::optional<CoordinatePlaces> places = readFlags(glyph, place, count, store);
+  std::size_t flags = flagsOffset(glyph, contours);
+  const std::optional<CoordinatePlaces> places = readFlags(glyph, flags, count, store);
   if (!places) return false;
   if (glyph.holds(places->end, 2)) {
     const auto read = [glyph](std::size_t at) -> std::uint32_t {

@@ -23,6 +23,8 @@ using OwnedGlyph = std::unique_ptr<GlyphData, FreeGlyphData>;
 // What one addGlyph appends, taken back unless it is kept.
 class Addition {
  public:
+  static constexpr bool kBorrows = false;
+
   Addition(GlyfPayload& table, const TrueTypeFont& font) noexcept
       : table_(table),
         font_(font),
@@ -55,24 +57,25 @@ class Addition {
   std::int32_t append(GlyphEntry& entry) noexcept {
     OwnedGlyph glyph(detail::makeBuffer<GlyphData>(1).release());
     if (glyph == nullptr) return kGlyphNoMemory;
-    ByteView bytes;
+    ByteView readable;
     std::size_t length = 0;
-    if (detail::describeGlyph(font_, entry.glyph, glyph.get(), &bytes, &length) != FontResultOk) {
+    if (detail::describeGlyph(font_, entry.glyph, glyph.get(), &readable, &length) !=
+        FontResultOk) {
       glyph->data = nullptr;
       return detail::isTooLarge(font_, entry.glyph) ? kGlyphTooLarge : kNoGlyph;
     }
     if (length > bytesLeft_) return kGlyphTooLarge;
     bytesLeft_ -= length;
-    shape_ = {};
+    glyph->isComposite = detail::isComposite(readable, length) ? 1 : 0;
     if (glyph->isComposite == 0) {
-      shape_ = detail::shapeIn(table_, bytes, length);
+      shape_ = detail::shapeIn(table_, readable, length);
       glyph->pointCount = static_cast<std::uint16_t>(shape_.points);
-      glyph->contourCount = static_cast<std::uint16_t>(shape_.contours);
+      glyph->contourCount = shape_.contours;
     }
     if (length != 0) {
-      glyph->data = detail::makeZeroedBuffer<std::uint8_t>(glyph->byteCount).release();
+      glyph->data = detail::makeBuffer<std::uint8_t>(glyph->byteCount).release();
       if (glyph->data == nullptr) return kGlyphNoMemory;
-      bytes.copy(0, length, glyph->data);
+      detail::copyEven(ByteView(readable.start(), length), glyph->data);
     }
     const std::int32_t newIndex = append(std::move(glyph));
     if (newIndex >= 0) table_.index.added(table_.glyphs, entry.glyph, &entry);
@@ -87,7 +90,7 @@ class Addition {
   std::uint32_t before_;
   TTListNode* cursor_;
   std::uint64_t bytesLeft_;
-  SimpleShape shape_{};  // of the glyph last appended
+  SimpleShape shape_{};  // of the glyph last appended, unless that is a composite
   bool kept_ = false;
 };
 
@@ -96,7 +99,7 @@ class Addition {
 std::int32_t addGlyph(WriterTable* glyfTable, GlyphData* glyph, const TrueTypeFont* font) noexcept {
   OwnedGlyph owned(glyph);
   if (owned == nullptr) return kNoGlyph;
-  GlyfPayload& table = detail::glyfOf(glyfTable);
+  GlyfPayload& table = *static_cast<GlyfPayload*>(glyfTable->data);
   detail::GlyphIndex& index = table.index;
   index.useFont(*font);
   if (!index.follow(table.glyphs)) return kGlyphNoMemory;
@@ -123,6 +126,11 @@ std::uint32_t glyphCount(const WriterTable* glyfTable) noexcept {
 
 namespace detail {
 
+void copyEven(ByteView bytes, std::uint8_t* out) noexcept {
+  bytes.copy(0, bytes.size(), out);
+  if (bytes.size() % 2 != 0) out[bytes.size()] = 0;
+}
+
 bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
   if (glyphIndex >= font.numGlyphs) return false;
   const std::uint32_t start = font.glyphOffsets[glyphIndex];
@@ -130,17 +138,32 @@ bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept {
   return next >= start && next - start >= 0xFFFF && glyphView(font, glyphIndex).size() >= 0xFFFF;
 }
 
-void renumberComponents(std::uint8_t* bytes, std::size_t length, const GlyphIndex& index,
+void renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
                         std::uint32_t absent) noexcept {
-  const ByteView glyph(bytes, length);
+  const ByteView data(glyph.data, glyph.byteCount);
   std::uint16_t flags = kMoreComponents;
   std::size_t record = kFirstComponent;
   for (; (flags & kMoreComponents) != 0; record += componentSize(flags)) {
-    if (!glyph.holds(record, 4)) return;
-    const auto head = glyph.readHeld<std::uint32_t>(record);
+    if (!data.holds(record, 4)) return;
+    const auto head = data.readHeld<std::uint32_t>(record);
     flags = static_cast<std::uint16_t>(head >> 16);
     const std::uint32_t place = index.find(head & 0xFFFF);
-    put16(bytes, record + 2, place == kNoRecordIndex ? absent : place);
+    put16(glyph.data, record + 2, place == kNoRecordIndex ? absent : place);
+  }
+}
+
+void renumberGlyphs(GlyfPayload& payload) noexcept {
+  for (const TTListNode* node = payload.glyphs.first; node != nullptr; node = node->next) {
+    const auto& glyph = *static_cast<const GlyphData*>(node->item);
+    if (glyph.isComposite == 0) continue;
+    if (payload.store != nullptr) {
+      GlyphData source;
+      ByteView readable;
+      std::size_t length = 0;
+      describeGlyph(*payload.index.font(), glyph.glyphIndex, &source, &readable, &length);
+      copyEven(ByteView(readable.start(), length), glyph.data);
+    }
+    renumberComponents(glyph, payload.index, payload.glyphs.count);
   }
 }
 
@@ -151,9 +174,9 @@ void freeGlyphData(void* glyph) noexcept {
 }
 
 void disposeGlyphs(GlyfPayload* payload) noexcept {
-  if (payload->borrowed != nullptr) {
-    payload->borrowed->~GlyphArena();
-    std::free(payload->borrowed);
+  if (payload->store != nullptr) {
+    payload->store->~GlyphStore();
+    std::free(payload->store);
   } else {
     listClear(&payload->glyphs);
   }
@@ -169,26 +192,11 @@ std::uint64_t glyfLength(const TTList& glyphs) noexcept {
   return length;
 }
 
-void writeGlyphs(const GlyfPayload& table, std::uint8_t* out) noexcept {
-  const TTList& glyphs = table.glyphs;
-  if (table.borrowed == nullptr) {
-    for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-      const auto& glyph = *static_cast<const GlyphData*>(node->item);
-      if (glyph.byteCount != 0) std::memcpy(out, glyph.data, glyph.byteCount);
-      out += glyph.byteCount;
-    }
-    return;
-  }
+void writeGlyphs(const TTList& glyphs, std::uint8_t* out) noexcept {
   for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-    const auto& record = *reinterpret_cast<const BorrowedGlyph*>(node);  // its first member
-    const GlyphData& glyph = record.glyph;
-    if (glyph.byteCount == 0) continue;
-    std::memcpy(out, glyph.data, glyph.byteCount - std::size_t{record.isOdd});
-    if (record.isOdd) out[glyph.byteCount - 1] = 0;
-    if (glyph.isComposite != 0) {
-      renumberComponents(out, glyph.byteCount, table.index, glyphs.count);
-    }
-    out += glyph.byteCount;
+    const auto* glyph = static_cast<const GlyphData*>(node->item);
+    if (glyph->byteCount != 0) std::memcpy(out, glyph->data, glyph->byteCount);
+    out += glyph->byteCount;
   }
 }
 
@@ -199,7 +207,7 @@ WriterResult makeGlyfImage(WriterTable* table, TableImage* out) noexcept {
   if (padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
   std::uint8_t* image = makeImage(table, static_cast<std::uint32_t>(length));
   if (image == nullptr) return WriterResultNoMemory;
-  writeGlyphs(glyfOf(table), image);
+  writeGlyphs(glyphs, image);
   *out = {image, static_cast<std::uint32_t>(length), kTagGlyf};
   return WriterResultOk;
 }

@@ -94,7 +94,7 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer, std::uint32_t* outBytes)
   if (glyf == nullptr || head == nullptr || maxp == nullptr || hhea == nullptr) {
     return WriterResultMissingTable;
   }
-  GlyfPayload& payload = glyfOf(glyf);
+  auto& payload = *static_cast<GlyfPayload*>(glyf->data);
   const TTList& glyphs = payload.glyphs;
   if (glyphs.count == 0) return WriterResultEmptyTable;
   if (glyphs.count > kMostGlyphs) return WriterResultTooManyGlyphs;
@@ -110,18 +110,15 @@ WriterResult prepareGlyphTables(TrueTypeWriter* writer, std::uint32_t* outBytes)
   if (totals.allLengths % 2 != 0) return WriterResultBadTable;
   *outBytes = totals.bytes;
   GlyphExtent extent = payload.extent;
-  if (payload.borrowed == nullptr) {
+  if (payload.store == nullptr) {
     // What has been done to the list between two glyphs can't be seen at its end.
     payload.index.forget();
     if (!payload.index.follow(glyphs)) return WriterResultNoMemory;
     for (const TTListNode* node = glyphs.first; node != nullptr; node = node->next) {
-      const auto& glyph = *static_cast<const GlyphData*>(node->item);
-      extent.include(ByteView(glyph.data, glyph.byteCount));
-      if (glyph.isComposite != 0) {
-        renumberComponents(glyph.data, glyph.byteCount, payload.index, glyphs.count);
-      }
+      extent.include(*static_cast<const GlyphData*>(node->item));
     }
   }
+  if (payload.store == nullptr || payload.lateReferences) renumberGlyphs(payload);
   const bool isLong = totals.bytes / 2 > 0xFFFF;
   const WriterResult loca = addLoca(writer, offsets.get(), glyphs.count + 1, isLong);
   if (loca != WriterResultOk) return loca;

@@ -32,7 +32,7 @@ std::uint32_t fileTagOf(const WriterTable* table) noexcept {
 // A table's image with its place in the order of adding, which settles the order of equal tags.
 struct Entry {
   TableImage image;
-  const detail::GlyfPayload* glyphs;  // in place of the bytes of a glyf table
+  const TTList* glyphs;  // in place of the bytes of a glyf table
   std::uint32_t place;
 };
 
@@ -44,10 +44,9 @@ WriterResult makeEntry(WriterTable* table, const WriterTable* glyf, std::uint64_
   if (table->tag != kTagGlyf) return detail::makeTableImage(table, &entry.image);
   std::free(table->image);
   table->image = nullptr;
-  entry.glyphs = &detail::glyfOf(table);
-  const TTList& list = entry.glyphs->glyphs;
-  const std::uint64_t length = table == glyf ? glyfLength : detail::glyfLength(list);
-  if (list.count == 0) return WriterResultEmptyTable;
+  entry.glyphs = detail::listOf(table);
+  const std::uint64_t length = table == glyf ? glyfLength : detail::glyfLength(*entry.glyphs);
+  if (entry.glyphs->count == 0) return WriterResultEmptyTable;
   if (detail::padded(length) > UINT32_MAX) return WriterResultFileTooLarge;
   entry.image = {nullptr, static_cast<std::uint32_t>(length), kTagGlyf};
   return WriterResultOk;

@@ -48,13 +48,14 @@ struct CountSums {
 // One composite on the way down.
 struct OpenComposite {
   ByteView glyph;
-  std::size_t next;     // the record to come, or kNoRecord
-  std::size_t own;      // length of the glyph's own bytes
-  std::uint32_t place;  // in the index
-  std::uint16_t flags;  // of the record that is being worked on
-  bool cut;             // its chain of components, by the end of glyf
-  GlyphData* record;    // to be given the counts, or null
-  CountSums sums;       // of the components so far
+  std::size_t next;             // the record to come, or kNoRecord
+  std::size_t own;              // length of the glyph's own bytes
+  std::uint32_t place;          // in the index
+  std::uint16_t referencesEnd;  // of the bytes in `record` whose references are made new ones
+  std::uint16_t flags;          // of the record that is being worked on
+  bool cut;                     // its chain of components, by the end of glyf
+  GlyphData* record;            // to be given the counts, or null
+  CountSums sums;               // of the components so far
 };
 static_assert(std::is_trivially_copyable_v<OpenComposite>);
 

@@ -18,7 +18,7 @@ namespace ulm::truetype::detail {
 // What a glyph that is no composite of components brings to one.
 inline OutlineCounts plainCounts(const SimpleShape& shape) noexcept {
   return {0, shape.ends + shape.room, shape.room, static_cast<std::uint16_t>(shape.points),
-          static_cast<std::uint16_t>(shape.contours)};
+          shape.contours};
 }
 
 // Counts are unknown where a cycle of components is drawn on, since on that they differ with the
@@ -66,7 +66,9 @@ inline SimpleShape shapeIn(GlyfPayload& table, ByteView glyph, std::size_t own) 
 // An Adder has these for the glyphs that the table lacks:
 //   std::int32_t append(GlyphEntry& entry)   the record of that glyph, at the end of the list: its
 //                                            new index, kNoGlyph, or why the addition fails
-//   GlyphData* last(), SimpleShape shape()   of the glyph last appended
+//   GlyphData* last()                        the record last appended
+//   SimpleShape shape()                      that of its glyph, which is no composite
+//   kBorrows                                 whether references are renumbered on the way
 template <class Adder>
 class ComponentWalk {
  public:
@@ -87,6 +89,10 @@ class ComponentWalk {
         const std::int32_t failure = step();
         if (failure != 0) return failure;
       }
+      // A record that its padding alone makes whole is one in the new font, and none in this.
+      if (now_.next != kNoRecord && now_.next + 4 == now_.referencesEnd) {
+        table_.lateReferences = true;
+      }
       const OutlineCounts counts = now_.sums.total(now_.cut || now_.next != kNoRecord);
       if (!giveCounts(table_, font_, counts, now_.record)) return kGlyphNoMemory;
       index_.at(now_.place).counts = counts;
@@ -104,19 +110,33 @@ class ComponentWalk {
   // `record` is one that this addition has made, or null.
   void open(const GlyphEntry& entry, ByteView glyph, GlyphData* record) noexcept {
     const std::size_t own = ownLength(font_, entry.glyph);
-    now_ = {readableGlyph(table_, glyph, own),
-            kFirstComponent,
-            own,
-            index_.placeOf(entry),
-            0,
-            false,
-            record,
-            {}};
+    const bool renumbers = Adder::kBorrows && record != nullptr;
+    const std::uint16_t end = renumbers ? record->byteCount : std::uint16_t{0};
+    now_ = {.glyph = readableGlyph(table_, glyph, own),
+            .next = kFirstComponent,
+            .own = own,
+            .place = index_.placeOf(entry),
+            .referencesEnd = end,
+            .flags = 0,
+            .cut = false,
+            .record = record,
+            .sums = {}};
   }
 
   // Adds what a component counts to the one that draws on it.
   void pass(const OutlineCounts& counts) noexcept {
     if (!now_.cut) now_.sums.add(counts, now_.flags);
+  }
+
+  // The component record at `at` is to refer to the new font's glyph.
+  void refer(std::size_t at, std::uint32_t newIndex) noexcept {
+    if (!Adder::kBorrows || at + 4 > now_.referencesEnd) return;
+    // A record that the glyph's own end cuts may read otherwise there than in the font.
+    if (newIndex == kNoRecordIndex || at + 4 == now_.referencesEnd) {
+      table_.lateReferences = true;
+    } else {
+      put16(now_.record->data, at + 2, newIndex);
+    }
   }
 
   // Takes the component record at now_.next, the first 4 bytes of which are there.
@@ -131,6 +151,7 @@ class ComponentWalk {
     now_.flags = flags;
     if (record >= now_.own) table_.foreignBytes += size;
     if (glyphIndex >= font_.numGlyphs) {
+      refer(record, kNoRecordIndex);
       pass({});
       return 0;
     }
@@ -139,6 +160,7 @@ class ComponentWalk {
     GlyphEntry& entry = *entered;
     // One on the way to itself has no counts yet.
     if (!index_.visit(entry)) {
+      refer(record, entry.record());
       pass(entry.counts);
       return 0;
     }
@@ -148,6 +170,7 @@ class ComponentWalk {
       if (added < kNoGlyph) return added;
       if (added != kNoGlyph) made = adder_.last();
     }
+    refer(record, entry.record());
     return descend(entry, made);
   }
 

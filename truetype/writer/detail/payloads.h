@@ -19,14 +19,11 @@ namespace ulm::truetype::detail {
 struct GlyphExtent {
   std::int16_t xMin, yMin, xMax, yMax;
 
-  // The header of a glyph has 10 bytes, the last of which may be the zero that makes a length even;
-  // fewer add nothing.
-  void include(ByteView glyph) noexcept {
-    if (glyph.size() < 9) return;
-    const std::int32_t top = glyph.size() == 9 ? glyph.readHeld<std::int8_t>(8) * 0x100
-                                               : glyph.readHeld<std::int16_t>(8);
-    widen(xMin, xMax, glyph.readHeld<std::int16_t>(2), glyph.readHeld<std::int16_t>(6));
-    widen(yMin, yMax, glyph.readHeld<std::int16_t>(4), static_cast<std::int16_t>(top));
+  // The header of a glyph has 10 bytes; fewer add nothing.
+  void include(const GlyphData& glyph) noexcept {
+    if (glyph.byteCount < 10) return;
+    widen(xMin, xMax, readInt16(glyph.data, 2), readInt16(glyph.data, 6));
+    widen(yMin, yMax, readInt16(glyph.data, 4), readInt16(glyph.data, 8));
   }
 
  private:
@@ -37,23 +34,20 @@ struct GlyphExtent {
   }
 };
 
-// A record of a table that borrows its glyphs' bytes, with the node that holds it in the list.
-struct BorrowedGlyph {
-  TTListNode node;
-  GlyphData glyph;  // `data` points into the font, and may end before `byteCount`
-  bool isOdd;       // by one byte, for which the file has a zero
-};
-
 // A glyf table's list comes first, so that the payload is also the list.
 struct GlyfPayload {
   TTList glyphs;
   GlyphIndex index;
-  // Of a table that the subset driver fills, else null: owns all its BorrowedGlyphs.
-  GlyphArena* borrowed;
+  // Of a table that the subset driver fills, else null: owns all nodes and records, and of the data
+  // what is not borrowed from the font.
+  GlyphStore* store;
   GlyphExtent extent;           // of a borrowing table's glyphs, read while their bytes are at hand
   std::uint32_t cyclesCounted;  // composites with a cycle that the reader has counted
   std::uint64_t cycleWork;      // what that took
   std::uint64_t foreignBytes;   // read of outlines beyond their glyphs' own bytes
+  // The references of a borrowing table are made those of the new font as its composites come, or,
+  // where one can't be told before the list is whole, all at the end.
+  bool lateReferences;
 };
 static_assert(std::is_standard_layout_v<GlyfPayload>);
 
@@ -66,7 +60,7 @@ inline constexpr std::uint64_t kMostForeignBytes = std::uint64_t{1} << 26;
 // none, so that all of them together have no more than the image; damaged ones could turn a small
 // image into gigabytes.
 inline std::uint64_t mostGlyphBytes(const TrueTypeFont& font) noexcept {
-  return (std::uint64_t{1} << 25) + 4 * static_cast<std::uint64_t>(font.imageSize);
+  return (std::uint64_t{1} << 24) + 4 * static_cast<std::uint64_t>(font.imageSize);
 }
 
 struct NamePayload {
@@ -74,9 +68,6 @@ struct NamePayload {
   bool incomplete;  // a record was lost for want of memory
 };
 
-inline GlyfPayload& glyfOf(const WriterTable* table) noexcept {
-  return *static_cast<GlyfPayload*>(table->data);
-}
 inline TTList* listOf(const WriterTable* table) noexcept {
   return static_cast<TTList*>(table->data);
 }
@@ -103,10 +94,9 @@ WriterResult addFontGlyphs(WriterTable* glyfTable, const TrueTypeFont& font,
                            const std::uint16_t* glyphIds, std::size_t count,
                            std::int32_t* newIndices) noexcept;
 
-// The bytes of a glyf table's image, which are one glyph after the other. Those of a borrowing
-// table get the references of the new font as they are written.
+// The bytes of a glyf table's image, which are one glyph after the other.
 std::uint64_t glyfLength(const TTList& glyphs) noexcept;
-void writeGlyphs(const GlyfPayload& table, std::uint8_t* out) noexcept;
+void writeGlyphs(const TTList& glyphs, std::uint8_t* out) noexcept;
 
 // A buffer for an image of `length` bytes, the padding zero and the rest unset; null without
 // memory. It becomes the table's image.
@@ -120,13 +110,17 @@ WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept;
 // As getTableImage.
 WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept;
 
+// Copies a glyph, filled up to an even length by a zero.
+void copyEven(ByteView bytes, std::uint8_t* out) noexcept;
 // Whether a glyph that describeGlyph refuses has more bytes than a record can tell.
 bool isTooLarge(const TrueTypeFont& font, std::uint32_t glyphIndex) noexcept;
 
-// Makes the references of a composite's bytes those of the new font: to the first records of the
-// glyphs, or to `absent` where one has none.
-void renumberComponents(std::uint8_t* bytes, std::size_t length, const GlyphIndex& index,
+// Makes the references of a composite those of the new font: to the first records of the glyphs, or
+// to `absent` where one has none.
+void renumberComponents(const GlyphData& glyph, const GlyphIndex& index,
                         std::uint32_t absent) noexcept;
+// The same of a whole table, each glyph of which is as it was in the font.
+void renumberGlyphs(GlyfPayload& payload) noexcept;
 
 void disposeGlyphs(GlyfPayload* payload) noexcept;
 void freeGlyphData(void* glyph) noexcept;
