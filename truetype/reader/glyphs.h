@@ -13,12 +13,13 @@ namespace ulm::truetype {
 // offset is. It has no data where the two offsets are equal, or where it starts outside glyf. Data
 // or a chain of components that is cut by the end of glyf gives 0 points.
 //
-// Of a composite each component's points are placed as its record says; arguments are always
+// Of a composite each component's points are placed as its record says. Its arguments are always
 // offsets, and they are multiplied by the factors of the record's scale or matrix, whatever its
-// flags say. Engines that do neither draw some composites otherwise. A component that names a glyph on the path that leads to it adds no points, as one
-// without data or with an index beyond the glyphs. Nesting is followed to any depth, and the work
-// on one glyph is bounded, so that composites that name each other over and over end: beyond either
-// of these an outline has 0 points and a list of components ends. Real glyphs stay below 10,000.
+// flags say; engines that do neither draw some composites otherwise. A component that names a glyph
+// on the path that leads to it adds no points, as one without data or with an index beyond the
+// glyphs. Nesting is followed to any depth, and the work on one glyph is bounded, so that composites
+// that name each other over and over end: beyond either of these an outline has 0 points and a list
+// of components ends. Real glyphs stay below 10,000.
 inline constexpr std::uint32_t kMostComponentRecords = 1u << 17;  // records read, repeats counted
 // The work is 1 for each point and each contour read, and for each point that a component record
 // places, again at each level of nesting, 2 by scales and 3 by a matrix; a move alone is free.
