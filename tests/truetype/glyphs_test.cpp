@@ -118,7 +118,7 @@ TEST(CompositeGlyph, PlacesPoints) {
   }
 }
 
-// The composite's arithmetic as it is told, one level after the other.
+// The arithmetic of one component record, with both roundings of each product.
 struct Model {
   std::int32_t a, b, c, d, e, f;
 

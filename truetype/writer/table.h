@@ -110,7 +110,7 @@ void addCharMapping(WriterTable* cmapTable, std::uint32_t charCode, std::uint32_
 // descend, is left out. Otherwise one of these, with the table as it was:
 inline constexpr std::int32_t kNoGlyph = -1;  // `glyph` is null
 inline constexpr std::int32_t kGlyphNoMemory = -2;
-// A component of 65,535 bytes or more, or components that come to more than 32 MiB and four times
+// A component of 65,535 bytes or more, or components that come to more than 16 MiB and four times
 // the font's image, as glyphs can that share their bytes.
 inline constexpr std::int32_t kGlyphTooLarge = -3;
 // Components get the counts of getGlyphData, but in damaged fonts some get 0:

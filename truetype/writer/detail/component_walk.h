@@ -26,7 +26,7 @@ inline constexpr std::int32_t kTooManyGlyphBytes = -4;
 // share none, so that all of them together have no more than the image; damaged ones could turn a
 // small image into gigabytes.
 inline std::uint64_t maxAddedBytes(const TrueTypeFont& font) noexcept {
-  return (std::uint64_t{1} << 25) + 4 * static_cast<std::uint64_t>(font.imageSize);
+  return (std::uint64_t{1} << 24) + 4 * static_cast<std::uint64_t>(font.imageSize);
 }
 
 // What the additions to one list of glyphs share.

@@ -72,7 +72,7 @@ class Addition {
     if (!described.isComposite) {
       shape_ = table_.walk.shapeOf(described.glyph, described.length);
       glyph->pointCount = static_cast<std::uint16_t>(shape_.points);
-      glyph->contourCount = static_cast<std::uint16_t>(shape_.contours);
+      glyph->contourCount = shape_.contours;
     }
     if (described.length != 0) {
       glyph->data = makeZeroedBuffer<std::uint8_t>(glyph->byteCount).release();
@@ -149,7 +149,7 @@ void renumberComponents(ByteView glyph, const RecordIndex& index, std::uint32_t 
   for (ComponentRecords records(glyph); const auto record = records.next();) {
     const std::uint32_t found = index.find(record->glyphIndex);
     out.put<std::uint16_t>(record->offset + format::Component::kGlyphIndex.kOffset,
-                             static_cast<std::uint16_t>(found == kNoRecordIndex ? absent : found));
+                           static_cast<std::uint16_t>(found == kNoRecordIndex ? absent : found));
   }
 }
 

@@ -35,8 +35,8 @@ std::int32_t appendGlyph(GlyfPayload& table, GlyphData* glyph, const TrueTypeFon
 // `out` as it was.
 WriterResult makeGlyfImage(WriterTable* table, TableImage* out) noexcept;
 
-// Writes the references of a composite as those of the new font: to the first records of the glyphs,
-// or to `absent` where one has none. `out` holds a copy of `glyph`, or is it.
+// Writes the references of a composite as those of the new font: to the first records of the
+// glyphs, or to `absent` where one has none. `out` holds a copy of `glyph`, or is it.
 void renumberComponents(ByteView glyph, const RecordIndex& index, std::uint32_t absent,
                         format::ByteSink out) noexcept;
 

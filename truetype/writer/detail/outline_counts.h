@@ -23,7 +23,7 @@ inline constexpr std::uint32_t kUnknownRecords = 0xFFFFFFFF;
 // The counts of a glyph that is no composite.
 inline OutlineCounts simpleCounts(const SimpleShape& shape) noexcept {
   return {0, shape.ends + shape.capacity, shape.capacity, static_cast<std::uint16_t>(shape.points),
-          static_cast<std::uint16_t>(shape.contours)};
+          shape.contours};
 }
 
 // The counts of a composite's components as they add up. There are too few of them to pass 64 bits.

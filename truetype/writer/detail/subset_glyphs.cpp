@@ -43,7 +43,7 @@ class SubsetAdder {
                                          described.horizontal.advance,
                                          described.horizontal.sideBearing,
                                          static_cast<std::uint16_t>(shape_.points),
-                                         static_cast<std::uint16_t>(shape_.contours),
+                                         shape_.contours,
                                          described.isComposite};
     glyphs_.box_.include(glyph->bytes);
     (glyphs_.last_ == nullptr ? glyphs_.first_ : glyphs_.last_->next) = glyph;
