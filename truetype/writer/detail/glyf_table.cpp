@@ -25,7 +25,7 @@ struct FreeGlyph {
 };
 using OwnedGlyph = std::unique_ptr<GlyphData, FreeGlyph>;
 
-// What one addGlyph appends, taken back unless it is kept.
+// What one addGlyph appends. It is removed again unless it is kept.
 class Addition {
  public:
   using Record = GlyphData;

@@ -44,7 +44,7 @@ struct CountSums {
   // The composite's own counts. It has no points where its chain of components is cut.
   OutlineCounts total(bool isCut) const noexcept {
     constexpr std::uint64_t kCap = 1u << 24;
-    static_assert(kCap > kMostComponentRecords && kCap > kMostOutlineWork);
+    static_assert(kCap > kMaxComponentRecords && kCap > kMaxOutlineWork);
     const auto capped = [](std::uint64_t value) {
       return static_cast<std::uint32_t>(value < kCap ? value : kCap);
     };
