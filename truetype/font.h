@@ -9,7 +9,7 @@ namespace ulm::truetype {
 // The glyph index of a character code, 0 for none, by a subtable that open has found usable.
 using CmapLookup = std::uint16_t (*)(const std::uint8_t* cmapSubtable, std::uint16_t code);
 
-// Tables with a place in the record. A tag is four characters as one big-endian number.
+// The tables that have a slot in the record. A tag is four characters as one big-endian number.
 enum TableSlot : std::int32_t {
   kSlotMaxp,
   kSlotGlyf,
@@ -33,9 +33,9 @@ inline constexpr std::int32_t kTableSlotCount = 17;
 
 inline constexpr std::uint32_t kFontSignature = 0x74746663;
 
-// Made by openTrueTypeFont and given back by closeTrueTypeFont; nothing changes it in between, so
-// any number of threads may read it. Lengths are bytes. Borrowed pointers point into `image`, which
-// is the caller's and has to stay as it is until the record is closed. Each table begins and ends
+// Made by openTrueTypeFont and released by closeTrueTypeFont. Nothing changes it in between, so any
+// number of threads may read it. Lengths are bytes. Borrowed pointers point into `image`, which is
+// the caller's and has to stay as it is until the record is closed. Each table begins and ends
 // inside the image. Texts end with a zero.
 struct TrueTypeFont {
   std::uint32_t signature;        // kFontSignature

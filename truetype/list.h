@@ -22,19 +22,20 @@ struct TTList {
   TTListOperation destructor;  // may be null
 };
 
-// Where memory runs out, an operation that makes a list or an array gives null, one that adds items
-// leaves its list as it was; nothing leaks. All run in constant time but those that pass over the
-// items: clear, dispose, copy, assign, concat, appendAll, position, seek, forEach, toArray.
+// No list may be null, except for listDispose. Without memory an operation that makes a list or an
+// array returns null, and one that adds items leaves its list as it was; nothing leaks. All run in
+// constant time except those that pass over the items: clear, dispose, copy, assign, concat,
+// appendAll, position, seek, forEach, toArray.
 
-TTList* listCreate() noexcept;            // given back with listDispose
+TTList* listCreate() noexcept;            // released with listDispose
 void listDispose(TTList* list) noexcept;  // clears and frees; null is allowed
 void listClear(TTList* list) noexcept;    // from the first item on
 void listSetDestructor(TTList* list, TTListOperation operation) noexcept;
 
 // A list of the same items without a destructor, its cursor at the matching node.
 TTList* listCopy(const TTList* list) noexcept;
-// `target`, which keeps its destructor, drops its items and takes those of `source`, the cursor
-// matching. A list assigned to itself stays as it is.
+// `target` drops its items and takes those of `source`, with the cursor at the matching node. It
+// keeps its destructor. A list assigned to itself stays as it is.
 void listAssign(TTList* target, const TTList* source) noexcept;
 // A list of the items of `a`, then of `b`, without a destructor; the cursor at the first.
 TTList* listConcat(const TTList* a, const TTList* b) noexcept;
@@ -63,7 +64,7 @@ int listPrevious(TTList* list) noexcept;
 int listSeek(TTList* list, const void* item) noexcept;
 
 void listForEach(const TTList* list, TTListOperation operation);
-// The items in order, to be given back with free; not null for an empty list.
+// The items in order, released with free; not null for an empty list.
 void** listToArray(const TTList* list) noexcept;
 
 }  // namespace ulm::truetype

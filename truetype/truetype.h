@@ -5,6 +5,7 @@
 #include "truetype/font.h"
 #include "truetype/list.h"
 #include "truetype/reader/fixed_point.h"
+#include "truetype/reader/global_info.h"
 #include "truetype/reader/glyphs.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/mapping.h"

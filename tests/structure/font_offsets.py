@@ -22,7 +22,8 @@ LITERAL = re.compile(r"(?<![\w.])(" + NUMBER + r")(?![\w.])")
 # A name that is given a value, as in `at = 4 + i;`, `at += 4;` and `std::size_t at{4};`.
 VALUE = re.compile(r"(?<!::)\b([A-Za-z_]\w*)\s*(?:[+\-*]?=(?!=)|(?<=\w)\{)\s*([^;{}]*)[;}]")
 # A function or lambda that takes an offset by name: `at = [view](std::size_t offset) {`.
-TAKES_OFFSET = re.compile(r"\b([A-Za-z_]\w*)\s*(?:=\s*\[[^\]]*\]\s*)?\(\s*(?:const\s+)?std::size_t\s+([A-Za-z_]\w*)\s*\)")
+TAKES_OFFSET = re.compile(r"\b([A-Za-z_]\w*)\s*(?:=\s*\[[^\]]*\]\s*)?"
+                          r"\(\s*(?:const\s+)?std::size_t\s+([A-Za-z_]\w*)\s*\)")
 POINTER = re.compile(r"\bu?int8_t\s*\*\s*(?:const\s+)?([A-Za-z_]\w*)")
 TAG = re.compile(r"\btag\s*\(\s*\"|\b0[xX]([0-9a-fA-F]{8})\b")
 
@@ -66,7 +67,7 @@ def own_part(expression):
 def is_term(part, match):
     """Whether what was matched is a term or factor of the expression, a branch of a choice, or all of it."""
     before, after = part[:match.start()].rstrip(), part[match.end():].lstrip()
-    return (before[-1:] in ("", "+", "-", "*", "?", ":", "(", "{") and after[:1] in ("", "+", "-", "*", "?", ":", ")", "}", ",")
+    return (before[-1:] in ("", *"+-*?:({") and after[:1] in ("", *"+-*?:)},")
             and not before.endswith("::") and not after.startswith("::"))
 
 
@@ -74,7 +75,8 @@ def spells_offset(expression, tainted):
     part = own_part(expression)
     return (any(is_term(part, match) and int(re.sub(r"[uUlLzZ']", "", match.group(1)), 0) != 0
                 for match in LITERAL.finditer(part)) or
-            any(is_term(part, match) for name in tainted for match in re.finditer(r"(?<![.>\w])" + name + r"\b", part)))
+            any(is_term(part, match) for name in tainted
+                for match in re.finditer(r"(?<![.>\w])" + name + r"\b", part)))
 
 
 def tainted_names(code):

@@ -118,7 +118,7 @@ TEST(CompositeGlyph, PlacesPoints) {
   }
 }
 
-// The composite's arithmetic as it is told, one level after the other.
+// The arithmetic of one component record, with both roundings of each product.
 struct Model {
   std::int32_t a, b, c, d, e, f;
 
@@ -314,7 +314,7 @@ TEST(Components, DeepChainsAndTowers) {
   EXPECT_EQ(countsOf(high, 12), row(26, 1, 1 << 12, 1 << 12));
   EXPECT_EQ(outlineOf(high, 59), "0");
   EXPECT_EQ(countsOf(high, 59), row(26, 1, 0, 0));
-  EXPECT_EQ(components(high, 59).size(), kMostComponentRecords + 1u);
+  EXPECT_EQ(components(high, 59).size(), kMaxComponentRecords + 1u);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 
   // As many points as the counts of a font can name, under moves of any depth and many matrices.

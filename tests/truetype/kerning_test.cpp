@@ -129,7 +129,7 @@ TEST(Kerning, PairsThatLeaveTheImageAreSkipped) {
   EXPECT_EQ(pairOf(font, 0, 1, 2).first, -50);
 }
 
-// Subtables of length 0 are all at one place; a pair that none of them has is looked for once.
+// Subtables of length 0 share their bytes; a pair that none of them has is searched for once.
 TEST(Kerning, EqualSubtablesAreSearchedOnce) {
   Bytes pairs = subtable(1, {});
   for (int i = 0; i < 5000; ++i) pairs.u16({1, 2 * i, i + 1});

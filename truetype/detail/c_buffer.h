@@ -1,4 +1,4 @@
-// Owned memory of the kind that callers give back with free.
+// Owned memory that callers release with free.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,8 @@ struct CFree {
 template <class T>
 using CBuffer = std::unique_ptr<T[], CFree>;
 
-// `count` elements, uninitialised or zero; null where there is no memory. Never null for a count of
-// 0: an empty array is not the same as none.
+// `count` elements, uninitialised or zero; null without memory. A count of 0 gives an empty array,
+// not null.
 template <class T>
 CBuffer<T> makeBuffer(std::size_t count) noexcept {
   static_assert(std::is_trivial_v<T>);
@@ -30,8 +30,8 @@ CBuffer<T> makeZeroedBuffer(std::size_t count) noexcept {
   return CBuffer<T>(static_cast<T*>(std::calloc(count == 0 ? 1 : count, sizeof(T))));
 }
 
-// Puts a larger copy in the place of an array from malloc: its first `used` elements, and the rest
-// up to `capacity` uninitialised. False without memory, the array being as it was.
+// Replaces an array from malloc by a larger copy: its first `used` elements, and the rest up to
+// `capacity` uninitialised. False without memory, with the array as it was.
 template <class T>
 bool enlarge(T*& array, std::size_t used, std::size_t capacity) noexcept {
   CBuffer<T> larger = makeBuffer<T>(capacity);

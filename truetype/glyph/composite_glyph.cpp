@@ -20,7 +20,7 @@ struct Measure {
   std::uint64_t work = 0;
 
   bool enterRecord() noexcept {
-    return ++records <= kMostComponentRecords && work <= kMostOutlineWork;
+    return ++records <= kMaxComponentRecords && work <= kMaxOutlineWork;
   }
   PointOffset offsetIn(const ComponentFrame&) const noexcept { return {}; }
   void addSimple(ByteView glyph, std::uint32_t contours, const ComponentFrame& within) noexcept {
@@ -32,7 +32,7 @@ struct Measure {
   void place(const OutlineTotals& before, const ComponentFrame& within) noexcept {
     work += placementWork(within.current.flags) * (totals.capacity - before.capacity);
   }
-  bool withinBounds() const noexcept { return work <= kMostOutlineWork; }
+  bool withinBounds() const noexcept { return work <= kMaxOutlineWork; }
 
  protected:
   void add(std::uint32_t contours, std::uint32_t points) noexcept {

@@ -26,7 +26,7 @@ WalkEnd measureComposite(const TrueTypeFont& font, std::uint32_t glyphIndex, Com
 std::uint32_t decodeCompositePoints(const TrueTypeFont& font, std::uint32_t glyphIndex,
                                     ComponentPath& path, GlyphPoint* points) noexcept;
 
-// The size of an outline, and what it took to find out: the work that kMostOutlineWork bounds, and
+// The size of an outline, and what it took to find out: the work that kMaxOutlineWork bounds, and
 // kRecordWork for each record.
 struct OutlineSize {
   std::uint32_t points, contours;

@@ -1,4 +1,4 @@
-// What a font says of one glyph, outline apart: all that a GlyphData record is made of.
+// What a font has for one glyph except its outline: the source of a GlyphData record.
 #pragma once
 
 #include <cstddef>

@@ -8,10 +8,10 @@
 namespace ulm::truetype {
 
 // Component records read, repeats counted.
-inline constexpr std::uint32_t kMostComponentRecords = 1u << 17;
+inline constexpr std::uint32_t kMaxComponentRecords = 1u << 17;
 
 // The work is 1 for each point and each contour read, and for each point that a component record
 // places, again at each level of nesting, 2 by scales and 3 by a matrix; a move alone is free.
-inline constexpr std::uint32_t kMostOutlineWork = 1u << 22;
+inline constexpr std::uint32_t kMaxOutlineWork = 1u << 22;
 
 }  // namespace ulm::truetype

@@ -105,8 +105,9 @@ bool holdsContourEnds(ByteView glyph, std::uint32_t contours) noexcept {
   return RecordView<SimpleGlyph>(glyph).holds(SimpleGlyph::kContourEnds, contours);
 }
 
+// The glyph holds the ends of all its contours.
 std::uint16_t contourEnd(ByteView glyph, std::size_t contour) noexcept {
-  return RecordView<SimpleGlyph>(glyph).readOrZero(SimpleGlyph::kContourEnds, contour);
+  return glyph.readHeld<std::uint16_t>(SimpleGlyph::kContourEnds.at(contour));
 }
 
 // What the ends of contours say, of which there is at least one.
@@ -168,17 +169,24 @@ SimpleShape simpleShape(ByteView glyph) noexcept {
   const std::int32_t stored = contourCount(glyph);
   if (stored <= 0) return {};
   const auto contours = static_cast<std::uint32_t>(stored);
-  if (!holdsContourEnds(glyph, contours)) return {0, 0, contours, 0, 0};
+  SimpleShape shape{};
+  shape.ends = static_cast<std::uint16_t>(stored);
+  if (!holdsContourEnds(glyph, contours)) return shape;
   const ContourEnds ends = readContourEnds(glyph, contours);
-  const std::uint32_t count = ends.largest + 1;
+  const std::uint32_t count = shape.capacity = ends.largest + 1;
   std::size_t offset = flagsOffset(glyph, contours);
   const bool isWhole =
       glyph.from(offset).size() / PointFlag::kMaxPointSize > count
           ? repeatsFit(glyph, offset, count)
           : readFlags(glyph, offset, count, [](std::uint32_t, std::uint8_t) {}).has_value();
-  if (!isWhole) return {0, 0, contours, count, offset};
-  const std::uint32_t distinct = ends.rising ? contours : countDistinctEnds(glyph, contours, count);
-  return {count, distinct, contours, count, offset};
+  static_assert(INT32_MAX + std::int64_t{0xFFFF} < UINT32_MAX);  // images have 31 bits of bytes
+  shape.reach = static_cast<std::uint32_t>(offset);
+  if (!isWhole) return shape;
+  shape.points = count;
+  shape.contours = ends.rising
+                       ? shape.ends
+                       : static_cast<std::uint16_t>(countDistinctEnds(glyph, contours, count));
+  return shape;
 }
 
 std::uint32_t simplePointCount(ByteView glyph, std::uint32_t contours) noexcept {

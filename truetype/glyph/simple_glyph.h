@@ -10,12 +10,13 @@
 
 namespace ulm::truetype::detail {
 
-// What a simple glyph has; all 0 for any other.
+// What a simple glyph has; all 0 for any other. It is small enough to be returned in registers.
 struct SimpleShape {
-  std::uint32_t points, contours;  // of the outline; 0 where its data is damaged
-  std::uint32_t ends;              // of contours, as stored
+  std::uint32_t points;    // of the outline; 0 where its data is damaged
   std::uint32_t capacity;  // for its points, before they are decoded; 0 where `ends` are cut
-  std::size_t reach;       // the end of what was read
+  std::uint32_t reach;     // the end of what was read
+  std::uint16_t contours;  // of the outline, as `points`
+  std::uint16_t ends;      // of contours, as stored
 };
 
 // Reads contour ends and flags, and no coordinate.

@@ -1,3 +1,5 @@
+#include "truetype/reader/global_info.h"
+
 #include <cstring>
 #include <iterator>
 
@@ -7,7 +9,6 @@
 #include "truetype/format/hhea.h"
 #include "truetype/format/os2.h"
 #include "truetype/format/post.h"
-#include "truetype/reader/names.h"
 
 namespace ulm::truetype {
 namespace {
@@ -28,7 +29,7 @@ void readOs2(const TrueTypeFont& font, GlobalFontInfo& info) noexcept {
   info.weight = os2.readOrZero(Os2::kWeightClass);
   info.width = os2.readOrZero(Os2::kWidthClass);
   info.selection = os2.readOrZero(Os2::kSelection);
-  // A table of just that size is one without the last five metrics.
+  // A table of exactly this size lacks the last five metrics.
   if (font.tableLengths[kSlotOs2] > Os2::kShortSize) {
     info.typoAscender = scaled(font, os2, Os2::kTypoAscender);
     info.typoDescender = scaled(font, os2, Os2::kTypoDescender);
@@ -59,7 +60,7 @@ void getGlobalFontInfo(const TrueTypeFont* font, GlobalFontInfo* outInfo) noexce
   info.postScript = font->postScriptName;
   info.symbolEncoded = font->cmapType == kSymbolMap ? 1 : 0;
 
-  // An absent table reads as zeros, which is what its fields are to be.
+  // The fields of an absent table read as 0.
   if (font->tables[kSlotOs2] != nullptr) readOs2(*font, info);
   const auto post = detail::tableOf<Post>(*font);
   info.pitch = post.readOrZero(Post::kIsFixedPitch);

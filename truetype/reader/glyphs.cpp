@@ -198,7 +198,7 @@ std::int32_t collectGlyphComponents(const TrueTypeFont* font, std::uint32_t glyp
       now = path.pop();
       continue;
     }
-    if (++count > kMostComponentRecords) return appended;
+    if (++count > kMaxComponentRecords) return appended;
     const std::uint32_t index = record->glyphIndex;
     if (index >= font->numGlyphs) continue;
     if (!appendIndex(list, index)) return appended;

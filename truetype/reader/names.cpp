@@ -34,8 +34,8 @@ struct NameText {
   CBuffer<std::uint16_t> wide;
 };
 
-// Both texts of a string of 16-bit units, or of a byte string the narrow one alone. Without memory
-// neither.
+// Both texts of a string of 16-bit units, or the narrow text of a byte string. Neither without
+// memory.
 NameText makeTexts(ByteView string, bool isUtf16, bool wantsWide) noexcept {
   if (!isUtf16) return {makeText(string.start(), string.size()), nullptr};
   const std::size_t units = string.size() / sizeof(std::uint16_t);
@@ -58,7 +58,7 @@ struct NameKey {
   bool isUtf16;
 };
 
-// Each list in the order of preference, which is another for each name.
+// Each list is in the order of preference, which differs from name to name.
 constexpr NameKey kPostScriptKeys[] = {{kWindows, 1, kEnglish, true}, {kMacintosh, 0, 0, false}};
 constexpr NameKey kFamilyKeys[] = {{kUnicode, 0, 0, true},
                                    {kWindows, 1, kEnglish, true},
@@ -66,7 +66,8 @@ constexpr NameKey kFamilyKeys[] = {{kUnicode, 0, 0, true},
                                    {kWindows, 1, kJapanese, true}};
 constexpr NameKey kSubfamilyKeys[] = {{kMacintosh, 0, 0, false}, {kWindows, 1, kEnglish, true}};
 
-// What the first key found leads to; `found` tells a lack of records from one of memory.
+// The texts of the first key that has a record. `found` is false if none has one; no text with
+// `found` true means that memory ran out.
 template <std::size_t Count>
 NameText findText(RecordView<Name> names, const NameKey (&keys)[Count], std::uint16_t nameID,
                   bool wantsWide, bool& found) noexcept {
@@ -83,7 +84,7 @@ NameText findText(RecordView<Name> names, const NameKey (&keys)[Count], std::uin
   return {};
 }
 
-// The file's name without its folders and without what follows the last dot, a leading dot apart.
+// The file's name without its folders and its extension. A dot at the start begins no extension.
 CBuffer<char> nameOfFile(const char* fileName) noexcept {
   const char* slash = std::strrchr(fileName, '/');
   const char* base = slash == nullptr ? fileName : slash + 1;
@@ -133,7 +134,7 @@ std::int32_t getNameRecords(const TrueTypeFont* font, NameRecord** outRecords) n
     CBuffer<std::uint8_t> data;
     total += string.size();
     if (string.size() != 0) {
-      if (total <= kMostNameBytes) data = detail::makeBuffer<std::uint8_t>(string.size());
+      if (total <= kMaxNameBytes) data = detail::makeBuffer<std::uint8_t>(string.size());
       if (data == nullptr) {
         releaseNameRecords(records.release(), i);
         return 0;

@@ -47,7 +47,7 @@ struct Release {
   void operator()(TrueTypeFont* font) const noexcept { release(font); }
 };
 
-// Finds the face's offset table.
+// Sets directoryOffset to that of the face's offset table.
 FontResult findFace(ByteView image, std::uint32_t faceIndex, TrueTypeFont& font) noexcept {
   const auto version = RecordView<OffsetTable>(image).read(OffsetTable::kVersion);
   if (version == OffsetTable::kTrueType || version == OffsetTable::kAppleTrueType) {
@@ -67,7 +67,8 @@ FontResult findFace(ByteView image, std::uint32_t faceIndex, TrueTypeFont& font)
   return FontResultOk;
 }
 
-// Notes each table that has a slot, the last of a tag, and holds all to the image.
+// Fills the table slots; the last entry of a tag counts. A table that leaves the image counts as
+// absent. False if the directory leaves the image, or a required table is absent.
 bool findTables(ByteView image, TrueTypeFont& font) noexcept {
   using format::TableEntry;
   const RecordView<OffsetTable> face(image.from(font.directoryOffset));
@@ -97,8 +98,8 @@ bool findTables(ByteView image, TrueTypeFont& font) noexcept {
   return true;
 }
 
-// Whether the records that a header counts are in the image. Without any no more than the count is
-// read.
+// Whether the records that a header counts are inside the image. With a count of 0 only the count
+// has to be.
 template <class Table, std::size_t CountOffset, class Element, std::size_t Offset>
 bool holdsRecords(RecordView<Table> table, format::Field<Table, std::uint16_t, CountOffset> field,
                   format::Array<Table, Element, Offset> records) noexcept {

@@ -9,8 +9,8 @@
 namespace ulm::truetype {
 
 // openTrueTypeFont builds the record of one face of `image`.
-//   name       the file's name or any other text; copied, and what the PostScript name is made from
-//              where the font has none
+//   name       the file's name or any other text; copied. The PostScript name is made from it where
+//              the font has none
 //   image      borrowed, imageSize bytes; stays valid and unchanged until closeTrueTypeFont
 //   faceIndex  from 0; looked at only for a collection
 //   outFont    receives an owned record (closeTrueTypeFont); null on every result but FontResultOk
@@ -21,19 +21,19 @@ namespace ulm::truetype {
 //   FontResultBadFormat     one of maxp, head, glyf, loca, name and cmap is missing; a loca format
 //                           other than 0 and 1; a unitsPerEm of 0
 //   FontResultNoMemory      nothing is left allocated
-// Data outside the image: FontResultBadFormat where it is the collection's entry, the offset table,
-// the directory, a part of a required table, or a field or record of one that is read here (those
-// that the name and cmap headers count among them). An optional table that leaves the image, or
-// whose count of long metrics does, is treated as absent. Stored lengths may be too short for the
-// fields, as long as these are in the image. loca offsets may be anything. A loca without a whole
-// entry gives 0 glyphs and the one offset 0.
-// Never prints or reads outside the image. Takes time for the directory, for loca, which is decoded
-// once, and for the character map's segments where they lie near the end of the image.
+// Data outside the image gives FontResultBadFormat if it is the collection's entry, the offset
+// table, the directory, a part of a required table, or a field or record of such a table that is
+// read here, with the records that the headers of name and cmap count. An optional table that
+// leaves the image, or whose count of long metrics does, is treated as absent. Stored lengths may
+// be too short for the fields, as long as these are inside the image. loca offsets may have any
+// value. A loca without a whole entry gives 0 glyphs and the one offset 0. Never prints or reads
+// outside the image. The time grows with the directory, with loca, which is decoded once, and, if
+// they end near the end of the image, with the character map's segments.
 FontResult openTrueTypeFont(const char* name, const std::uint8_t* image, std::int32_t imageSize,
                             std::uint32_t faceIndex, TrueTypeFont** outFont) noexcept;
 
-// Releases the record and what it owns, not the image. Does nothing where `signature` is not that
-// of an open font, or on null.
+// Releases the record and what it owns, not the image. Does nothing on null, or if `signature` is
+// not that of an open font.
 void closeTrueTypeFont(TrueTypeFont* font) noexcept;
 
 }  // namespace ulm::truetype

@@ -15,7 +15,7 @@ enum WriterResult : std::int32_t {
   WriterResultBadTable = 6,        // an unusable post or glyf object, or a writer without tables
   WriterResultMissingTable = 7,    // a writer without glyf, head, maxp or hhea
   WriterResultCmapTooLarge = 8,    // the mappings do not fit a subtable of format 4
-  WriterResultNameOutOfRange = 9,  // the strings of so many name records lie too far off
+  WriterResultNameOutOfRange = 9,  // too many name records: the strings' offset has 16 bits
   WriterResultTooManyGlyphs = 10,  // more than 65,535
   WriterResultGlyphTooLarge = 11,  // a glyph of 65,535 bytes or more
   // A table or the file past 32 bits, more than 4,095 tables, or glyphs that come to far more bytes

@@ -47,8 +47,8 @@ bool appendGeneric(WriterTable* names) noexcept {
          detail::appendNameRecord(names, kGenericWindows, kGenericUnits, sizeof kGenericUnits);
 }
 
-// The records of the source in their order. Once their strings are too long for any name table, the
-// rest makes no difference.
+// Appends the records of the source in their order. Once their strings are too long for any name
+// table, the rest makes no difference.
 bool appendSource(WriterTable* names, const TrueTypeFont& font) noexcept {
   constexpr std::uint32_t kTooLong = 0x10000;
   const auto table = detail::tableOf<Name>(font);
@@ -64,7 +64,7 @@ bool appendSource(WriterTable* names, const TrueTypeFont& font) noexcept {
   return true;
 }
 
-// Null without memory, as the makers below.
+// The functions that make tables return null without memory.
 OwnedTable makeNames(const TrueTypeFont& font, std::uint32_t count, const NameRecord* records,
                      std::uint32_t flags) noexcept {
   OwnedTable names(createNameTable(0, nullptr));

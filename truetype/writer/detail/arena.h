@@ -22,32 +22,29 @@ class Arena {
     }
   }
 
-  // Aligned for pointers, of kMostPiece bytes at the most; null without memory.
+  // A piece of at most kMaxPiece bytes, aligned for pointers; null without memory.
   void* take(std::size_t bytes) noexcept {
-    const std::size_t room = roomOf(bytes);
-    if (blocks_ == nullptr || room > blocks_->left) {
+    const std::size_t size = aligned(bytes);
+    if (blocks_ == nullptr || size > blocks_->left) {
       Block* block = makeBlock(nextBlock_);
       if (block == nullptr) return nullptr;
       block->next = std::exchange(blocks_, block);
-      if (nextBlock_ < kMostBlock) nextBlock_ *= 2;
+      if (nextBlock_ < kMaxBlock) nextBlock_ *= 2;
     }
-    blocks_->left -= room;
+    blocks_->left -= size;
     return reinterpret_cast<std::uint8_t*>(blocks_ + 1) + blocks_->left;
   }
-  // The piece last taken, of so many bytes.
-  void giveBack(std::size_t bytes) noexcept { blocks_->left += roomOf(bytes); }
-
-  static constexpr std::size_t kMostPiece = std::size_t{1} << 11;
+  static constexpr std::size_t kMaxPiece = std::size_t{1} << 11;
 
  private:
   struct Block {
     Block* next;
-    std::size_t left;  // bytes not yet handed out, at the block's front
+    std::size_t left;  // bytes not yet handed out, at the start of the block
   };
-  static constexpr std::size_t kFirstBlock = kMostPiece;
-  static constexpr std::size_t kMostBlock = std::size_t{1} << 16;
+  static constexpr std::size_t kFirstBlock = kMaxPiece;
+  static constexpr std::size_t kMaxBlock = std::size_t{1} << 16;
 
-  static constexpr std::size_t roomOf(std::size_t bytes) noexcept {
+  static constexpr std::size_t aligned(std::size_t bytes) noexcept {
     return (bytes + alignof(Block) - 1) & ~(alignof(Block) - 1);
   }
   static Block* makeBlock(std::size_t bytes) noexcept {

@@ -19,12 +19,12 @@ constexpr std::uint32_t kSubtableSteps = 10;
 constexpr std::uint32_t kMappingSteps = 500;
 constexpr std::uint16_t kLastCode = Cmap4::kLastCode;
 
-// The subtable of this id, made at its place if there is none; null without memory.
+// The subtable of this id, inserted in the order of ids if there is none; null without memory.
 CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
-  std::uint32_t place = 0;
-  while (place < cmap.subtableCount && cmap.subtables[place].id < id) ++place;
-  CmapSubtable* subtable = cmap.subtables + place;
-  if (place < cmap.subtableCount && subtable->id == id) return subtable;
+  std::uint32_t index = 0;
+  while (index < cmap.subtableCount && cmap.subtables[index].id < id) ++index;
+  CmapSubtable* subtable = cmap.subtables + index;
+  if (index < cmap.subtableCount && subtable->id == id) return subtable;
 
   CBuffer<std::uint32_t> charCodes = makeZeroedBuffer<std::uint32_t>(kMappingSteps);
   CBuffer<std::uint32_t> glyphIds = makeZeroedBuffer<std::uint32_t>(kMappingSteps);
@@ -33,7 +33,7 @@ CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
     if (!enlarge(cmap.subtables, cmap.subtableCount, cmap.capacity + kSubtableSteps))
       return nullptr;
     cmap.capacity += kSubtableSteps;
-    subtable = cmap.subtables + place;
+    subtable = cmap.subtables + index;
   }
   CmapSubtable* end = cmap.subtables + cmap.subtableCount;
   std::copy_backward(subtable, end, end + 1);
@@ -42,8 +42,8 @@ CmapSubtable* subtableOf(CmapTableData& cmap, std::uint32_t id) noexcept {
   return subtable;
 }
 
-// Room for `more` mappings. The capacity grows in steps, the memory behind it to the next power of
-// 2 of them, so that many mappings are not copied over and over. False without memory.
+// Makes room for `more` mappings. The capacity grows in steps, and the memory to the next power of
+// 2 of steps, so that many mappings are not copied many times. False without memory.
 bool expectMappings(CmapSubtable& subtable, std::size_t more) noexcept {
   const std::size_t needed = subtable.count + more;
   if (needed <= subtable.capacity) return true;
@@ -151,8 +151,8 @@ std::uint16_t difference(std::uint16_t a, std::uint16_t b) noexcept {
   return static_cast<std::uint16_t>(a - b);  // modulo 65536
 }
 
-// One segment a mapping, whatever their order. The glyph stands in idDelta, and in glyphIdArray
-// though nothing refers to it there.
+// Each mapping is a segment of its own, in any order. Its glyph follows from idDelta, and is also
+// in glyphIdArray, although nothing refers to it there.
 Format4 plainForm(const CmapSubtable& subtable) noexcept {
   return {subtable.count + 1, subtable.count};
 }
@@ -166,20 +166,18 @@ void writePlain(const CmapSubtable& subtable, const Format4Writer& out) noexcept
   out.closeWith(subtable.count);
 }
 
-// A stretch of neighbouring codes whose glyphs rise by one too: the smallest thing that segments
-// are made of.
+// Neighbouring codes whose glyphs also rise by one: segments are made of whole stretches.
 struct Stretch {
   std::uint16_t start, end;  // codes
   std::uint16_t firstGlyph;
-  bool joined;  // its first code is the neighbour of the stretch before
+  bool joined;  // its first code is the neighbour of the last one of the previous stretch
   bool listed;  // its glyphs go to glyphIdArray
   bool opens;   // begins a segment of its own
 
   std::uint32_t count() const noexcept { return std::uint32_t{end} - start + 1; }
 };
 
-// The stretches of ascending codes, of equal ones the first, which is the one that lookups find.
-// Nothing where codes descend.
+// The stretches of ascending codes. Of equal codes the first one counts, as it does in lookups.
 struct Stretches {
   CBuffer<Stretch> items;
   std::uint32_t count = 0;
@@ -207,13 +205,13 @@ Reading readStretches(const CmapSubtable& subtable, Stretches& out) noexcept {
   return Reading::Done;
 }
 
-// Chooses for each stretch a segment of its own with idDelta, or a share of one whose glyphs are
-// listed, which adds the bytes of a glyph for each code, so that the sum is the least.
-// `listedBefore` takes a flag for each stretch.
+// Chooses the fewest bytes: each stretch becomes a segment of its own with idDelta, or part of a
+// segment whose glyphs are listed, which adds the bytes of a glyph for each code. `listedBefore`
+// takes a flag for each stretch.
 Format4 chooseForms(Stretches& stretches, bool* listedBefore) noexcept {
   constexpr std::uint32_t kSegment = Cmap4Arrays::kSegmentSize;
   constexpr std::uint32_t kGlyph = Cmap4Arrays::kNumber;
-  // The least bytes up to the present stretch where that is listed, and where it isn't.
+  // The fewest bytes up to the current stretch if it is listed, and if it is alone.
   std::uint32_t listed = 0, alone = 0;
   for (std::uint32_t i = 0; i < stretches.count; ++i) {
     const Stretch& stretch = stretches.items[i];
@@ -227,9 +225,9 @@ Format4 chooseForms(Stretches& stretches, bool* listedBefore) noexcept {
     listed = before + kGlyph * stretch.count();
     stretches.items[i].listed = listed < alone;
   }
-  // Backwards: `listed` says so far which of the two is less at each stretch.
+  // The way back: up to here `listed` says which of the two is less at each stretch.
   Format4 form{0, 0};
-  bool forced = false;  // by the stretch behind, which goes on with this one's segment
+  bool forced = false;  // the next stretch extends this one's listed segment
   for (std::uint32_t i = stretches.count; i-- > 0;) {
     Stretch& stretch = stretches.items[i];
     stretch.listed = forced || stretch.listed;
@@ -266,7 +264,7 @@ void writeMerged(const Stretches& stretches, const Format4& form,
   if (segment < form.segments) out.closeWith(segment);
 }
 
-// How one subtable is written; `stretches` stays empty in the plain form.
+// Chooses how one subtable is written; `stretches` stays empty in the plain form.
 WriterResult chooseForm(const CmapSubtable& subtable, Format4& form,
                         Stretches& stretches) noexcept {
   form = plainForm(subtable);

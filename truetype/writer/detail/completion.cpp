@@ -55,8 +55,8 @@ WriterResult addLoca(TrueTypeWriter* writer, const std::uint32_t* offsets, std::
   return addTable(writer, table);
 }
 
-// Of the metrics after the long ones the bearings are left. `metrics` has a long entry for each of
-// `count` glyphs.
+// An hmtx table with `longMetrics` long entries. `metrics` has one for each of `count` glyphs; of
+// the others the bearings are moved to the end of the long ones.
 WriterResult addHmtx(TrueTypeWriter* writer, NewBytes& metrics, std::uint32_t count,
                      std::uint32_t longMetrics) noexcept {
   const LongMetrics layout{longMetrics};

@@ -1,4 +1,4 @@
-// The components that a glyph brings into a list of glyphs, and what its outline counts.
+// Adds the components of a glyph to a list of glyphs, and counts its outline.
 #pragma once
 
 #include <cstddef>
@@ -18,15 +18,14 @@
 
 namespace ulm::truetype::detail {
 
-// Why an addition fails, besides kGlyphNoMemory and kGlyphTooLarge of addGlyph: beyond
-// maxAddedBytes.
+// A failure of an addition besides kGlyphNoMemory and kGlyphTooLarge: more than maxAddedBytes.
 inline constexpr std::int32_t kTooManyGlyphBytes = -4;
 
 // The maximum of glyph bytes that one call takes out of a font. The glyphs of an undamaged font
 // share none, so that all of them together have no more than the image; damaged ones could turn a
 // small image into gigabytes.
 inline std::uint64_t maxAddedBytes(const TrueTypeFont& font) noexcept {
-  return (std::uint64_t{1} << 25) + 4 * static_cast<std::uint64_t>(font.imageSize);
+  return (std::uint64_t{1} << 24) + 4 * static_cast<std::uint64_t>(font.imageSize);
 }
 
 // What the additions to one list of glyphs share.
@@ -57,7 +56,7 @@ struct WalkState {
                  Record& record) noexcept {
     if (counts.records == kUnknownRecords) {
       constexpr std::uint32_t kMaxCycles = 256;
-      constexpr std::uint64_t kMaxCycleWork = std::uint64_t{4} * kMostOutlineWork;
+      constexpr std::uint64_t kMaxCycleWork = std::uint64_t{4} * kMaxOutlineWork;
       if (cyclesCounted == kMaxCycles || cycleWork > kMaxCycleWork) return true;
       ++cyclesCounted;
       OutlineSize size;
@@ -67,25 +66,25 @@ struct WalkState {
       record.contourCount = static_cast<std::uint16_t>(size.contours);
       return true;
     }
-    const bool isRead = counts.records <= kMostComponentRecords && counts.work <= kMostOutlineWork;
+    const bool isRead = counts.records <= kMaxComponentRecords && counts.work <= kMaxOutlineWork;
     record.pointCount = isRead ? counts.points : std::uint16_t{0};
     record.contourCount = isRead ? counts.contours : std::uint16_t{0};
     return true;
   }
 };
 
-// Visits the components of a glyph in the order of first use, and theirs before the next, each
-// glyph number once: what a visited one draws on is in the list or on its way, so that a second
-// walk would add nothing that the list does not have by then. So the records come in the order in
-// which collectGlyphComponents would first list their glyphs, had it no bound. On the way back the
-// walk counts the outlines.
+// Visits the components of a glyph depth first, each glyph number once: the components of a glyph
+// that was visited before are in the list or are being added, so that a second visit would add
+// nothing. So the records come in the order in which collectGlyphComponents would first list their
+// glyphs if it had no bound. On the way back the walk counts the outlines.
 //
-// An Adder appends the glyphs that the list lacks:
-//   Record                                    its type of record, with pointCount and contourCount
-//   std::int32_t append(IndexEntry& entry)    appends the glyph's record; returns its new index,
-//                                             kNoGlyph, or why the addition fails
-//   Record* last(), const SimpleShape& shape() const    of the glyph last appended; the shape is
-//                                             that of a simple glyph, all 0 for a composite
+// An Adder appends the glyphs that the list lacks. It has
+//   Record          its type of record, with isComposite, pointCount and contourCount
+//   append(entry)   appends the glyph's record; returns its new index, kNoGlyph, or why the
+//   addition
+//                   fails
+//   last()          the record last appended
+//   shape()         the shape of its glyph if that is simple
 template <class Adder>
 class ComponentWalk {
  public:
@@ -94,8 +93,8 @@ class ComponentWalk {
   ComponentWalk(WalkState& state, Adder& adder, const TrueTypeFont& font) noexcept
       : state_(state), index_(state.index), adder_(adder), font_(font) {}
 
-  // Starts at the glyph of `entry`, which has just been visited. Its counts go to `record`, unless
-  // that is null. 0, or why the whole addition fails.
+  // Starts at the glyph of `entry`, which has just been marked as visited. Its counts go to
+  // `record`, unless that is null. Returns 0, or why the whole addition fails.
   std::int32_t run(IndexEntry& entry, Record* record) noexcept {
     const ByteView glyph = compositeView(font_, entry.glyph);
     if (glyph.size() == 0) {

@@ -25,7 +25,7 @@ struct FreeGlyph {
 };
 using OwnedGlyph = std::unique_ptr<GlyphData, FreeGlyph>;
 
-// What one addGlyph appends, taken back unless it is kept.
+// What one addGlyph appends. It is removed again unless it is kept.
 class Addition {
  public:
   using Record = GlyphData;
@@ -72,7 +72,7 @@ class Addition {
     if (!described.isComposite) {
       shape_ = table_.walk.shapeOf(described.glyph, described.length);
       glyph->pointCount = static_cast<std::uint16_t>(shape_.points);
-      glyph->contourCount = static_cast<std::uint16_t>(shape_.contours);
+      glyph->contourCount = shape_.contours;
     }
     if (described.length != 0) {
       glyph->data = makeZeroedBuffer<std::uint8_t>(glyph->byteCount).release();
@@ -144,12 +144,12 @@ std::int32_t appendGlyph(GlyfPayload& table, GlyphData* glyph, const TrueTypeFon
   return newIndex;
 }
 
-void renumberComponents(format::ByteSink glyph, const RecordIndex& index,
-                        std::uint32_t absent) noexcept {
-  for (ComponentRecords records(glyph.view()); const auto record = records.next();) {
+void renumberComponents(ByteView glyph, const RecordIndex& index, std::uint32_t absent,
+                        format::ByteSink out) noexcept {
+  for (ComponentRecords records(glyph); const auto record = records.next();) {
     const std::uint32_t found = index.find(record->glyphIndex);
-    glyph.put<std::uint16_t>(record->offset + format::Component::kGlyphIndex.kOffset,
-                             static_cast<std::uint16_t>(found == kNoRecordIndex ? absent : found));
+    out.put<std::uint16_t>(record->offset + format::Component::kGlyphIndex.kOffset,
+                           static_cast<std::uint16_t>(found == kNoRecordIndex ? absent : found));
   }
 }
 
@@ -183,7 +183,8 @@ WriterResult ListedGlyphs::renumber(FontBox* outBox) noexcept {
     const auto& glyph = *static_cast<const GlyphData*>(node->item);
     outBox->include(ByteView(glyph.data, glyph.byteCount));
     if (glyph.isComposite == 0) continue;
-    renumberComponents({glyph.data, glyph.byteCount, &overflowed}, index, count());
+    const format::ByteSink data(glyph.data, glyph.byteCount, &overflowed);
+    renumberComponents(data.view(), index, count(), data);
   }
   assert(!overflowed);
   return WriterResultOk;

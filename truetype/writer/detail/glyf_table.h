@@ -35,10 +35,10 @@ std::int32_t appendGlyph(GlyfPayload& table, GlyphData* glyph, const TrueTypeFon
 // `out` as it was.
 WriterResult makeGlyfImage(WriterTable* table, TableImage* out) noexcept;
 
-// Makes the references of a composite those of the new font: to the first records of the glyphs, or
-// to `absent` where one has none.
-void renumberComponents(format::ByteSink glyph, const RecordIndex& index,
-                        std::uint32_t absent) noexcept;
+// Writes the references of a composite as those of the new font: to the first records of the
+// glyphs, or to `absent` where one has none. `out` holds a copy of `glyph`, or is it.
+void renumberComponents(ByteView glyph, const RecordIndex& index, std::uint32_t absent,
+                        format::ByteSink out) noexcept;
 
 // The glyphs of a glyf table. `renumber` rewrites the records' data.
 class ListedGlyphs final : public NewGlyphs {

@@ -13,7 +13,7 @@ namespace ulm::truetype::detail {
 // The list comes first, so that the payload is also the list.
 struct NamePayload {
   TTList records;
-  bool incomplete;  // a record was lost for want of memory
+  bool incomplete;  // memory ran out for a record
 };
 
 inline NamePayload& namesOf(const WriterTable* table) noexcept {

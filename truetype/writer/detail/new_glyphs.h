@@ -41,7 +41,7 @@ struct FontBox {
   }
 };
 
-// What glyphs come to, read in one pass over them.
+// Sums and maxima over glyphs.
 struct GlyphTotals {
   std::uint32_t bytes = 0;
   static_assert(std::uint64_t{kMaxGlyphCount} * UINT16_MAX <= UINT32_MAX);

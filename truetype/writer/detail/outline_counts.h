@@ -23,7 +23,7 @@ inline constexpr std::uint32_t kUnknownRecords = 0xFFFFFFFF;
 // The counts of a glyph that is no composite.
 inline OutlineCounts simpleCounts(const SimpleShape& shape) noexcept {
   return {0, shape.ends + shape.capacity, shape.capacity, static_cast<std::uint16_t>(shape.points),
-          static_cast<std::uint16_t>(shape.contours)};
+          shape.contours};
 }
 
 // The counts of a composite's components as they add up. There are too few of them to pass 64 bits.
@@ -44,7 +44,7 @@ struct CountSums {
   // The composite's own counts. It has no points where its chain of components is cut.
   OutlineCounts total(bool isCut) const noexcept {
     constexpr std::uint64_t kCap = 1u << 24;
-    static_assert(kCap > kMostComponentRecords && kCap > kMostOutlineWork);
+    static_assert(kCap > kMaxComponentRecords && kCap > kMaxOutlineWork);
     const auto capped = [](std::uint64_t value) {
       return static_cast<std::uint32_t>(value < kCap ? value : kCap);
     };

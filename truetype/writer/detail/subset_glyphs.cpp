@@ -43,7 +43,7 @@ class SubsetAdder {
                                          described.horizontal.advance,
                                          described.horizontal.sideBearing,
                                          static_cast<std::uint16_t>(shape_.points),
-                                         static_cast<std::uint16_t>(shape_.contours),
+                                         shape_.contours,
                                          described.isComposite};
     glyphs_.box_.include(glyph->bytes);
     (glyphs_.last_ == nullptr ? glyphs_.first_ : glyphs_.last_->next) = glyph;
@@ -103,10 +103,13 @@ void SubsetGlyphs::write(format::ByteSink out) const noexcept {
   std::size_t offset = 0;
   for (const SubsetGlyph* glyph = first_; glyph != nullptr; glyph = glyph->next) {
     const std::size_t length = glyph->bytes.size();
+    const bool isOdd = length != glyph->byteCount;
     out.copy(offset, glyph->bytes);
-    if (length != glyph->byteCount) out.put<std::uint8_t>(offset + length, 0);
+    if (isOdd) out.put<std::uint8_t>(offset + length, 0);
     if (glyph->isComposite) {
-      renumberComponents(out.sub(offset, glyph->byteCount), walk_.index, count_);
+      // A record completed only by the padding byte exists in the new font but not in the source.
+      const format::ByteSink copy = out.sub(offset, glyph->byteCount);
+      renumberComponents(isOdd ? copy.view() : glyph->bytes, walk_.index, count_, copy);
     }
     offset += glyph->byteCount;
   }
