@@ -1,11 +1,14 @@
 // Powers, common divisors and the square root.
 #include "bignum/number_theory.h"
 
+#include "bignum/kernel/methods.h"
+
 namespace ulm::bignum {
 namespace {
 
 // Euclid's loop: leaves in r the last remainder of r and t that is not zero. Neither is zero.
 void reduceToDivisor(QLInteger& r, QLInteger& t) {
+  if (kernel::reduceToDivisor(r, t)) return;
   while (t.IsNonZero()) {
     Remainder(r, t, r);
     r.Swap(t);
@@ -48,6 +51,7 @@ void ModPow(const QLInteger& base, const QLInteger& exponent, const QLInteger& m
     result.Assign(0);
     return;
   }
+  if (exponentBits > 1 && kernel::modPow(base, exponent, modulus, result)) return;
   QLInteger power(base);
   if (!exponent.IsEven()) result.Assign(base);
   if (exponentBits == 1) Remainder(result, modulus, result);
@@ -84,6 +88,7 @@ bool ExtendedGcd(const QLInteger& a, const QLInteger& b, QLInteger& g, QLInteger
     y.Assign(0);
     return true;
   }
+  if (kernel::extendedGcd(a, b, g, x, y)) return true;
   QLInteger r0(a);
   QLInteger r1(b);
   QLInteger x0(1);

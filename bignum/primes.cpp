@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "bignum/constants.h"
+#include "bignum/kernel/methods.h"
 #include "bignum/number_theory.h"
 
 namespace ulm::bignum {
@@ -37,6 +38,8 @@ bool passesRabinRounds(const QLInteger& n, std::uint32_t rounds) {
 }
 
 bool passes(const QLInteger& n, std::uint32_t fermatRounds, std::uint32_t rabinRounds) {
+  bool passed = false;
+  if (kernel::passesRounds(n, fermatRounds, rabinRounds, passed)) return passed;
   const Verdict verdict = fermatRoundsOf(n, fermatRounds);
   return verdict == Verdict::kPrime ||
          (verdict == Verdict::kOpen && passesRabinRounds(n, rabinRounds));
@@ -82,6 +85,7 @@ void NextPrime(const QLInteger& a, QLInteger& result) {
   }
   result.Assign(a);
   if (result.IsEven()) result += 1;
+  if (kernel::raiseToPrime(result)) return;
   while (!passes(result, 5, 3)) result += 2;
 }
 
