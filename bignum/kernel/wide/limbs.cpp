@@ -14,7 +14,7 @@ Digit high(Double v) noexcept { return static_cast<Digit>(v >> kLimbBits); }
 
 #ifdef ULM_LIMBS_X86
 #define ULM_BY_MULX(call) \
-  if (x86::kHasMulx) return x86::call
+  if (x86::usesMulx) return x86::call
 #else
 #define ULM_BY_MULX(call) static_cast<void>(0)
 #endif
@@ -147,7 +147,7 @@ void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept {
 
 void reduceRows(Limb* out, Limb* t, const Limb* m, std::size_t n, Digit inverse) noexcept {
 #ifdef ULM_LIMBS_X86
-  if (x86::kHasMulx) {
+  if (x86::usesMulx) {
     x86::reduceRows(t, m, n, inverse);
   } else
 #endif

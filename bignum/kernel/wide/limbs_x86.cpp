@@ -144,7 +144,7 @@ struct ReduceRows {
 
 }  // namespace
 
-const bool kHasMulx = hasMulx();
+bool usesMulx = hasMulx();
 
 #define ULM_SUM_FUNCTION(name, instruction)                                                  \
   Digit name(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept {                \

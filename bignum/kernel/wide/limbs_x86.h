@@ -1,5 +1,5 @@
 // The rows of products by the instructions MULX, ADCX and ADOX of x86-64, with the contracts of
-// bignum/kernel/wide/limbs.h. To be called where kHasMulx alone.
+// bignum/kernel/wide/limbs.h. To be called where usesMulx alone.
 #pragma once
 
 #include "bignum/kernel/wide/limbs.h"
@@ -11,8 +11,9 @@ namespace ulm::bignum::kernel {
 inline namespace wide {
 namespace x86 {
 
-// False until static initialisation has looked at the processor.
-extern const bool kHasMulx;
+// Whether the processor has them. False until static initialisation has looked; then nothing but a
+// test changes it.
+extern bool usesMulx;
 
 Digit addLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
 Digit subLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
