@@ -21,6 +21,23 @@ struct Steps {
 
 Digit upper(Double v) noexcept { return static_cast<Digit>(v >> kLimbBits); }
 
+// q = x / y and z = x - q y, where y has more than 64 bits.
+void quotientOf(Double x, Double y, Digit& q, Double& z) noexcept {
+  const Digit estimate = upper(x) / upper(y);
+  if (upper(y) >> 32 != 0 && estimate >> 32 == 0) {
+    // Never too small, and too large by one at the most: q / upper(y) is below 1.
+    q = estimate;
+    z = x - q * y;
+    if (z >= y) {  // below zero, and so wrapped
+      z += y;
+      --q;
+    }
+    return;
+  }
+  q = static_cast<Digit>(x / y);
+  z = x - q * y;
+}
+
 // The steps that hold for all pairs of numbers which start with the bits x and y, x >= y. After a
 // step to (y, z), with the cofactors v1 and v2 of the second number, which are no smaller than
 // those of the first, the true remainders are within v1 and v2 of these (counted in the last bit of
@@ -35,15 +52,12 @@ Steps stepsOf(Double x, Double y) noexcept {
       z -= y;
       ++q;
     }
-    if (z >= y) {
-      q = static_cast<Digit>(x / y);
-      z = x - q * y;
-    }
-    const Double u2 = steps.u0 + Double{q} * steps.u1, v2 = steps.v0 + Double{q} * steps.v1;
-    if (upper(v2) != 0 || upper(u2) != 0) break;
-    if (z < v2 || y - z < v2 + steps.v1) break;
-    steps.u0 = std::exchange(steps.u1, static_cast<Digit>(u2));
-    steps.v0 = std::exchange(steps.v1, static_cast<Digit>(v2));
+    if (z >= y) quotientOf(x, y, q, z);
+    // These fit: v2 y is at most the x of the first step, and y has more than 64 bits.
+    const Digit u2 = steps.u0 + q * steps.u1, v2 = steps.v0 + q * steps.v1;
+    if (z < v2 || y - z < Double{v2} + steps.v1) break;
+    steps.u0 = std::exchange(steps.u1, u2);
+    steps.v0 = std::exchange(steps.v1, v2);
     ++steps.count;
     x = y;
     y = z;
