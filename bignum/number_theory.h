@@ -1,6 +1,8 @@
 // Powers, common divisors, roots and probable primes over QLInteger. Every result is deterministic:
-// there is no random source. Results are normalised as everywhere; working values are local, and
-// std::bad_alloc is the one exception.
+// there is no random source. Results are normalised as everywhere; their capacity is a multiple of
+// 32 words that holds them, and where a result is assigned it is not below what the destination
+// had. Working values are local, and std::bad_alloc is the one exception. The work that entries
+// tell is that of the plain kernel; the wide one gives the same results with less.
 #pragma once
 
 #include <cstdint>

@@ -31,8 +31,10 @@ NumberText scanNumberText(const char* text) noexcept;
 
 // Reads a number. It has no failure: a character that is no digit of the radix is passed over, and
 // what has no digits, the empty text and a lone sign too, is 0. The value may be an empty holder.
-// It is assigned 0, and then takes *= radix and += digit for each digit, with the storage that
-// these leave. Throws std::bad_alloc alone. Quadratic time.
+// It is assigned 0 first; the capacity of the result is a multiple of 32 words that holds it, and
+// not below what the value had with the wide kernel. Throws std::bad_alloc alone. Quadratic time
+// with the plain kernel, that of a product with the wide one, but for a factor of the length's
+// logarithm.
 void FromText(QLInteger& value, const char* text);
 
 // The number that FromText reads, as a fresh value.
@@ -41,7 +43,8 @@ QLInteger parseInteger(const char* text);
 // Writes the number text, without leading zeros, of the radix 2 to 16. Gives the characters written
 // with the terminator, or `size` when the buffer is too small: it never uses the buffer's last
 // byte, so a text of L characters needs L + 2. The buffer then holds no usable text. Any other
-// radix gives `size` and an empty text, if there is a byte for it. A division for each digit.
+// radix gives `size` and an empty text, if there is a byte for it. A division for each digit with
+// the plain kernel. Throws std::bad_alloc.
 std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size, std::uint32_t radix);
 
 // Returns the text of ToText, in radix 2 to 16; an empty text for any other radix. Throws

@@ -53,9 +53,9 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
-// The most bits of a power. Its text takes a division for each digit, so the time grows with the
-// square of the length: this much takes some seconds.
-constexpr std::uint32_t kMostPowerBits = 1u << 16;
+// The most bits of a power: more takes about a minute, with its text. The plain kernel's time grows
+// with the square of the length.
+constexpr std::uint32_t kMostPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
 
 QLInteger powerOf(const Operands& n) {
   const std::runtime_error tooLong("the power is longer than " + std::to_string(kMostPowerBits) +

@@ -195,6 +195,48 @@ std::size_t joinBlocks(Limb* r, const Limb* b, std::size_t n, std::size_t level,
   return significant(r, length);
 }
 
+// The value of each character as a digit, 255 for others: what DigitValue gives.
+constexpr auto kDigitValues = [] {
+  std::array<std::uint8_t, 256> values{};
+  values.fill(255);
+  for (std::uint8_t digit = 0; digit < 16; ++digit) {
+    const auto character = static_cast<std::uint8_t>(DigitTable[digit]);
+    values[character] = digit;
+    if (digit > 9) values[character - 'A' + 'a'] = digit;
+  }
+  return values;
+}();
+std::uint8_t digitOf(char character) noexcept {
+  return kDigitValues[static_cast<std::uint8_t>(character)];
+}
+
+// The digits of radix among the characters, without the zeros in front.
+std::size_t countDigits(const char* first, const char* last, std::uint32_t radix) noexcept {
+  while (first != last && (digitOf(*first) == 0 || digitOf(*first) >= radix)) ++first;
+  std::size_t digits = 0;
+  for (; first != last; ++first) digits += digitOf(*first) < radix ? 1u : 0u;
+  return digits;
+}
+
+// The two hexadecimal digits of each byte.
+constexpr auto kHexPairs = [] {
+  std::array<char, 512> pairs{};
+  for (std::size_t byte = 0; byte < 256; ++byte) {
+    pairs[2 * byte] = DigitTable[byte / 16];
+    pairs[2 * byte + 1] = DigitTable[byte % 16];
+  }
+  return pairs;
+}();
+
+// Hexadecimal digits, from the low end.
+void writeHex(char* out, std::size_t length, const QLInteger& value) noexcept {
+  std::size_t byte = 0;
+  for (; length >= 2; length -= 2) {
+    std::memcpy(out + length - 2, &kHexPairs[2 * std::size_t{byteOfWords(value.words, byte++)}], 2);
+  }
+  if (length != 0) out[0] = DigitTable[byteOfWords(value.words, byte) % 16];
+}
+
 // Digits by bits, from the low end.
 void writeBits(char* out, std::size_t length, const QLInteger& value, unsigned bits) noexcept {
   const Digit mask = (Digit{1} << bits) - 1;
@@ -214,26 +256,27 @@ void writeBits(char* out, std::size_t length, const QLInteger& value, unsigned b
 
 bool readBits(QLInteger& value, const char* first, const char* last, std::int32_t radix,
               unsigned bits) {
-  std::uint64_t digits = 0;
-  for (const char* next = first; next != last; ++next) {
-    // Zeros in front do not count.
-    const std::int32_t digit = DigitValue(*next, radix);
-    if (digit > 0 || (digit == 0 && digits != 0)) ++digits;
-  }
+  const auto unsignedRadix = static_cast<std::uint32_t>(radix);
+  const std::uint64_t digits = countDigits(first, last, unsignedRadix);
   const std::uint64_t words = std::max<std::uint64_t>((digits * bits + 31) / kWordBits, 1);
   makeRoom(value, words);
   std::fill_n(value.words, words, Word{0});
-  std::uint64_t at = 0;
-  for (const char* next = last; next != first && at != digits * bits;) {
-    const std::int32_t digit = DigitValue(*--next, radix);
-    if (digit < 0) continue;
-    const Digit placed = static_cast<Digit>(digit) << at % kWordBits;
-    value.words[at / kWordBits] |= static_cast<Word>(placed);
-    if (placed >> kWordBits != 0) {
-      value.words[at / kWordBits + 1] |= static_cast<Word>(placed >> kWordBits);
+  Digit held = 0;
+  unsigned heldBits = 0;
+  std::size_t word = 0;
+  std::uint64_t left = digits;
+  for (const char* next = last; left != 0;) {
+    const std::uint8_t digit = digitOf(*--next);
+    if (digit >= unsignedRadix) continue;
+    held |= Digit{digit} << heldBits;
+    heldBits += bits;
+    if (--left == 0 || heldBits >= kWordBits) {
+      value.words[word++] = static_cast<Word>(held);
+      held >>= kWordBits;
+      heldBits -= std::min<unsigned>(heldBits, kWordBits);
     }
-    at += bits;
   }
+  if (held != 0) value.words[word] = static_cast<Word>(held);
   value.count = static_cast<std::uint32_t>(words);
   value.negative = 0;
   value.Normalise();
@@ -247,11 +290,7 @@ bool readDigits(QLInteger& value, const char* first, const char* last, std::int3
   if (const unsigned bits = bitsOfDigit(unsignedRadix); bits != 0) {
     return readBits(value, first, last, radix, bits);
   }
-  std::size_t digits = 0;
-  for (const char* next = first; next != last; ++next) {
-    const std::int32_t digit = DigitValue(*next, radix);
-    if (digit > 0 || (digit == 0 && digits != 0)) ++digits;
-  }
+  const std::size_t digits = countDigits(first, last, unsignedRadix);
   const Block block = blockOf(unsignedRadix);
   const std::size_t blocks = digits / block.digits + 1;
   detail::checkedCount(blocks);
@@ -264,9 +303,9 @@ bool readDigits(QLInteger& value, const char* first, const char* last, std::int3
   std::size_t left = digits;
   Digit held = 0;
   for (const char* next = first; left != 0; ++next) {
-    const std::int32_t digit = DigitValue(*next, radix);
-    if (digit < 0 || (digit == 0 && left == digits && held == 0)) continue;
-    held = held * unsignedRadix + static_cast<Digit>(digit);
+    const std::uint8_t digit = digitOf(*next);
+    if (digit >= unsignedRadix || (digit == 0 && left == digits && held == 0)) continue;
+    held = held * unsignedRadix + digit;
     if (--left % block.digits == 0) {
       of[left / block.digits] = held;
       held = 0;
@@ -292,7 +331,12 @@ bool writeDigits(const QLInteger& value, std::uint32_t radix, char* buffer, std:
   const std::uint64_t bits = detail::bitLengthOf(value.words, value.count);
   if (const unsigned digitBits = bitsOfDigit(radix); digitBits != 0) {
     length = (bits + digitBits - 1) / digitBits;
-    if (length <= room) writeBits(buffer, length, value, digitBits);
+    if (length > room) return true;
+    if (digitBits == 4) {
+      writeHex(buffer, length, value);
+    } else {
+      writeBits(buffer, length, value, digitBits);
+    }
     return true;
   }
   const Block block = blockOf(radix);
