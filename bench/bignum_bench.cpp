@@ -1,5 +1,5 @@
-// The big integers beside other libraries: the same operands for each, and a result is compared
-// with the library's own before it is timed.
+// The big integers next to other libraries. All get the same operands. The result of an operation
+// is compared with that of this library before it is timed.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -26,7 +26,7 @@ namespace {
 
 using ulm::bignum::QLInteger;
 
-// Each library behind the same few operations; numbers come and go as hexadecimal digits.
+// One interface to each library. Numbers are passed as hexadecimal digits.
 struct Ulmira {
   struct Number {
     QLInteger value;
@@ -134,7 +134,7 @@ struct OpenSsl {
       char* text = BN_bn2hex(value);
       std::string copy(text);
       OPENSSL_free(text);
-      const auto first = copy.find_first_not_of('0');  // it writes whole bytes
+      const auto first = copy.find_first_not_of('0');  // OpenSSL prints an even number of digits
       return first == std::string::npos ? "0" : copy.substr(first);
     }
   };
@@ -214,7 +214,7 @@ struct TomMath {
 };
 #endif
 
-// Hexadecimal digits of an odd number of exactly `bits` bits, a multiple of 4.
+// Returns the hexadecimal digits of an odd number of exactly `bits` bits, a multiple of 4.
 std::string digits(std::int64_t bits, std::uint64_t seed) {
   std::string text;
   for (std::int64_t i = 0; i < bits / 4; ++i) {
@@ -226,8 +226,8 @@ std::string digits(std::int64_t bits, std::uint64_t seed) {
   return text;
 }
 
-// Times an operation: its run<Library> makes the operands of a size and hands what does it once,
-// into the two results, to the function given.
+// Times an operation. Its run<Library> makes operands of a size and passes a function to its last
+// argument; that function performs the operation once and stores the two results.
 template <class Library, class Operation>
 void time(benchmark::State& state, Operation operation) {
   typename Ulmira::Number expected, expectedToo;
@@ -270,7 +270,7 @@ struct Divide2nByN {
   }
 };
 
-struct PublicPower {  // the exponent of a public key
+struct PublicPower {  // a short exponent, so that a run takes a reasonable time with every kernel
   template <class Library, class Out, class Measure>
   void run(std::int64_t bits, Out& out, Out&, Measure measure) {
     const Out a(digits(bits - 4, 1)), e("10001"), m(digits(bits, 2));

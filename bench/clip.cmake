@@ -1,4 +1,4 @@
-# The clipper beside its peers, each of which takes part where it is installed.
+# The clipper next to its peers, each of which is measured if it is installed.
 
 add_executable(clip_bench clip_bench.cpp)
 ulm_common(clip_bench)
@@ -12,7 +12,7 @@ foreach(peer agg boost cgal clipper)
   endif()
 endforeach()
 
-# Each width of Bullet is a module of its own, opened at run time.
+# Each width of Bullet is a separate module, which is opened at run time.
 foreach(width "" "-float64")
   if(NOT TARGET Peer::bullet${width})
     continue()

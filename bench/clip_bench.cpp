@@ -1,4 +1,4 @@
-// The clipper in both widths and containers beside its peers, in one run.
+// The clipper in both widths and both containers next to its peers, in one run.
 #include <dlfcn.h>
 
 #include <deque>
@@ -17,7 +17,7 @@ double uniform(std::mt19937& random, double low, double high) {
   return std::uniform_real_distribution<double>(low, high)(random);
 }
 
-// Regular polygons, turned at random, z sloping a little.
+// Regular polygons at random angles, with a small slope in z.
 std::vector<Point> disc(std::mt19937& random, double x, double y, double radius,
                         std::uint32_t count) {
   const double turn = uniform(random, 0, 6.3);
@@ -84,7 +84,7 @@ class OurSegments {
   std::vector<std::array<clip::BasicClipPoint<Real>, 2>> ends_;
 };
 
-// The outcodes are made anew each time: a peer has to look at the coordinates as well.
+// The outcodes are computed in each call, because a peer has to examine the coordinates too.
 template <class Real, bool Flat>
 class Fixed {
  public:
@@ -122,7 +122,7 @@ class Fixed {
   clip::BasicClipPolygon<Real> second_{};
 };
 
-// All planes, whether some vertex is beyond them or not: what Bullet does too.
+// Clips against all planes, even if no vertex is beyond them, as Bullet does.
 template <class Real, bool Flat>
 class FixedAllPlanes : public Fixed<Real, Flat> {
  public:
@@ -302,7 +302,7 @@ int main(int argc, char** argv) {
   addSegments<false>(batches.emplace_back(segments(false)));
   for (const char* kind : {"inside", "one", "several", "mixture"}) {
     for (const std::uint32_t count : {3U, 4U, 8U, 24U, 100U, 1000U}) {
-      const bool fixed = count <= 24;  // room for what the planes add
+      const bool fixed = count <= 24;  // leaves capacity for the vertices that the planes add
       addPolygons<false>(batches.emplace_back(polygons(kind, count, false)), fixed);
       addPolygons<true>(batches.emplace_back(polygons(kind, count, true)), fixed);
     }

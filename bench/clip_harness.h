@@ -1,4 +1,4 @@
-// Input for the clipper's benchmarks, and the loop that all who take part are timed by.
+// The input of the clipper's benchmarks, and the loop that times the clipper and its peers.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -15,26 +15,26 @@
 
 namespace ulm::bench {
 
-using Point = std::array<double, 4>;  // w is 1, so that peers without it can take part
+using Point = std::array<double, 4>;  // w is 1, because some peers have no w
 
-// One case: shapes that are clipped one after another.
+// One case: shapes that are clipped in sequence.
 struct ClipBatch {
   std::string name;
   std::vector<std::vector<Point>> shapes;
   bool flat;  // against the rectangle only
 };
 
-// The processor's time of this thread: what others do on the machine stays out of it.
+// Returns the processor time of this thread, which other programs on the machine do not change.
 inline double threadSeconds() {
   timespec now{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-// Times `Peer`, made from a batch: clip(i) clips shape i and gives the number of vertices left;
-// area(i), where there is one, does so and gives the area of what is left, in x and y; where the
-// sum is not `expected` nothing is timed.
-// The order is a fresh one in each iteration: in a fixed one the branch predictor learns the list.
+// Times `Peer`, which is made from a batch. clip(i) clips shape i and returns the number of
+// remaining vertices. area(i), which is optional, clips shape i and returns the area of the result
+// in x and y. If the sum of the areas is not `expected`, the run fails and nothing is timed. Each
+// iteration has another order: in a fixed order the branch predictor would learn the list.
 template <class Peer>
 void runClipPeer(benchmark::State& state, const ClipBatch& batch, double expected) {
   const auto peer = std::make_unique<Peer>(batch);
@@ -69,7 +69,7 @@ void addClipPeer(const std::string& who, const ClipBatch& batch, double expected
       ->UseManualTime();
 }
 
-// The area of `count` vertices, whose coordinates x(i) and y(i) give.
+// Returns the area of `count` vertices. x(i) and y(i) return the coordinates of vertex i.
 template <class X, class Y>
 double areaOf(std::size_t count, X&& x, Y&& y) {
   double sum = 0;
@@ -80,7 +80,7 @@ double areaOf(std::size_t count, X&& x, Y&& y) {
   return sum / 2;
 }
 
-// Each adds what its peer can do: segments and polygons against the rectangle.
+// Each function registers the benchmarks of a peer: segments and polygons against the rectangle.
 void addAggSegments(const ClipBatch& batch);
 void addAggPolygons(const ClipBatch& batch, double expected);
 void addBoostSegments(const ClipBatch& batch);

@@ -1,4 +1,5 @@
-// AGG: its segment clipper after Liang and Barsky, and the polygon clipper of its vertex generator.
+// AGG: its segment clipper, which uses the algorithm of Liang and Barsky, and the polygon clipper
+// of its vertex generator.
 #include <agg2/agg_clip_liang_barsky.h>
 #include <agg2/agg_vpgen_clip_polygon.h>
 

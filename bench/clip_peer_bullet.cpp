@@ -1,4 +1,4 @@
-// Bullet's face clipper, one call a plane, in the width that the module is built for.
+// Bullet's face clipper, one call for each plane, in the width that the module is built for.
 #include <BulletCollision/NarrowPhaseCollision/btPolyhedralContactClipping.h>
 
 #include "bench/clip_harness.h"

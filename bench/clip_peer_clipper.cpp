@@ -1,4 +1,4 @@
-// Clipper, which works on integers: a unit is 2^24 of them.
+// Clipper. It computes with integers, and 2^24 of them are one unit.
 #include <polyclipping/clipper.hpp>
 
 #include "bench/clip_harness.h"

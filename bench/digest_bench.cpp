@@ -1,5 +1,5 @@
-// Both hashes, and OpenSSL's SHA-1 in the same run: a whole message each time, from a fresh object
-// to the digest, which is compared before it is timed.
+// Both hashes next to OpenSSL's SHA-1. Each time is of a whole message, from a new object to the
+// digest. The digest is compared before it is timed.
 #include <benchmark/benchmark.h>
 
 #include <array>
@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #ifdef ULM_BENCH_OPENSSL
-#define OPENSSL_SUPPRESS_DEPRECATED  // the calls that go round the search for an implementation
+#define OPENSSL_SUPPRESS_DEPRECATED  // the deprecated calls do not search for an implementation
 #include <openssl/evp.h>
 #include <openssl/sha.h>
 #endif

@@ -1,4 +1,4 @@
-// How long the module takes to come and go: a host's people wait for it at every start.
+// The time to load and unload the module, which adds to every start of a host.
 #include <benchmark/benchmark.h>
 
 #include "module/entry.h"
@@ -15,8 +15,8 @@ OdRxModule* createIn(HMODULE library) {
   return create != nullptr ? create(&slot) : nullptr;
 }
 
-// Load, create, start, stop, final release, unload; `started` tells whether the start is part of
-// it.
+// Loads the module, creates, starts, stops and releases its object, and unloads it. Without
+// `started` the object is not started and stopped.
 void BM_Life(benchmark::State& state) {
   const bool started = state.range(0) != 0;
   LoadLibraryW(L"QlHostApp.dll");

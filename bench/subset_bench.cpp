@@ -1,7 +1,8 @@
-// Subsets of fonts in use, beside HarfBuzz's subsetter where it is there. Both keep the hints, the
-// outline of .notdef and OS/2, and leave out layout, kerning and glyph names; the names are the two
-// fixed ones. The lists are made beforehand, and so are the open sources, save in "opened", where
-// the time is that of one file by itself. A font with fewer characters gives all that it has.
+// Subsets of real fonts, next to HarfBuzz's subsetter if it is available. Both keep the hints, the
+// outline of .notdef and OS/2, and omit layout, kerning and glyph names; the names are the two
+// fixed ones. The lists are made and the sources are opened before the time is taken, except in
+// "opened", whose time includes the opening of the source. A font with fewer characters gives all
+// of them.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -28,7 +29,8 @@ constexpr const char* kFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.t
                                   "/usr/share/fonts/truetype/freefont/FreeSerif.ttf",
                                   "/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf",
                                   "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc"};
-constexpr std::size_t kGapless = 20000;  // of this many, all that follow each other from U+4E00 on
+// A list of this length contains successive characters from U+4E00.
+constexpr std::size_t kGapless = 20000;
 
 struct Subject {
   std::vector<std::uint8_t> image;
@@ -52,7 +54,7 @@ struct Subject {
 using Opened =
     std::unique_ptr<TrueTypeFont, decltype([](TrueTypeFont* font) { closeTrueTypeFont(font); })>;
 
-// .notdef, and the first characters of the font that have glyphs of their own.
+// .notdef, and the first characters of the font that have different glyphs.
 struct Chosen {
   std::vector<std::uint16_t> codes{0}, glyphs{0};
 
@@ -70,7 +72,7 @@ struct Chosen {
   }
 };
 
-// False, and an error for this run, where the font is not installed.
+// Returns false and sets an error for this run if the font is not installed.
 bool ready(benchmark::State& state, const Subject*& subject, std::unique_ptr<Chosen>& chosen) {
   static std::unique_ptr<Subject> subjects[std::size(kFiles)];
   auto& kept = subjects[static_cast<std::size_t>(state.range(0))];
@@ -94,7 +96,7 @@ void subsetUlmira(benchmark::State& state) {
   if (!ready(state, subject, chosen)) return;
   std::uint32_t length = 0;
   for (auto _ : state) {
-    std::vector<std::uint16_t> glyphs = chosen->glyphs;  // replaced by the call
+    std::vector<std::uint16_t> glyphs = chosen->glyphs;  // the call replaces them
     std::uint8_t* image = nullptr;
     const Opened opened(Opens ? subject->open() : nullptr);
     if (createTrueTypeSubset(Opens ? opened.get() : subject->font, &image, &length, glyphs.data(),

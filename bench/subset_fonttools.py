@@ -1,10 +1,10 @@
-"""Subsets of fonts in use by Ulmira, HarfBuzz and fontTools, in one run: medians of processor time, and
-bytes.
+"""Subsets of real fonts by Ulmira, HarfBuzz and fontTools, in one run: medians of processor time, and
+sizes in bytes.
 
 Usage: subset_fonttools.py SUBSET_BENCH [ROUNDS], with the benchmark program of the preset `bench`.
-The settings are the benchmark's: hints, .notdef's outline and OS/2 are kept, layout, kerning and
-glyph names left out. fontTools can't use a font twice, so its time, as that of the others in
-"opened", has the opening of the source in it.
+The settings are those of the benchmark: hints, the outline of .notdef and OS/2 are kept; layout, kerning
+and glyph names are omitted. fontTools can't use a font twice, so its time includes the opening of the
+source, as the time of the others does in "opened".
 """
 import io
 import json
@@ -25,7 +25,7 @@ DROPPED = "GSUB GPOS GDEF BASE JSTF MATH kern vhea vmtx VORG gasp hdmx LTSH VDMX
 
 
 def characters(font, count):
-    """The benchmark's choice: the first characters that have glyphs of their own."""
+    """The first characters that have different glyphs, as in the benchmark."""
     codes, seen = [], {".notdef"}
     for code, name in sorted(font.getBestCmap().items()):
         if (0x4E00 if count == GAPLESS else 1) <= code < 0xFFFF and name not in seen:

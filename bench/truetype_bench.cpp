@@ -1,5 +1,5 @@
-// The font reader on fonts in use, beside FreeType, HarfBuzz and stb_truetype where they are there.
-// Each time is of one pass: an open, all mapped codes, all glyphs.
+// The font reader on real fonts, next to FreeType, HarfBuzz and stb_truetype if they are available.
+// Each time is of one pass: an open, all mapped characters, or all glyphs.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -54,8 +54,8 @@ constexpr const char* kFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.t
 struct Subject {
   std::vector<std::uint8_t> image;
   TrueTypeFont* font = nullptr;
-  std::vector<std::uint16_t> codes;     // the mapped ones, in order
-  std::vector<std::uint16_t> shuffled;  // and in none
+  std::vector<std::uint16_t> codes;     // the mapped characters, ascending
+  std::vector<std::uint16_t> shuffled;  // the same in random order
   std::uint64_t points = 0;
 
   explicit Subject(const char* file) {
@@ -84,7 +84,7 @@ struct Subject {
   }
 };
 
-// Null where the font is not installed.
+// Null if the font is not installed.
 const Subject* subjectOf(benchmark::State& state) {
   static std::unique_ptr<Subject> subjects[std::size(kFiles)];
   const auto index = static_cast<std::size_t>(state.range(0));
@@ -120,13 +120,14 @@ void openUlmira(benchmark::State& state, const Subject& subject) {
   });
 }
 
-// The choice is made before a thread sanitizer's run-time is there.
+// The loader selects a clone before the run-time of the thread sanitizer is initialised, so there
+// is only one version with that sanitizer.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__SANITIZE_THREAD__)
 #define ULM_BENCH_VECTORS __attribute__((target_clones("avx2", "default")))
 #else
 #define ULM_BENCH_VECTORS
 #endif
-// As fast as the processor's vectors let a copy be that swaps bytes.
+// A copy that swaps bytes, at the speed of the processor's vector instructions.
 ULM_BENCH_VECTORS void swapCopy32(const std::uint8_t* bytes, std::size_t count,
                                   std::uint32_t* __restrict out) {
   for (std::size_t i = 0; i < count; ++i) {
@@ -144,7 +145,7 @@ ULM_BENCH_VECTORS void swapCopy16(const std::uint8_t* bytes, std::size_t count,
   }
 }
 
-// What open cannot do without: loca, swapped into fresh memory.
+// The part of open that cannot be avoided: loca is swapped into new memory.
 void openLocaCopy(benchmark::State& state, const Subject& subject) {
   const TrueTypeFont& font = *subject.font;
   const std::uint8_t* loca = font.tables[kSlotLoca];
@@ -367,7 +368,7 @@ void boxHarfBuzz(benchmark::State& state, const Subject& subject) {
     }
   });
 }
-// The least that a caller can ask for: operations that do nothing with what they are given.
+// The minimum for a caller: callbacks that ignore their arguments.
 void outlinesHarfBuzz(benchmark::State& state, const Subject& subject) {
   const HarfBuzzFont peer(subject);
   hb_draw_funcs_t* draw = hb_draw_funcs_create();

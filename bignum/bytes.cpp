@@ -7,7 +7,7 @@
 namespace ulm::bignum {
 namespace {
 
-// The number of `size` bytes, of which `low` is the first and lowest.
+// Builds a number from `size` bytes; `low` iterates over them from the lowest one up.
 template <class Iterator>
 QLInteger numberOf(Iterator low, std::size_t size) {
   const std::size_t wordCount = std::max<std::size_t>(size / 4 + (size % 4 != 0 ? 1 : 0), 1);

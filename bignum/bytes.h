@@ -1,5 +1,5 @@
-// Bytes of a magnitude: out of a value and into one, with the low byte first or the high byte
-// first. The sign is no part of them.
+// The bytes of a magnitude, with the low byte or the high byte first: from bytes to a value and
+// back. The sign is not in the bytes.
 #pragma once
 
 #include <cstddef>
@@ -12,14 +12,14 @@
 
 namespace ulm::bignum {
 
-// The number of a byte string, not negative; 0 for an empty one. Zero bytes at the high end are
-// allowed. Storage is sized to all bytes. Throws std::bad_alloc when memory is short or there are
-// more than 2^29 bytes. Linear time.
+// Returns the number whose magnitude is the byte string, not negative; 0 for an empty string. There
+// may be zero bytes at the high end. The storage has the size for all bytes, zeros too. Throws
+// std::bad_alloc if memory runs out or there are more than 2^29 bytes. Linear time.
 QLInteger fromBytesLowFirst(std::span<const std::uint8_t> bytes);
 QLInteger fromBytesHighFirst(std::span<const std::uint8_t> bytes);
 
-// The bytes of a magnitude, without zero bytes at the high end and none for zero. It borrows the
-// value, which must neither change nor end before the range.
+// A range over the bytes of a magnitude, without zero bytes at the high end; zero has no bytes. The
+// range borrows the value, which must live and stay unchanged as long as the range is used.
 class ByteRange {
  public:
   class Iterator {
@@ -67,14 +67,15 @@ class ByteRange {
   bool highFirst_;
 };
 
-// A temporary is refused: the range would outlive it.
+// They do not take a temporary, because the range would outlive it.
 inline ByteRange bytesLowFirst(const QLInteger& value) noexcept { return {value, false}; }
 inline ByteRange bytesHighFirst(const QLInteger& value) noexcept { return {value, true}; }
 ByteRange bytesLowFirst(const QLInteger&&) = delete;
 ByteRange bytesHighFirst(const QLInteger&&) = delete;
 
-// Writes `size` bytes, the low byte first: the low bytes of the words in use, and where these are
-// fewer than `size`, after them 0xFF for a negative value and 0 for any other. Allocates nothing.
+// Writes `size` bytes: the bytes of the words in use, low byte first, as far as they fit. If there
+// are fewer than `size`, 0xFF for a negative value or 0 for any other follows up to `size`; the
+// bytes before are the magnitude all the same. buffer may be null if size is 0.
 void ToBytes(const QLInteger& value, std::uint8_t* buffer, std::uint32_t size) noexcept;
 
 }  // namespace ulm::bignum

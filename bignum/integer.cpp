@@ -1,4 +1,4 @@
-// Storage, construction, sign and bits.
+// Storage, construction, sign, bits, order and shifts.
 #include "bignum/integer.h"
 
 #include <algorithm>
@@ -13,10 +13,18 @@ namespace {
 
 constexpr std::uint32_t kStorageStep = 32;
 
-// Words allocated for a request of n: the next multiple of 32.
+// The words that a request for n words allocates: the next multiple of 32.
 std::uint32_t capacityFor(std::uint32_t n) {
   static_assert(detail::kMaxWords % kStorageStep == 0, "rounding up must not pass the limit");
   return RoundUpTo(detail::checkedCount(n), kStorageStep);
+}
+
+int threeWay(std::uint32_t a, std::uint32_t b) noexcept { return a < b ? -1 : a > b ? 1 : 0; }
+
+// The order of two values with these signs, whose magnitudes compare as `magnitudes`.
+int signedOrder(bool aNegative, bool bNegative, int magnitudes) noexcept {
+  if (aNegative != bNegative) return aNegative ? -1 : 1;
+  return aNegative ? -magnitudes : magnitudes;
 }
 
 }  // namespace
@@ -38,7 +46,7 @@ QLInteger::QLInteger(std::uint32_t wordCount, Word fill) : QLInteger(kEmptyHolde
 
 QLInteger::~QLInteger() { FreeWords(words); }
 
-// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign looks for it
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign checks for it
 QLInteger& QLInteger::operator=(const QLInteger& source) {
   Assign(source);
   return *this;
@@ -96,7 +104,7 @@ void QLInteger::Reallocate(std::uint32_t wordCount, bool keep) {
 void QLInteger::EnsureCount(std::uint32_t n) {
   if (count >= n) return;
   if (capacity < n) Reallocate(n, true);
-  std::fill(words + count, words + n, Word{0});  // old digits may stand there
+  std::fill(words + count, words + n, Word{0});  // they may hold old digits
   count = n;
 }
 
@@ -131,11 +139,72 @@ void QLInteger::SetBit(std::uint32_t index, bool on) noexcept {
   words[word] = on ? words[word] | mask : words[word] & ~mask;
 }
 
+int QLInteger::Compare(const QLInteger& other) const noexcept {
+  return signedOrder(IsNegative(), other.IsNegative(), CompareMagnitude(other));
+}
+
+int QLInteger::Compare(std::int32_t other) const noexcept {
+  return signedOrder(IsNegative(), other < 0, CompareMagnitude(detail::magnitudeOf(other)));
+}
+
+int QLInteger::CompareMagnitude(const QLInteger& other) const noexcept {
+  if (count != other.count) return threeWay(count, other.count);
+  return CompareWords(words, other.words, count);
+}
+
+int QLInteger::CompareMagnitude(std::uint32_t other) const noexcept {
+  if (count > 1) return 1;
+  return threeWay(words[0], other);
+}
+
+int QLInteger::CompareMagnitude(std::int32_t other) const noexcept {
+  return CompareMagnitude(detail::magnitudeOf(other));
+}
+
+QLInteger& QLInteger::operator<<=(std::uint32_t bits) {
+  if (bits == 0 || !IsNonZero()) return *this;
+  const std::uint32_t oldCount = count;
+  const std::uint64_t grown = ((std::uint64_t{bits} + 31 + 32 * std::uint64_t{count}) >> 5) + 1;
+  EnsureCount(detail::checkedCount(grown));
+  ShiftLeftBits(words, oldCount + 1, bits % kWordBits);
+  if (bits >= kWordBits) ShiftLeftWords(words, oldCount + 1, bits / kWordBits);
+  Normalise();
+  return *this;
+}
+
+QLInteger& QLInteger::operator>>=(std::uint32_t bits) {
+  if (bits == 0 || !IsNonZero()) return *this;
+  const std::uint32_t wholeWords = bits / kWordBits;
+  if (wholeWords >= count) {
+    Assign(0);
+    return *this;
+  }
+  ShiftRightWords(words, count, wholeWords);
+  ShiftRightBits(words, count - wholeWords, bits % kWordBits);
+  Normalise();
+  if (!IsNonZero()) negative = 0;
+  return *this;
+}
+
 QLInteger PowerOfTwo(std::uint32_t bit) {
   if (bit == UINT32_MAX) throw std::bad_alloc();  // its BitLength would be 2^32
-  QLInteger power(bit / kWordBits + 1, 0);  // (bit + 32) >> 5, without the sum that could wrap
+  QLInteger power(bit / kWordBits + 1, 0);        // (bit + 32) >> 5; that sum could wrap
   power.SetBit(bit, true);
   return power;
+}
+
+QLInteger operator>>(const QLInteger& a, std::uint32_t bits) {
+  QLInteger shifted(a);
+  shifted >>= bits;
+  return shifted;
+}
+
+bool operator==(const QLInteger& a, const QLInteger& b) noexcept {
+  return a.count == b.count && a.negative == b.negative && EqualWords(a.words, b.words, a.count);
+}
+
+bool operator==(const QLInteger& a, std::int32_t b) noexcept {
+  return a.count == 1 && a.IsNegative() == (b < 0) && a.words[0] == detail::magnitudeOf(b);
 }
 
 }  // namespace ulm::bignum

@@ -1,15 +1,21 @@
-// QLInteger: a signed integer of any size, a sign and a magnitude over 32-bit words.
+// QLInteger: a signed integer of any size, as a sign and a magnitude over 32-bit words.
 //
-// Operations that belong to one value are its members; those that name a destination or several
-// results are functions, and take by reference what they write. Operands that an operation does not
-// name as its destination or result stay unchanged.
+// An operation on one value is a member. An operation that names a destination or has several
+// results is a function, and takes what it writes by reference. An operand that is neither a
+// destination nor a result does not change.
 //
-// The storage is part of the promise: each operation tells the count and capacity it leaves.
-// Failure: the one exception is std::bad_alloc, when memory is short or a capacity would exceed
-// 2^27 words (2^32 bits). The operands are then unchanged, and a destination holds a valid value:
-// its old one or one on the way. Threads: any number may read a value; one that changes it must
-// have it to itself. BitLength and bit indices are 32-bit quantities: a value of exactly 2^32 bits,
-// which a product or a filled array of 2^27 words can be, is for the caller to avoid.
+// Storage is part of the interface: each operation states the count and the capacity that it
+// leaves.
+//
+// Failure: std::bad_alloc is the only exception. It is thrown when memory runs out or a capacity
+// would exceed 2^27 words (2^32 bits). The operands are then unchanged, and a destination holds a
+// valid value, which may be its old value or an intermediate one.
+//
+// Bit lengths and bit indices are 32-bit quantities. 2^27 words can hold one bit more than that
+// allows: the caller avoids values of exactly 2^32 bits.
+//
+// Threads: any number of threads may read a value. A thread that changes a value must be the only
+// one that uses it.
 #pragma once
 
 #include <compare>
@@ -20,50 +26,56 @@
 
 namespace ulm::bignum {
 
-// Asks for a value that holds no number yet.
+// The argument of the constructor that makes an empty holder.
 struct EmptyHolder {};
 inline constexpr EmptyHolder kEmptyHolder{};
 
-// A type that converts to Number although not each of its values is one: a wider integer, floating
-// point. Small operands are signed 32-bit numbers, and an operation on one does not compile for
-// such a type, since the conversion would change the number silently. Wider ones go through
-// fromInt64 and fromUint64. Counts, shifts and indices convert as the language does.
+// A type that converts to Number although Number lacks some of its values: a wider integer or
+// floating point. Small operands are signed 32-bit numbers. An operation on one does not compile
+// for such a type, because the conversion would change the number silently; fromInt64 and
+// fromUint64 take 64-bit numbers. Counts, shifts and indices convert by the rules of the language.
 template <class T, class Number>
 concept NarrowedTo = std::convertible_to<T, Number> && !requires(T value) {
   Number{value};
 };
 
-// Normal form: count is at least 1, and the top word is not zero unless count is 1. Zero is count 1
-// with word 0 zero and negative 0. Every operation leaves normal form and asks it of its operands,
-// but for those that say otherwise. Words from count up to capacity mean nothing.
+// Normal form: count is at least 1, and the top word is not zero unless count is 1. Zero has
+// count 1, word 0 equal to 0 and negative 0. Every operation requires normal form of its operands
+// and leaves its results in it, unless its comment says otherwise. The words from count up to
+// capacity have no meaning.
 //
-// The empty holder (count 0, capacity 0, words null, negative 0) is no number: it can be copied,
-// swapped and destroyed, and be the destination of Assign, the result of Divide, Remainder, ModPow
-// and FromText, and nothing else. A value that was moved from is one.
+// The empty holder (count 0, capacity 0, words null, negative 0) is not a number. It can be copied,
+// swapped and destroyed. It can be the destination of Assign and FromText, and an operand that
+// receives a result of Divide, Remainder, ModPow, Gcd, ExtendedGcd or NextPrime. No other operation
+// takes it. A value that was moved from is an empty
+// holder.
 class QLInteger {
  public:
-  // The value, to be read by anyone; written only by those who keep the rules above.
+  // Anyone may read the fields. Code that writes them keeps the rules above.
   std::uint32_t count;     // words in use
   std::uint32_t capacity;  // words allocated: 0 or a multiple of 32
   Word* words;             // owned, from odrxAlloc; the magnitude, least significant word first
-  std::uint8_t negative;   // 1 below zero, else 0
+  std::uint8_t negative;   // 1 for a value below zero, else 0
 
-  QLInteger();  // 0, capacity 32
+  // 0, with capacity 32.
+  QLInteger();
   explicit QLInteger(EmptyHolder) noexcept;
-  QLInteger(std::int32_t number);  // capacity 32; not explicit, so that small numbers are operands
+  // The number, with capacity 32. Not explicit, so that small numbers can be operands.
+  QLInteger(std::int32_t number);
   template <NarrowedTo<std::int32_t> T>
   QLInteger(T number) = delete;
-  // Storage is sized to the source's count, not to its capacity.
+  // A copy. Its storage has the size for the source's count, whatever the source's capacity.
   QLInteger(const QLInteger& source);
+  // Takes over the storage and leaves an empty holder.
   QLInteger(QLInteger&& source) noexcept;
-  // wordCount words, each equal to fill, not normalised; the empty holder for 0 words.
+  // wordCount words that equal fill, not negative and not normalised; the empty holder for 0 words.
   QLInteger(std::uint32_t wordCount, Word fill);
   ~QLInteger();
 
-  // As Assign. There is no assignment by move: assignment keeps storage, it never shrinks it.
+  // As Assign. There is no assignment by move, since an assignment never shrinks the storage.
   QLInteger& operator=(const QLInteger& source);
 
-  // Numbers of 64 bits; capacity 32.
+  // The number, with capacity 32.
   static QLInteger fromInt64(std::int64_t number);
   static QLInteger fromUint64(std::uint64_t number);
   template <NarrowedTo<std::int64_t> T>
@@ -71,62 +83,69 @@ class QLInteger {
   template <NarrowedTo<std::uint64_t> T>
   static QLInteger fromUint64(T number) = delete;
 
-  // Copies count, sign and words. Storage is replaced, without its content, only if it is too
-  // small.
+  // Copies count, sign and words. The storage is replaced only if it is too small. A value can be
+  // assigned to itself.
   void Assign(const QLInteger& source);
-  // Reuses the storage; 32 words if there is none.
+  // Keeps the storage; an empty holder gets 32 words.
   void Assign(std::int32_t number);
   template <NarrowedTo<std::int32_t> T>
   void Assign(T number) = delete;
-  void Swap(QLInteger& other) noexcept;  // all four fields
+  // Exchanges all four fields.
+  void Swap(QLInteger& other) noexcept;
 
-  // Storage by hand. None of these but Normalise takes words off, and they may leave zero top
-  // words.
-  //
-  // A fresh zeroed array for wordCount words, rounded up to a multiple of 32; with keep it gets the
-  // words in use. Only to grow: below count words it is as for count. count does not change.
+  // Replaces the storage by a zeroed array for wordCount words, rounded up to a multiple of 32; a
+  // wordCount below count is as count. With keep, the words in use are copied to it. count does not
+  // change.
   void Reallocate(std::uint32_t wordCount, bool keep);
-  // Appends zero words until count is n; storage grows only if it must, keeping its content.
+  // Appends zero words until count is n, which can leave normal form; a count of n or more does not
+  // change. Storage that is too small is replaced and keeps its content.
   void EnsureCount(std::uint32_t n);
+  // EnsureCount of count + 1.
   void AppendZeroWord();
-  // Takes off zero top words while count is above 1. The sign stays as it is.
+  // Removes zero words from the top while count is above 1. The sign does not change.
   void Normalise() noexcept;
 
   bool IsNegative() const noexcept { return negative != 0; }
   bool IsNonNegative() const noexcept { return negative == 0; }
   bool IsNonZero() const noexcept { return count != 1 || words[0] != 0; }
   bool IsPositive() const noexcept { return IsNonNegative() && IsNonZero(); }
+  // True for an empty holder too.
   bool IsEven() const noexcept { return count == 0 || (words[0] & 1) == 0; }
-  void Negate() noexcept;        // zero stays as it is
-  void MakeNegative() noexcept;  // zero stays as it is
+  // Reverses the sign; zero does not change.
+  void Negate() noexcept;
+  // Makes the sign negative; zero does not change.
+  void MakeNegative() noexcept;
+  // 0xFFFFFFFF for a negative value, else 0.
   Word SignWord() const noexcept { return IsNegative() ? 0xFFFFFFFFu : 0; }
 
-  // 0 for zero, else the position of the highest set bit, counted from 1.
+  // The number of bits of the magnitude: the index of its highest set bit plus 1, or 0 for zero.
   std::uint32_t BitLength() const noexcept;
-  // The address of a word; no bound is looked at.
+  // The address of a word. The index is not checked.
   Word* WordPointer(std::int32_t index) noexcept { return words + index; }
   const Word* WordPointer(std::int32_t index) const noexcept { return words + index; }
-  // Bits of the magnitude. One at or above 32 * count is clear, and setting it changes nothing; the
-  // value neither grows nor is it normalised, so clearing the top bit can leave normal form.
+  // Bit `index` of the magnitude; false for an index of 32 * count or more.
   bool TestBit(std::uint32_t index) const noexcept;
+  // Sets or clears bit `index` of the magnitude; an index of 32 * count or more changes nothing.
+  // The value neither grows nor is it normalised, so clearing its top bit can leave normal form.
   void SetBit(std::uint32_t index, bool on) noexcept;
 
-  // -1, 0 or 1. Signs first, then magnitudes: the larger count, then words from the top down.
+  // Returns -1, 0 or 1 for less, equal or greater.
   int Compare(const QLInteger& other) const noexcept;
   int Compare(std::int32_t other) const noexcept;
   template <NarrowedTo<std::int32_t> T>
   int Compare(T other) const = delete;
-  // A negative number counts with its own magnitude: |-1| is 1. A wider type is ambiguous.
+  // The same for the magnitudes; that of -1 is 1. Any wider integer type or floating point is
+  // ambiguous and does not compile.
   int CompareMagnitude(const QLInteger& other) const noexcept;
   int CompareMagnitude(std::uint32_t other) const noexcept;
   int CompareMagnitude(std::int32_t other) const noexcept;
 
-  // Signed sums: AddMagnitude or SubtractMagnitude, by the signs, with their storage. The operand
-  // may be the value itself.
+  // The signed sum and difference, by AddMagnitude or SubtractMagnitude and with their storage. The
+  // operand may be the value itself.
   QLInteger& operator+=(const QLInteger& operand);
   QLInteger& operator-=(const QLInteger& operand);
-  // These append a zero word, work on the magnitude in place and normalise. Where the result
-  // reaches or crosses zero they are the operations above.
+  // The same for a small number: a zero word is appended, the magnitude changes in place, and the
+  // value is normalised. If the result would reach or cross zero, these are the operations above.
   QLInteger& operator+=(std::int32_t operand);
   QLInteger& operator-=(std::int32_t operand);
   template <NarrowedTo<std::int32_t> T>
@@ -138,20 +157,22 @@ class QLInteger {
   QLInteger operator++(int);
   QLInteger operator--(int);
 
-  // Products. A zero, and a product by +1, is assigned to the value as Assign does. Any other is
-  // built in fresh storage for count + operand.count words (count + 1 for the small operand), which
-  // replaces the old. The operand may be the value itself. Quadratic time with the plain kernel.
+  // The product. If a factor is 0 or +1, the result is assigned as by Assign. Any other product is
+  // built in fresh storage for count + operand.count words (count + 1 for a small operand), which
+  // replaces the old storage. The operand may be the value itself. Quadratic time with the plain
+  // kernel.
   QLInteger& operator*=(const QLInteger& operand);
   QLInteger& operator*=(std::int32_t operand);
   template <NarrowedTo<std::int32_t> T>
   QLInteger& operator*=(T operand) = delete;
-  // The remainder, in storage made fresh by Remainder below.
+  // The remainder, as Remainder leaves it in an empty holder; its storage replaces the old storage.
+  // The modulus may be the value itself.
   QLInteger& operator%=(const QLInteger& modulus);
 
-  // On the magnitude; the sign stays. Zero and a shift by 0 change nothing. count grows, before it
-  // is normalised, to ((bits + 31 + 32 * count) >> 5) + 1, and storage with it.
+  // Shifts the magnitude left; the sign does not change. Zero, and a shift by 0, change nothing.
+  // Before it is normalised, count grows to ((bits + 31 + 32 * count) >> 5) + 1.
   QLInteger& operator<<=(std::uint32_t bits);
-  // Truncates towards zero, in place.
+  // Shifts the magnitude right in place, which truncates toward zero.
   QLInteger& operator>>=(std::uint32_t bits);
 };
 
@@ -159,23 +180,23 @@ class QLInteger {
 // too.
 QLInteger PowerOfTwo(std::uint32_t bit);
 
-// The destination's magnitude plus the operand's, not negative. First the destination gets one zero
-// word, or operand.count + 1 words where it has fewer words than the operand. With one object for
-// both it is shifted left by one bit instead, and keeps its sign.
+// The sum of both magnitudes, not negative. The destination first grows by one zero word, or to
+// operand.count + 1 words if it has fewer words than the operand. If both are one object, it is
+// shifted left by one bit instead and keeps its sign.
 void AddMagnitude(QLInteger& destination, const QLInteger& operand);
-// The destination's magnitude less the operand's, with the sign that this has. In place, unless the
-// operand's magnitude is the larger: then in fresh storage sized to operand.count.
+// The destination's magnitude less the operand's, with the sign of this difference. It is computed
+// in place, except that an operand with the larger magnitude makes fresh storage for operand.count
+// words. Both may be one object.
 void SubtractMagnitude(QLInteger& destination, const QLInteger& operand);
 
 // Truncating division: dividend = quotient * divisor + remainder, |remainder| < |divisor|, and the
 // remainder has the sign of the dividend. A divisor of zero gives quotient 0 and the dividend as
-// remainder, so that the first of these still holds.
-//   remainder  is assigned the dividend and worked on in place; if the dividend is 32 bits or more
-//              longer than the divisor its storage grows as for a left shift by 32 bits. It may be
-//              the dividend itself
-//   quotient   gets fresh storage for ((difference of the bit lengths) + 32) >> 5 words;
-//              0, 1 and -1 are assigned
-// No two of the operands may be one object but dividend and remainder. Quadratic time.
+// remainder, so that the first equation still holds.
+//   remainder  is assigned the dividend, then changed in place; its storage grows as for a left
+//              shift by 32 bits if the dividend is at least 32 bits longer than the divisor
+//   quotient   gets fresh storage for ((difference of the bit lengths) + 32) >> 5 words if the
+//              dividend has the larger magnitude; otherwise 0, 1 or -1 is assigned to it
+// The remainder may be the dividend. No other two operands may be one object. Quadratic time.
 void Divide(const QLInteger& dividend, const QLInteger& divisor, QLInteger& quotient,
             QLInteger& remainder);
 void Divide(const QLInteger& dividend, std::int32_t divisor, QLInteger& quotient,
@@ -183,10 +204,11 @@ void Divide(const QLInteger& dividend, std::int32_t divisor, QLInteger& quotient
 template <NarrowedTo<std::int32_t> T>
 void Divide(const QLInteger& dividend, T divisor, QLInteger& quotient,
             QLInteger& remainder) = delete;
+// Divide without the quotient.
 void Remainder(const QLInteger& dividend, const QLInteger& divisor, QLInteger& remainder);
 
-// Fresh values: a copy of the first operand, then the operation that changes it; a product is built
-// as for *=, with 32 words for a product of zero, and sized to count for a copy.
+// Fresh values: a copy of the first operand, changed by the operation. A product has the storage
+// that *= builds; a product of zero has 32 words, and one by +1 is a copy.
 QLInteger operator+(const QLInteger& a, const QLInteger& b);
 QLInteger operator-(const QLInteger& a, const QLInteger& b);
 QLInteger operator-(const QLInteger& a, std::int32_t b);
@@ -194,7 +216,7 @@ QLInteger operator*(const QLInteger& a, const QLInteger& b);
 QLInteger operator*(const QLInteger& a, std::int32_t b);
 QLInteger operator/(const QLInteger& a, const QLInteger& b);
 QLInteger operator>>(const QLInteger& a, std::uint32_t bits);
-// The operations that have no overload for a small number refuse such a type by the constructor.
+// Operations without an overload for a small number refuse such types through the constructor.
 template <NarrowedTo<std::int32_t> T>
 QLInteger operator-(const QLInteger& a, T b) = delete;
 template <NarrowedTo<std::int32_t> T>
@@ -203,12 +225,13 @@ QLInteger operator*(const QLInteger& a, T b) = delete;
 // Equal: the same count, sign and words.
 bool operator==(const QLInteger& a, const QLInteger& b) noexcept;
 bool operator==(const QLInteger& a, std::int32_t b) noexcept;
-inline bool operator<(const QLInteger& a, const QLInteger& b) noexcept { return a.Compare(b) < 0; }
-inline bool operator<(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) < 0; }
-inline bool operator<=(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) <= 0; }
 template <NarrowedTo<std::int32_t> T>
 bool operator==(const QLInteger& a, T b) = delete;
 
+// The order of Compare.
+inline bool operator<(const QLInteger& a, const QLInteger& b) noexcept { return a.Compare(b) < 0; }
+inline bool operator<(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) < 0; }
+inline bool operator<=(const QLInteger& a, std::int32_t b) noexcept { return a.Compare(b) <= 0; }
 inline std::strong_ordering operator<=>(const QLInteger& a, const QLInteger& b) noexcept {
   return a.Compare(b) <=> 0;
 }

@@ -1,12 +1,13 @@
-#include "bignum/integer.h"
-
+// Sums and differences.
 #include <algorithm>
+
+#include "bignum/integer.h"
 
 namespace ulm::bignum {
 namespace {
 
-// Adds delta, at most 2^32 either way, to the magnitude, which does not reach below zero by it. The
-// carry is signed: 0, 1 or -1 after the first word.
+// Adds delta, whose absolute value is at most 2^32, to the magnitude. The result is not below zero.
+// The carry is signed: after the first word it is 0, 1 or -1.
 void addToMagnitude(QLInteger& value, std::int64_t delta) {
   value.AppendZeroWord();
   std::int64_t carry = delta;
@@ -18,20 +19,41 @@ void addToMagnitude(QLInteger& value, std::int64_t delta) {
   value.Normalise();
 }
 
-// Whether adding delta to the magnitude gives zero or less, zero words on top or not.
+// Whether adding delta to the magnitude gives zero or less. The value may have zero words at its
+// top.
 bool reachesZero(const QLInteger& value, std::int64_t delta) noexcept {
   const Word* const words = value.words;
   const bool oneWord =
       std::all_of(words + 1, words + value.count, [](Word word) { return word == 0; });
-  return delta < 0 && oneWord && words[0] <= static_cast<std::uint64_t>(-delta);
+  return delta <= 0 && oneWord && words[0] <= static_cast<std::uint64_t>(-delta);
 }
 
-// Does a small addition by the signed operation, which wants normal form.
-template <class Operation>
-QLInteger& bySignedOperation(QLInteger& value, Operation operation) {
-  value.Normalise();
-  if (!value.IsNonZero()) value.negative = 0;
-  return operation();
+// value += operand, or value -= operand with `subtract`. An operand with the other sign changes sum
+// and difference into each other.
+QLInteger& addSigned(QLInteger& value, const QLInteger& operand, bool subtract) {
+  const bool wasNegative = value.IsNegative();
+  if ((wasNegative == operand.IsNegative()) != subtract) {
+    AddMagnitude(value, operand);
+    if (wasNegative) value.MakeNegative();
+  } else {
+    SubtractMagnitude(value, operand);
+    if (wasNegative) value.Negate();
+  }
+  return value;
+}
+
+// The same for a small operand.
+QLInteger& addSmall(QLInteger& value, std::int32_t operand, bool subtract) {
+  const std::int64_t delta =
+      value.IsNegative() != subtract ? -std::int64_t{operand} : std::int64_t{operand};
+  if (reachesZero(value, delta)) {
+    // The signed operation requires normal form.
+    value.Normalise();
+    if (!value.IsNonZero()) value.negative = 0;
+    return addSigned(value, QLInteger(operand), subtract);
+  }
+  addToMagnitude(value, delta);
+  return value;
 }
 
 }  // namespace
@@ -41,7 +63,7 @@ void AddMagnitude(QLInteger& destination, const QLInteger& operand) {
     destination <<= 1;
     return;
   }
-  // There is always a spare word on top, so no carry can be lost.
+  // A zero word at the top takes the carry.
   if (destination.count < operand.count) {
     destination.EnsureCount(operand.count + 1);
   } else {
@@ -73,46 +95,16 @@ void SubtractMagnitude(QLInteger& destination, const QLInteger& operand) {
 }
 
 QLInteger& QLInteger::operator+=(const QLInteger& operand) {
-  const bool wasNegative = IsNegative();
-  if (wasNegative == operand.IsNegative()) {
-    AddMagnitude(*this, operand);
-    if (wasNegative) MakeNegative();
-  } else {
-    SubtractMagnitude(*this, operand);
-    if (wasNegative) Negate();
-  }
-  return *this;
+  return addSigned(*this, operand, false);
 }
 
 QLInteger& QLInteger::operator-=(const QLInteger& operand) {
-  const bool wasNegative = IsNegative();
-  if (wasNegative == operand.IsNegative()) {
-    SubtractMagnitude(*this, operand);
-    if (wasNegative) Negate();
-  } else {
-    AddMagnitude(*this, operand);
-    if (wasNegative) MakeNegative();
-  }
-  return *this;
+  return addSigned(*this, operand, true);
 }
 
-QLInteger& QLInteger::operator+=(std::int32_t operand) {
-  const std::int64_t delta = IsNegative() ? -std::int64_t{operand} : std::int64_t{operand};
-  if (reachesZero(*this, delta)) {
-    return bySignedOperation(*this, [&]() -> QLInteger& { return *this += QLInteger(operand); });
-  }
-  addToMagnitude(*this, delta);
-  return *this;
-}
+QLInteger& QLInteger::operator+=(std::int32_t operand) { return addSmall(*this, operand, false); }
 
-QLInteger& QLInteger::operator-=(std::int32_t operand) {
-  const std::int64_t delta = IsNegative() ? std::int64_t{operand} : -std::int64_t{operand};
-  if (reachesZero(*this, delta)) {
-    return bySignedOperation(*this, [&]() -> QLInteger& { return *this -= QLInteger(operand); });
-  }
-  addToMagnitude(*this, delta);
-  return *this;
-}
+QLInteger& QLInteger::operator-=(std::int32_t operand) { return addSmall(*this, operand, true); }
 
 QLInteger QLInteger::operator++(int) {
   QLInteger before(*this);

@@ -1,3 +1,4 @@
+// Products.
 #include "bignum/detail/storage.h"
 #include "bignum/integer.h"
 #include "bignum/kernel/kernel.h"
@@ -5,7 +6,7 @@
 namespace ulm::bignum {
 namespace {
 
-// The product of two values that are neither zero nor +1, in a zeroed accumulator of its own.
+// The product of two values that are neither zero nor +1, in fresh storage.
 QLInteger generalProduct(const QLInteger& a, const QLInteger& b) {
   QLInteger product(detail::checkedCount(std::uint64_t{a.count} + b.count), 0);
   const auto scratch = detail::scratchWords(kernel::multiplyScratch(a.count, b.count));

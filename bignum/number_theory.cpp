@@ -1,12 +1,14 @@
-// Powers, common divisors and the square root.
 #include "bignum/number_theory.h"
 
+#include <algorithm>
+
+#include "bignum/constants.h"
 #include "bignum/kernel/methods.h"
 
 namespace ulm::bignum {
 namespace {
 
-// Euclid's loop: leaves in r the last remainder of r and t that is not zero. Neither is zero.
+// Euclid's loop: leaves the last non-zero remainder in r. Neither operand is zero.
 void reduceToDivisor(QLInteger& r, QLInteger& t) {
   if (kernel::reduceToDivisor(r, t)) return;
   while (t.IsNonZero()) {
@@ -15,17 +17,54 @@ void reduceToDivisor(QLInteger& r, QLInteger& t) {
   }
 }
 
-// previous - quotient * current, in `next`.
+// next = previous - quotient * current: one step of the sequences that Euclid's loop extends.
 void nextOfSequence(QLInteger& next, const QLInteger& previous, const QLInteger& quotient,
                     const QLInteger& current) {
   next.Assign(previous);
   next -= quotient * current;
 }
 
-// (previous, current) become (current, next); next gets the words that fall out.
+// (previous, current) becomes (current, next). next receives the storage that is no longer used.
 void advance(QLInteger& previous, QLInteger& current, QLInteger& next) noexcept {
   previous.Swap(current);
   current.Swap(next);
+}
+
+// Whether base to the power n - 1 is 1 modulo n. n is 4 or more.
+bool fermatHolds(const QLInteger& n, const QLInteger& base) {
+  QLInteger power(kEmptyHolder);
+  ModPow(base, n - 1, n, power);
+  return power == 1;
+}
+
+enum class Verdict { Prime, Composite, Open };
+
+// Runs the Fermat rounds to the first bases of the table. A value that equals a base is prime in
+// the round of that base; until then 2 and 3 pass each round. Open means that all rounds passed.
+Verdict fermatRoundsOf(const QLInteger& n, std::uint32_t rounds) {
+  for (std::uint32_t i = 0; i < rounds; ++i) {
+    const QLInteger& base = PrimeWitnesses[i];
+    if (n == base) return Verdict::Prime;
+    if (n < 4) {
+      if (n == 2 || n == 3) continue;
+      return Verdict::Composite;
+    }
+    if (!fermatHolds(n, base)) return Verdict::Composite;
+  }
+  return Verdict::Open;
+}
+
+bool passesRabinRounds(const QLInteger& n, std::uint32_t rounds) {
+  return std::all_of(PrimeWitnesses, PrimeWitnesses + rounds,
+                     [&n](const QLInteger& base) { return RabinMillerTest(n, base); });
+}
+
+bool passes(const QLInteger& n, std::uint32_t fermatRounds, std::uint32_t rabinRounds) {
+  bool passed = false;
+  if (kernel::passesRounds(n, fermatRounds, rabinRounds, passed)) return passed;
+  const Verdict verdict = fermatRoundsOf(n, fermatRounds);
+  return verdict == Verdict::Prime ||
+         (verdict == Verdict::Open && passesRabinRounds(n, rabinRounds));
 }
 
 }  // namespace
@@ -47,7 +86,7 @@ void ModPow(const QLInteger& base, const QLInteger& exponent, const QLInteger& m
   if (!exponent.IsNonZero()) return;
   const std::uint32_t exponentBits = exponent.BitLength();
   if (exponentBits > 1 && !modulus.IsNonZero()) {
-    // Without a modulus nothing would bound the powers.
+    // Without a modulus the powers would grow without a bound.
     result.Assign(0);
     return;
   }
@@ -123,6 +162,48 @@ QLInteger IntegerSqrt(const QLInteger& x) {
     guess.Assign(next >> 1);
   } while (guess < previous);
   return previous;
+}
+
+bool FermatTest(const QLInteger& n, const QLInteger& base) {
+  if (n < 4) return n == 2 || n == 3;
+  return fermatHolds(n, base);
+}
+
+bool RabinMillerTest(const QLInteger& n, const QLInteger& base) {
+  if (n < 4) return n == 2 || n == 3;
+  if (n.IsEven()) return false;
+  QLInteger divisor(kEmptyHolder);
+  if (!Gcd(n, base, divisor) || !(divisor == 1)) return false;
+
+  const QLInteger minusOne = n - 1;
+  std::uint32_t s = 0;
+  while (!minusOne.TestBit(s)) ++s;
+  QLInteger x(kEmptyHolder);
+  ModPow(base, minusOne >> s, n, x);
+  if (x == 1 || x == minusOne) return true;
+  for (std::uint32_t i = 1; i < s; ++i) {
+    x *= x;
+    Remainder(x, n, x);
+    if (x == minusOne) return true;
+    if (x == 1) return false;
+  }
+  return false;
+}
+
+bool IsProbablePrime(const QLInteger& n, std::uint32_t fermatRounds, std::uint32_t rabinRounds) {
+  return passes(n, std::min(fermatRounds, kPrimeWitnessCount),
+                std::min(rabinRounds, kPrimeWitnessCount));
+}
+
+void NextPrime(const QLInteger& a, QLInteger& result) {
+  if (a < 2) {
+    result.Assign(2);
+    return;
+  }
+  result.Assign(a);
+  if (result.IsEven()) result += 1;
+  if (kernel::raiseToPrime(result)) return;
+  while (!passes(result, 5, 3)) result += 2;
 }
 
 }  // namespace ulm::bignum

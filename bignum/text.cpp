@@ -14,7 +14,7 @@ char upperCased(char character) noexcept {
                                               : character;
 }
 
-// What stands behind the digits; nothing for radix 10.
+// The character after the digits; '\0' if there is none.
 char radixMark(std::uint32_t radix) noexcept {
   switch (radix) {
     case 2:
@@ -30,7 +30,7 @@ char radixMark(std::uint32_t radix) noexcept {
   }
 }
 
-// A buffer that takes characters one behind the other, each by PutChar's rule.
+// Appends characters to a buffer by the rule of PutChar.
 class TextWriter {
  public:
   TextWriter(char* buffer, std::uint32_t size) noexcept : buffer_(buffer), size_(size) {}
@@ -39,7 +39,7 @@ class TextWriter {
     ++length_;
     return true;
   }
-  // A terminator behind the text so far, not counted to it.
+  // Writes a terminator after the text, which does not become a part of it.
   bool terminate() noexcept { return PutChar('\0', length_, buffer_, size_); }
   void reverse() noexcept { std::reverse(buffer_, buffer_ + length_); }
   std::uint32_t sizeUsed() const noexcept { return static_cast<std::uint32_t>(length_) + 1; }
@@ -50,7 +50,8 @@ class TextWriter {
   std::int32_t length_ = 0;
 };
 
-// The digits of a value that is not zero, from its low end, by a division each.
+// Writes the digits of a value that is not zero, the lowest first. Returns false if they do not
+// fit.
 bool putDigits(TextWriter& out, const QLInteger& value, std::uint32_t radix) {
   QLInteger rest(value);
   rest.negative = 0;
@@ -80,7 +81,8 @@ NumberText scanNumberText(const char* text) noexcept {
   } else if (prefixed) {
     scanned.radix = 16;
   }
-  // In front of an h the prefix goes too: its one digit is a zero.
+  // Before a last h the prefix could stay: its 0 adds nothing, and x is no digit. It is dropped, so
+  // that what remains are the digits.
   if (prefixed && scanned.radix == 16) scanned.first += 2;
   return scanned;
 }

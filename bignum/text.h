@@ -1,8 +1,9 @@
-// Numbers as text and as bytes. Texts are 8-bit characters with a zero behind; nothing depends on a
-// locale.
+// Numbers as text, and bytes as hexadecimal text. Texts are zero-terminated strings of 8-bit
+// characters; no operation depends on a locale. A text or buffer may be null only where its size is
+// given and 0.
 //
-// The number text has a sign in front and the radix behind: b for 2, o for 8, h for 16, nothing for
-// 10, and | for any other radix of 2 to 16, which has no meaning on reading.
+// A number text has its sign before the digits and its radix after them: b for 2, o for 8, h for 16
+// and nothing for 10. Any other radix of 2 to 16 is written as |, which has no meaning on reading.
 #pragma once
 
 #include <cstdint>
@@ -15,45 +16,46 @@
 
 namespace ulm::bignum {
 
+// The digits, each at the index of its value. On reading, lower case counts too.
 inline constexpr char DigitTable[] = "0123456789ABCDEF";
 
-// What a number text says before its digits are read.
+// A number text without its sign and its radix.
 struct NumberText {
-  bool negative;       // a '-' was in front
+  bool negative;       // the text starts with '-'
   std::int32_t radix;  // 2, 8, 10 or 16
-  const char* first;   // the digits and what stands among them: [first, last) of the text
+  const char* first;   // the remaining characters, digits or not: [first, last) of the text
   const char* last;
 };
 
-// Reads a '-' or '+' in front, then the radix: a last b, o or h of either case, or a leading 0x or
-// 0X, which makes a last b a digit; else 10. The text is borrowed.
+// Splits a number text. A '-' or '+' at the start is the sign. A last character b, o or h of either
+// case is the radix, and so is 0x or 0X at the start, after which a last b is a digit; without
+// either the radix is 10. The result points into the text.
 NumberText scanNumberText(const char* text) noexcept;
 
-// Reads a number. It has no failure: a character that is no digit of the radix is passed over, and
-// what has no digits, the empty text and a lone sign too, is 0. The value may be an empty holder.
-// It is assigned 0 first; the capacity of the result is a multiple of 32 words that holds it, and
-// not below what the value had with the wide kernel. Throws std::bad_alloc alone. Quadratic time
-// with the plain kernel, that of a product with the wide one, but for a factor of the length's
-// logarithm.
+// Reads a number text into value, which may be an empty holder. Reading cannot fail: characters
+// that are not digits of the radix are skipped, and a text without digits is 0. value is assigned 0
+// first. The capacity of the result is a multiple of 32 words that holds it and depends on the
+// kernel. Throws std::bad_alloc. Quadratic time with the plain kernel.
 void FromText(QLInteger& value, const char* text);
 
-// The number that FromText reads, as a fresh value.
+// Returns the number that FromText reads, as a fresh value.
 QLInteger parseInteger(const char* text);
 
-// Writes the number text, without leading zeros, of the radix 2 to 16. Gives the characters written
-// with the terminator, or `size` when the buffer is too small: it never uses the buffer's last
-// byte, so a text of L characters needs L + 2. The buffer then holds no usable text. Any other
-// radix gives `size` and an empty text, if there is a byte for it. A division for each digit with
-// the plain kernel. Throws std::bad_alloc.
+// Writes the number text of the radix, without leading zeros. The last byte of the buffer is never
+// used, so a text of L characters needs a size of L + 2, at most 2^31.
+// Returns the characters written with the terminator, which is below `size`. Returns `size` if the
+// buffer is too small; its content is then no usable text. Returns `size`, with an empty text if
+// there is a byte for it, if the radix is not 2 to 16. Throws std::bad_alloc. It takes one division
+// for each digit with the plain kernel.
 std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size, std::uint32_t radix);
 
-// Returns the text of ToText, in radix 2 to 16; an empty text for any other radix. Throws
-// std::bad_alloc when memory is short or the text would be longer than signed 32 bits count. It is
-// a template so that the library itself needs nothing of std::string.
+// Returns the text of ToText; an empty text if the radix is not 2 to 16. Throws std::bad_alloc if
+// memory runs out or the value has more than 2^31 - 6 bits, since ToText could not count them. It
+// is a template so that the library itself contains no std::string code.
 template <class Text = std::string>
 Text toString(const QLInteger& value, std::uint32_t radix = 10) {
-  // In radix 2 each bit is a digit; then a sign, a mark, the terminator and the byte that ToText
-  // leaves unused.
+  // In radix 2 each bit is a digit. A sign, a mark, the terminator and the byte that ToText leaves
+  // unused come to them.
   if (value.BitLength() > INT32_MAX - 5) throw std::bad_alloc();
   const std::uint32_t size = value.BitLength() + 5;
   const auto buffer = std::make_unique<char[]>(size);
@@ -61,7 +63,8 @@ Text toString(const QLInteger& value, std::uint32_t radix = 10) {
   return Text(buffer.get());
 }
 
-// Writes the text of ToText: in radix 16 or 8 where the stream is set to it, else in radix 10.
+// Writes the text of ToText: in radix 16 or 8 if the stream is set to it, else in radix 10. A
+// template for the same reason.
 template <class Traits>
 std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& out,
                                              const QLInteger& value) {
@@ -70,23 +73,26 @@ std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& o
   return out << toString(value, base == Stream::hex ? 16 : base == Stream::oct ? 8 : 10);
 }
 
-// Reads hexadecimal digits of either case, passing over all else, into bytes: the first digit is
-// the high half of byte 0. Zeroes all `size` bytes first. Gives the number of bytes completed; an
-// odd last digit stays in the high half of the next. If half the text's length, rounded up, is
-// above `size`, gives that and writes nothing.
+// Reads hexadecimal digits of either case into bytes, skipping all other characters. The first
+// digit of a pair is the high half of its byte, and the first pair is byte 0. All `size` bytes are
+// zeroed first. Returns the number of completed bytes; the next byte holds an odd last digit in its
+// high half. If half the length of the text, rounded up, is above `size`, writes nothing and
+// returns that half, at most 2^31 - 1.
 std::int32_t HexToBytes(std::uint8_t* buffer, std::uint32_t size, const char* text) noexcept;
 
-// Writes two upper-case digits a byte and a terminator; gives the size used, 2 * length + 1. If
-// that is above `size`, gives it and writes nothing.
+// Writes two upper-case digits for each byte, the high half first, and a terminator. Returns the
+// size used, 2 * length + 1. If that is above `size`, writes nothing and returns it, at most
+// 2^32 - 1.
 std::uint32_t BytesToHex(char* buffer, std::uint32_t size, const std::uint8_t* bytes,
                          std::uint32_t length) noexcept;
 
-// The value of a digit of either case, -1 for any other character or a value not below the radix.
+// Returns the index of the character in DigitTable, in either case; -1 for any other character, and
+// for an index at or above the radix.
 std::int32_t DigitValue(char character) noexcept;
 std::int32_t DigitValue(char character, std::int32_t radix) noexcept;
 
-// Stores the character at `index`, unless that is at or above size - 1, compared as signed numbers:
-// then it gives false and writes nothing.
+// Stores the character at buffer[index] and returns true. If the index is at or above size - 1, as
+// signed numbers, writes nothing and returns false. The index is not below 0.
 bool PutChar(char character, std::int32_t index, char* buffer, std::uint32_t size) noexcept;
 
 }  // namespace ulm::bignum

@@ -1,3 +1,4 @@
+// Storage of words and bits of bytes. The arithmetic on words is the kernel's.
 #include "bignum/words.h"
 
 #include <algorithm>
@@ -5,7 +6,7 @@
 #include <new>
 
 #include "bignum/kernel/kernel.h"
-#include "hostsdk/odrx/alloc.h"
+#include "hostsdk/adapter/alloc.h"
 
 namespace ulm::bignum {
 
@@ -64,8 +65,7 @@ bool EqualWords(const Word* a, const Word* b, std::uint32_t n) noexcept {
 Word* AllocateWords(std::uint32_t n) {
   const std::size_t count = n;
   if (count > SIZE_MAX / sizeof(Word)) throw std::bad_alloc();
-  // The runtime's allocator is called itself: whatever new-handler a process has, null means here
-  // what it says.
+  // This is not operator new: a new-handler that a process has installed must not run here.
   auto* words = static_cast<Word*>(odrxAlloc(count * sizeof(Word)));
   if (words == nullptr) throw std::bad_alloc();
   std::fill_n(words, count, Word{0});

@@ -1,20 +1,19 @@
-// `ulmira clip`: polygons and segments against the view volume.
+// `ulmira clip`: clips polygons and segments against the view volume.
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "clip/growable/polygon_array.h"
-#include "clip/segment.h"
 #include "clip/vertex.h"
 #include "command/clip_document.h"
+#include "command/clip_picture.h"
 #include "command/clip_shapes.h"
 #include "command/commands.h"
 #include "command/support/file_batch.h"
-#include "command/support/program.h"
 #include "command/support/streams.h"
 
 namespace ulm::tools {
@@ -24,7 +23,7 @@ constexpr std::uint32_t kRectangle =
     clip::ClipXMin | clip::ClipXMax | clip::ClipYMin | clip::ClipYMax;
 constexpr std::uint32_t kVolume = kRectangle | clip::ClipZMin | clip::ClipZMax;
 
-constexpr std::uint64_t kMostInputBytes = 1u << 28;
+constexpr std::uint64_t kMaxInputBytes = 1u << 28;
 
 struct ClipOptions {
   std::string input = "-";
@@ -38,6 +37,7 @@ struct ClipOptions {
   bool segments = false;
 };
 
+// Returns the bit of a plane. Throws a usage error for an unknown name.
 std::uint32_t planeNamed(std::string name) {
   constexpr std::pair<const char*, std::uint32_t> kPlanes[] = {
       {"xmin", clip::ClipXMin}, {"xmax", clip::ClipXMax}, {"ymin", clip::ClipYMin},
@@ -79,7 +79,7 @@ void run(const ClipOptions& options, const std::string& text) {
 
 void runCommand(const ClipOptions& options) {
   Input input(options.input);
-  const std::string text = input.readAll(kMostInputBytes);
+  const std::string text = input.readAll(kMaxInputBytes);
   try {
     options.inFloat ? run<float>(options, text) : run<double>(options, text);
   } catch (const ClipInputError& error) {
@@ -94,7 +94,7 @@ void addClipCommand(CLI::App& app, int& /*status*/) {
   const auto options = std::make_shared<ClipOptions>();
   CLI::App* const command =
       app.add_subcommand("clip", "Clip polygons and segments against the view volume");
-  command->add_option("file", options->input, "JSON or plain text; standard input without it");
+  command->add_option("file", options->input, "JSON or plain text; without it, standard input");
   command->add_flag("--rectangle", options->rectangle, "Clip in x and y only");
   command->add_flag("--float", options->inFloat, "Compute in 32 bits instead of 64");
   const auto readPlanes = [options](const std::vector<std::string>& names) {
@@ -103,20 +103,21 @@ void addClipCommand(CLI::App& app, int& /*status*/) {
   };
   CLI::Option* const planes = command->add_option_function<std::vector<std::string>>(
       "--planes", readPlanes, "Only these planes, of xmin, xmax, ymin, ymax, zmin, zmax");
-  // One text after the option: what follows is the file.
+  // The option takes one text of names. The next argument is the file.
   planes->type_name("PLANE,...")->type_size(1)->expected(1)->delimiter(',')->take_all();
   planes->allow_extra_args(false);
-  command->add_flag("--segments", options->segments, "Plain text without headings holds segments");
+  command->add_flag("--segments", options->segments,
+                    "Plain text without headings contains segments");
   CLI::Option* const json =
-      command->add_flag("--json", options->json, "Write JSON; without it the input's form");
-  command->add_flag("--text", options->text, "Write plain text; without it the input's form")
+      command->add_flag("--json", options->json, "Write JSON; without it, the form of the input");
+  command->add_flag("--text", options->text, "Write plain text; without it, the form of the input")
       ->excludes(json);
   command->add_option("-o,--output", options->output, "Write to this file");
-  command->add_option("--svg", options->svg, "Draw before and after into this file");
+  command->add_option("--svg", options->svg, "Write a picture of before and after to this file");
   command->callback([options, planes] {
     if (options->rectangle && planes->count() == 0) options->mask = kRectangle;
     if (options->rectangle && (options->mask & ~kRectangle) != 0) {
-      throw CLI::ValidationError("--planes", "--rectangle leaves out zmin and zmax");
+      throw CLI::ValidationError("--planes", "--rectangle excludes zmin and zmax");
     }
     runCommand(*options);
   });

@@ -1,41 +1,39 @@
+#include "command/clip_picture.h"
+
 #include <algorithm>
-#include <charconv>
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <optional>
 
 #include "clip/vertex.h"
-#include "command/clip_document.h"
 #include "command/clip_shapes.h"
 
 namespace ulm::tools {
 namespace {
 
-// What lies further out than this, from the middle, is cut off; the visible part ends at 1.6.
+// Shapes are cut off at this distance from the centre. The visible part ends at 1.6.
 constexpr double kFrame = 4;
 constexpr std::uint32_t kFrameMask =
     clip::ClipXMin | clip::ClipXMax | clip::ClipYMin | clip::ClipYMax;
 
-void addNumber(std::string& out, double value) {
-  char digits[32];
-  const auto written = std::to_chars(digits, digits + sizeof digits, value);
-  out.append(digits, written.ptr);
-}
-
-// The points of a shape in the picture, each as (x, y, 0, kFrame); nothing where it has none.
+// Returns the points of a shape in the picture, each as (x, y, 0, kFrame), or nothing if the shape
+// cannot be drawn.
 template <class Real>
 std::optional<ClipPoints<double>> pictureOf(const ClipPoints<Real>& points, bool polygon) {
   ClipPoints<double> picture;
-  bool within = true;
+  bool insideFrame = true;
   for (const auto& [x, y, z, w] : points) {
     const double across = static_cast<double>(x) / static_cast<double>(w);
     const double up = static_cast<double>(y) / static_cast<double>(w);
     if (!(w > 0) || !std::isfinite(across) || !std::isfinite(up)) return std::nullopt;
-    within = within && std::abs(across) <= kFrame && std::abs(up) <= kFrame;
+    insideFrame = insideFrame && std::abs(across) <= kFrame && std::abs(up) <= kFrame;
     picture.push_back({across, up, 0, kFrame});
   }
-  if (within) return picture;
+  if (insideFrame) return picture;
   std::optional<ClipPoints<double>> cut =
       polygon ? clipPolygon(picture, kFrameMask) : clipSegment(picture, kFrameMask);
-  // Differences of huge coordinates overflow.
+  // The clipper computes differences, which overflow for huge coordinates.
   const auto isFinite = [](const std::array<double, 4>& k) {
     return std::isfinite(k[0]) && std::isfinite(k[1]);
   };
@@ -56,9 +54,9 @@ void addShapes(std::string& out, const std::optional<ClipShapes<Real>>& shapes, 
     out += "\" points=\"";
     for (const auto& [x, y, z, w] : *picture) {
       if (out.back() != '"') out += ' ';
-      addNumber(out, x);
+      appendNumber(out, x);
       out += ',';
-      addNumber(out, y);
+      appendNumber(out, y);
     }
     out += "\"/>\n";
   }
@@ -68,8 +66,8 @@ void addShapes(std::string& out, const std::optional<ClipShapes<Real>>& shapes, 
 
 template <class Real>
 std::string writeClipSvg(const ClipDocument<Real>& before, const ClipDocument<Real>& after) {
-  // Strokes and dashes are in the units of the picture, 200 pixels each: renderers know no others
-  // for certain.
+  // Widths of strokes and dashes are in units of the picture, which are 200 pixels. Not every
+  // renderer supports widths in pixels.
   std::string out =
       "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"640\" height=\"640\" "
       "viewBox=\"-1.6 -1.6 3.2 3.2\">\n"

@@ -16,7 +16,7 @@ std::optional<ClipPoints<Real>> clipPolygon(const ClipPoints<Real>& points, std:
     const auto& [x, y, z, w] = points[i];
     clip::BasicClipVertex<Real>& vertex = polygon.vertexForWrite(i);
     vertex = {x, y, z, w, 0};
-    vertex.outcode = clip::computeOutcode(vertex) & mask;  // so that no other plane is run
+    vertex.outcode = clip::computeOutcode(vertex) & mask;  // the clipper skips planes without a bit
   }
   if (!clip::clipPolygonArrayInPlace(polygon)) return std::nullopt;
   ClipPoints<Real> clipped;

@@ -1,4 +1,4 @@
-// The clipper at work on the shapes of a document.
+// Clips the shapes of a document.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,12 @@
 
 namespace ulm::tools {
 
-// What the planes of `mask` (bits of clip::ClipPlaneBit) leave of a polygon; nothing where it is
-// gone. Its vertices get outcodes of these planes alone.
+// Clips a polygon by the planes of `mask`, bits of clip::ClipPlaneBit. Returns nothing if no part
+// is left. Throws std::runtime_error for more vertices than the clipper can count.
 template <class Real>
 std::optional<ClipPoints<Real>> clipPolygon(const ClipPoints<Real>& points, std::uint32_t mask);
 
-// The same for a segment, of two points.
+// Clips a segment in the same way. `points` must have two elements.
 template <class Real>
 std::optional<ClipPoints<Real>> clipSegment(const ClipPoints<Real>& points, std::uint32_t mask);
 

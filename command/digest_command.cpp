@@ -11,30 +11,31 @@
 #include <string>
 #include <vector>
 
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/text.h"
 #include "command/commands.h"
 #include "command/support/program.h"
 #include "command/support/streams.h"
+#include "command/support/text.h"
 
 namespace ulm::tools {
 namespace {
 
 constexpr std::size_t kReadSize = 1 << 20;
-constexpr std::uint64_t kLargeSize = 32u << 20;  // from here on people are told how far it is
+constexpr std::uint64_t kMinProgressSize = 32u << 20;  // smaller files have no progress line
 constexpr std::size_t kHexDigits = 40;
-constexpr std::size_t kMostLineBytes = 1 << 20;  // of a list; a file's name is far shorter
+constexpr std::size_t kMaxLineBytes = 1 << 20;  // of a list; file names are far shorter
 
 using Digester = std::unique_ptr<bignum::QLMessageDigest>;
 
 Digester makeDigester(const std::string& hash) {
-  Digester made(hash == "sha1" ? bignum::CreateSHA1() : bignum::CreateSHA0());
-  if (made == nullptr) throw std::bad_alloc();
-  return made;
+  Digester digester(hash == "sha1" ? bignum::CreateSHA1() : bignum::CreateSHA0());
+  if (digester == nullptr) throw std::bad_alloc();
+  return digester;
 }
 
-// A line on the error stream, if that is a terminal, which comes and goes while a large file is
-// read.
+// Shows a progress line on the error stream while a large file is read, if that stream is a
+// terminal. The destructor removes the line.
 class Progress {
  public:
   explicit Progress(const Input& input)
@@ -49,15 +50,15 @@ class Progress {
 
   void add(std::size_t bytes) {
     done_ += bytes;
-    if (!onTerminal_ || std::max(size_, done_) < kLargeSize) return;
-    const auto now = std::chrono::steady_clock::now();
-    if (shown_ && now - last_ < std::chrono::milliseconds(200)) return;
-    last_ = now;
+    if (!onTerminal_ || std::max(size_, done_) < kMinProgressSize) return;
+    const auto time = std::chrono::steady_clock::now();
+    if (shown_ && time - lastUpdate_ < std::chrono::milliseconds(200)) return;
+    lastUpdate_ = time;
     shown_ = true;
     std::cerr << '\r' << name_ << ": ";
     if (size_ >= done_) {
       std::cerr << done_ * 100 / size_ << " %";
-    } else {  // of a pipe nobody knows the size
+    } else {  // the size of a pipe is unknown
       std::cerr << (done_ >> 20) << " MiB";
     }
     std::cerr << "\x1b[K" << std::flush;
@@ -66,21 +67,21 @@ class Progress {
  private:
   const std::string name_;
   const bool onTerminal_;
-  const std::uint64_t size_;  // 0 where nobody knows it
+  const std::uint64_t size_;  // 0 if it is unknown
   bool shown_ = false;
   std::uint64_t done_ = 0;
-  std::chrono::steady_clock::time_point last_;
+  std::chrono::steady_clock::time_point lastUpdate_;
 };
 
-// The digest of a file, or of standard input for "-", as hexadecimal digits.
+// Returns the digest of a file, or of standard input for "-", as hexadecimal digits.
 std::string digestOf(const std::string& hash, const std::string& name) {
   Input input(name);
   const Digester digester = makeDigester(hash);
   Progress progress(input);
   std::vector<std::uint8_t> bytes(kReadSize);
-  for (bool more = true; more;) {
+  for (bool atEnd = false; !atEnd;) {
     const std::size_t length = input.read(bytes.data(), bytes.size());
-    more = length == bytes.size();
+    atEnd = length < bytes.size();
     digester->Update(bytes.data(), static_cast<std::uint32_t>(length));
     progress.add(length);
   }
@@ -94,10 +95,11 @@ std::string digestOf(const std::string& hash, const std::string& name) {
   return hex;
 }
 
-// The characters that would break a line of checksums, and what stands for each behind a '\'.
+// The characters that would break a line of checksums, each with the letter that follows '\' in its
+// escape.
 constexpr const char* kEscaped[] = {"\\\\", "\nn", "\rr"};
 
-std::string escaped(const std::string& name) {
+std::string escapeName(const std::string& name) {
   std::string text;
   for (const char character : name) {
     const auto found = std::find_if(std::begin(kEscaped), std::end(kEscaped),
@@ -108,7 +110,8 @@ std::string escaped(const std::string& name) {
   return text;
 }
 
-std::optional<std::string> unescaped(const std::string& text) {
+// Returns nothing if the text is not a valid escaped name.
+std::optional<std::string> unescapeName(const std::string& text) {
   std::string name;
   for (auto next = text.begin(); next != text.end(); ++next) {
     if (*next != '\\') {
@@ -124,10 +127,11 @@ std::optional<std::string> unescaped(const std::string& text) {
   return name;
 }
 
-// As it stands in a line: a '\' in front of all tells that the name is escaped.
-std::string lineOf(const std::string& lead, const std::string& name, const std::string& tail) {
-  const std::string text = escaped(name);
-  return (text == name ? "" : "\\") + lead + text + tail + '\n';
+// Returns a line with a file name between two texts. A '\' at the start of the line marks an
+// escaped name.
+std::string lineOf(const std::string& before, const std::string& name, const std::string& after) {
+  const std::string text = escapeName(name);
+  return (text == name ? "" : "\\") + before + text + after + '\n';
 }
 
 struct Checksum {
@@ -135,37 +139,39 @@ struct Checksum {
   std::string name;
 };
 
+// Parses a line of a list. Returns nothing if it is improperly formatted.
 std::optional<Checksum> parseChecksum(std::string line) {
   const bool nameEscaped = !line.empty() && line.front() == '\\';
   if (nameEscaped) line.erase(0, 1);
   if (line.size() <= kHexDigits + 2) return std::nullopt;
-  Checksum read{line.substr(0, kHexDigits), line.substr(kHexDigits + 2)};
-  for (char& digit : read.hex) {
+  Checksum checksum{line.substr(0, kHexDigits), line.substr(kHexDigits + 2)};
+  for (char& digit : checksum.hex) {
     if (bignum::DigitValue(digit, 16) < 0) return std::nullopt;
     if (digit >= 'A' && digit <= 'F') digit = static_cast<char>(digit - 'A' + 'a');
   }
   if (line[kHexDigits] != ' ') return std::nullopt;
   if (line[kHexDigits + 1] != ' ' && line[kHexDigits + 1] != '*') return std::nullopt;
   if (nameEscaped) {
-    const std::optional<std::string> name = unescaped(read.name);
+    const std::optional<std::string> name = unescapeName(checksum.name);
     if (!name) return std::nullopt;
-    read.name = *name;
+    checksum.name = *name;
   }
-  return read;
+  return checksum;
 }
 
-void complain(const std::string& message) { printMessage("digest", message); }
+void printWarning(const std::string& message) { printMessage("digest", message); }
 
-void warnOfCount(std::size_t count, const char* one, const char* many) {
+void warnOfCount(std::size_t count, const char* singular, const char* plural) {
   if (count == 0) return;
-  complain("WARNING: " + std::to_string(count) + ' ' + (count == 1 ? one : many));
+  printWarning("WARNING: " + std::to_string(count) + ' ' + (count == 1 ? singular : plural));
 }
 
-// Whether each file of a list of checksums is there and has its checksum.
+// Checks the files of a list of checksums and prints a line for each. Returns true if all could be
+// read and have their checksums.
 bool checkList(const std::string& hash, const std::string& listName) {
   Input list(listName);
   std::size_t proper = 0, improper = 0, unread = 0, different = 0;
-  for (std::string line; list.readLine(line, kMostLineBytes);) {
+  for (std::string line; list.readLine(line, kMaxLineBytes);) {
     if (line.empty() || line.front() == '#') continue;
     const std::optional<Checksum> checksum = parseChecksum(line);
     if (!checksum) {
@@ -180,7 +186,7 @@ bool checkList(const std::string& hash, const std::string& listName) {
         ++different;
       }
     } catch (const std::runtime_error& error) {
-      complain(error.what());
+      printWarning(error.what());
       verdict = ": FAILED open or read";
       ++unread;
     }
@@ -194,7 +200,7 @@ bool checkList(const std::string& hash, const std::string& listName) {
   return unread == 0 && different == 0;
 }
 
-// Goes on to the next file where one cannot be read, and gives the exit code.
+// Prints or checks the digests. Continues after a file that cannot be read. Returns the exit code.
 int digestFiles(const std::string& hash, bool check, const std::vector<std::string>& names) {
   int status = 0;
   for (const std::string& name : names) {
@@ -205,7 +211,7 @@ int digestFiles(const std::string& hash, bool check, const std::vector<std::stri
         status = 1;
       }
     } catch (const std::runtime_error& error) {
-      complain(error.what());
+      printWarning(error.what());
       status = 1;
     }
   }
@@ -215,21 +221,21 @@ int digestFiles(const std::string& hash, bool check, const std::vector<std::stri
 }  // namespace
 
 void addDigestCommand(CLI::App& app, int& status) {
-  struct Arguments {
+  struct DigestArguments {
     std::string hash;
     bool check = false;
     std::vector<std::string> files;
   };
-  const auto given = std::make_shared<Arguments>();
-  CLI::App* digest = app.add_subcommand("digest", "Checksums of files, written and checked");
-  digest->add_option("HASH", given->hash, "sha1, or sha0 for the first SHA")
+  const auto arguments = std::make_shared<DigestArguments>();
+  CLI::App* digest = app.add_subcommand("digest", "Print and check checksums of files");
+  digest->add_option("HASH", arguments->hash, "sha1, or sha0 for the first version of SHA")
       ->required()
       ->check(CLI::IsMember({"sha1", "sha0"}));
-  digest->add_option("FILE", given->files, "Files; none, or -, is standard input");
-  digest->add_flag("-c,--check", given->check, "Read checksums from the files and check them");
-  digest->callback([given, &status] {
-    if (given->files.empty()) given->files.emplace_back("-");
-    status = digestFiles(given->hash, given->check, given->files);
+  digest->add_option("FILE", arguments->files, "Files; - or no argument reads standard input");
+  digest->add_flag("-c,--check", arguments->check, "Read checksums from the files and check them");
+  digest->callback([arguments, &status] {
+    if (arguments->files.empty()) arguments->files.emplace_back("-");
+    status = digestFiles(arguments->hash, arguments->check, arguments->files);
   });
 }
 

@@ -1,4 +1,4 @@
-// `ulmira host`: shows one life of the module in a stand-in host process.
+// `ulmira host`: runs the stand-in host process and prints its report about the module.
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iomanip>
@@ -27,13 +27,14 @@ struct HostOptions {
 constexpr const char* kIndent = "  ";
 constexpr int kLabelWidth = 16;
 
+// Starts a line of the report. The value follows on the returned stream.
 std::ostream& label(const char* text) {
   return std::cout << kIndent << std::left << std::setw(kLabelWidth) << text;
 }
 
 void printRecord(const Json& record) {
   if (record.is_null()) {
-    label("identity") << "not published: the host offers no place for it\n";
+    label("identity") << "not published: no library of the host accepts it\n";
     return;
   }
   label("identity") << "published\n";
@@ -56,9 +57,9 @@ void printPath(const std::string& before, const std::string& after) {
 
 void printLoads(const Json& loads) {
   label("modules") << loads.size() << " load calls\n";
-  std::size_t row = 0;
+  std::size_t number = 0;
   for (const Json& load : loads) {
-    std::cout << kIndent << kIndent << std::right << std::setw(2) << ++row << "  " << std::left
+    std::cout << kIndent << kIndent << std::right << std::setw(2) << ++number << "  " << std::left
               << std::setw(4) << load["engine"].get_ref<const std::string&>() << ' '
               << load["file"].get_ref<const std::string&>() << "  (" << load["number"].get<int>()
               << ")\n";
@@ -67,7 +68,7 @@ void printLoads(const Json& loads) {
 
 void printReport(const Json& report) {
   const Json& version = report["apiVersion"];
-  std::cout << "Taken up\n";
+  std::cout << "Loaded\n";
   label("API version") << version[0] << '.' << version[1] << '.' << version[2] << '.' << version[3]
                        << '\n';
   label("module path") << report["modulePath"].get_ref<const std::string&>() << '\n';
@@ -77,35 +78,36 @@ void printReport(const Json& report) {
                      << '\n';
   printPath(report["pathBefore"], report["pathAfter"]);
   printLoads(report["loads"]);
-  label("initApp gave") << (report["started"].get<bool>() ? "true" : "false") << '\n';
+  label("initApp result") << (report["started"].get<bool>() ? "true" : "false") << '\n';
   std::cout << "Stopped and unloaded\n";
   label("references");
-  if (report["unbalanced"].empty()) std::cout << "all came back";
+  if (report["unbalanced"].empty()) std::cout << "all released";
   for (const Json& name : report["unbalanced"]) {
-    std::cout << name.get_ref<const std::string&>() << " did not come back; ";
+    std::cout << name.get_ref<const std::string&>() << " not released; ";
   }
   std::cout << '\n';
 }
 
-// The neighbours of this program: beside it, or where an installation keeps them.
-std::filesystem::path findNeighbour(const std::string& name) {
+// Returns the path of a file that belongs to this program: in the same folder, or in the folder of
+// an installation.
+std::filesystem::path findCompanion(const std::string& name) {
   const std::filesystem::path folder = programFolder();
   const std::filesystem::path installed = folder / ULMIRA_LIBRARY_FOLDER / name;
   return exists(folder / name) || !exists(installed) ? folder / name : installed;
 }
 
 int runHost(const HostOptions& options) {
-  // A file is the user's, from the folder they are in, and never searched for.
+  // The user's file name is relative to the current folder. It is not searched for.
   const std::filesystem::path module = options.module.empty()
-                                           ? findNeighbour(ULMIRA_MODULE)
+                                           ? findCompanion(ULMIRA_MODULE)
                                            : std::filesystem::absolute(fileNamed(options.module));
   std::vector<std::string> arguments{"--module=" + textOf(module)};
   for (const std::string& name : options.without) arguments.push_back("--without=" + name);
-  const ProcessResult result = runProcess(findNeighbour(ULMIRA_HOST), arguments);
+  const ProcessResult result = runProcess(findCompanion(ULMIRA_HOST), arguments);
   if (!result.ending.empty()) {
     throw std::runtime_error("the host process failed: " + result.ending);
   }
-  if (result.exitCode != 0) return 1;  // the host process has said why
+  if (result.exitCode != 0) return 1;  // the host process printed the reason
   const Json report = Json::parse(result.output, nullptr, false);
   if (!report.is_object()) throw std::runtime_error("the host process ended without a report");
   if (options.json) {
@@ -121,11 +123,12 @@ int runHost(const HostOptions& options) {
 void addHostCommand(CLI::App& app, int& status) {
   const auto options = std::make_shared<HostOptions>();
   CLI::App* command =
-      app.add_subcommand("host", "Start a stand-in host with ULM_Main and report every effect");
-  command->add_option("--module", options->module, "The library to take up (the built ULM_Main)");
+      app.add_subcommand("host", "Load ULM_Main into a stand-in host and report every effect");
+  command->add_option("--module", options->module,
+                      "The library to load; without it, the built ULM_Main");
   command
       ->add_option("--without", options->without,
-                   "Leave a host library out: QlHostApp, qlview, qlsupport, qlhostcmd")
+                   "Run without a host library: QlHostApp, qlview, qlsupport, qlhostcmd")
       ->check(CLI::IsMember({"QlHostApp", "qlview", "qlsupport", "qlhostcmd"}))
       ->take_all()
       ->allow_extra_args(false);

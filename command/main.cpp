@@ -1,4 +1,4 @@
-// The `ulmira` command: a way into the system for people at a terminal.
+// The `ulmira` command: the module and the libraries for users at a terminal.
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
@@ -8,32 +8,25 @@
 #include "command/commands.h"
 #include "command/support/program.h"
 #include "command/support/streams.h"
-#include "module/product_version.h"
-
-#define ULM_TEXT_OF(number) #number
-#define ULM_VERSION_TEXT(a, b, c, d) \
-  ULM_TEXT_OF(a) "." ULM_TEXT_OF(b) "." ULM_TEXT_OF(c) "." ULM_TEXT_OF(d)
 
 namespace {
 
 constexpr int kUsageError = 2;
 
-// "font subset" for a call of that subcommand; empty where none was read yet.
+// Returns the name of the called subcommand, as "font subset"; empty if none was parsed yet.
 std::string calledSubcommand(const CLI::App& app) {
   std::string names;
-  for (const CLI::App* at = &app; !at->get_subcommands().empty();) {
-    at = at->get_subcommands().front();
-    names += (names.empty() ? "" : " ") + at->get_name();
+  for (const CLI::App* command = &app; !command->get_subcommands().empty();) {
+    command = command->get_subcommands().front();
+    names += (names.empty() ? "" : " ") + command->get_name();
   }
   return names;
 }
 
-// Parsing runs the subcommand that is called.
+// Runs the called subcommand and returns the exit code. Parsing calls its callback.
 int run(CLI::App& app, ulm::tools::ProgramArguments& arguments) {
   int status = 0;
-  app.set_version_flag("--version",
-                       "ulmira " ULM_VERSION_TEXT(ULM_VERSION_MAJOR, ULM_VERSION_MINOR,
-                                                  ULM_VERSION_BUILD, ULM_VERSION_REVISION));
+  app.set_version_flag("--version", "ulmira " ULMIRA_VERSION);
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // "/a/b" is a file on every system
   ulm::tools::addHostCommand(app, status);
@@ -44,8 +37,8 @@ int run(CLI::App& app, ulm::tools::ProgramArguments& arguments) {
   ulm::tools::addFontCommand(app, status);
   try {
     app.parse(arguments.count(), arguments.values());
-  } catch (const CLI::Success& answer) {  // --help and --version
-    app.exit(answer);
+  } catch (const CLI::Success& request) {  // --help and --version
+    app.exit(request);
   } catch (const CLI::ParseError& error) {
     ulm::tools::printMessage(calledSubcommand(app), error.what());
     std::cerr << "Run with --help for more information.\n";
@@ -58,7 +51,7 @@ int run(CLI::App& app, ulm::tools::ProgramArguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Ulmira: the main module's host and the libraries beside it");
+  CLI::App app("Ulmira: a host for the main module, and its libraries");
   try {
     ulm::tools::ProgramArguments arguments(argc, argv);
     return run(app, arguments);

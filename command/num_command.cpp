@@ -26,15 +26,17 @@ using Texts = std::vector<std::string>;
 
 struct Operation {
   std::size_t operands;
-  std::function<Texts(const Operands&, std::uint32_t radix)> run;  // the words of a line
+  std::function<Texts(const Operands&, std::uint32_t radix)> run;  // the words of the result line
 };
 
-const QLInteger& divisorOf(const QLInteger& number) {
+// Returns `number`. Throws if it is 0.
+const QLInteger& checkedDivisor(const QLInteger& number) {
   if (!number.IsNonZero()) throw std::runtime_error("division by zero");
   return number;
 }
 
-const QLInteger& exponentOf(const QLInteger& number) {
+// Returns `number`. Throws if it is negative.
+const QLInteger& checkedExponent(const QLInteger& number) {
   if (number.IsNegative()) throw std::runtime_error("the exponent is negative");
   return number;
 }
@@ -49,33 +51,33 @@ Operation numeric(std::size_t operands, Compute compute) {
 
 QLInteger remainderOf(const Operands& n) {
   QLInteger remainder(n[0]);
-  remainder %= divisorOf(n[1]);
+  remainder %= checkedDivisor(n[1]);
   return remainder;
 }
 
-// The most bits of a power: more takes about a minute, with its text. The plain kernel's time grows
-// with the square of the length.
-constexpr std::uint32_t kMostPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
+// The maximum length of a power in bits. A longer one takes about a minute with its text. The plain
+// kernel converts with a division for each digit, and takes some seconds for its maximum.
+constexpr std::uint32_t kMaxPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
 
 QLInteger powerOf(const Operands& n) {
-  const std::runtime_error tooLong("the power is longer than " + std::to_string(kMostPowerBits) +
+  const std::runtime_error tooLong("the power is longer than " + std::to_string(kMaxPowerBits) +
                                    " bits");
-  const QLInteger& exponent = exponentOf(n[1]);
-  // A factor adds BitLength - 1 bits at the least and BitLength at the most. So what passes here is
-  // at most twice too long, and is measured itself.
+  const QLInteger& exponent = checkedExponent(n[1]);
+  // Each factor adds BitLength - 1 or BitLength bits. A power that passes this test is at most
+  // twice too long, and its length is checked after it is computed.
   const std::uint32_t length = n[0].BitLength();
   if (length > 1 &&
-      exponent * QLInteger::fromUint64(length - 1) >= QLInteger::fromUint64(kMostPowerBits)) {
+      exponent * QLInteger::fromUint64(length - 1) >= QLInteger::fromUint64(kMaxPowerBits)) {
     throw tooLong;
   }
   QLInteger power = Pow(n[0], exponent);
-  if (power.BitLength() > kMostPowerBits) throw tooLong;
+  if (power.BitLength() > kMaxPowerBits) throw tooLong;
   return power;
 }
 
 QLInteger modularPower(const Operands& n) {
   QLInteger result;
-  ModPow(n[0], exponentOf(n[1]), divisorOf(n[2]), result);
+  ModPow(n[0], checkedExponent(n[1]), checkedDivisor(n[2]), result);
   return result;
 }
 
@@ -85,8 +87,9 @@ QLInteger magnitudeOf(const QLInteger& number) {
   return magnitude;
 }
 
-// The library's divisors take their sign from the remainders, and stop at operands that are not
-// positive. On magnitudes they are true ones, and each factor takes the sign of its operand.
+// The library's function takes the sign of the divisor from the remainders and stops at operands
+// that are not positive. For magnitudes it gives the greatest common divisor. Each factor then gets
+// the sign of its operand.
 Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
   QLInteger g, x, y;
   ExtendedGcd(magnitudeOf(n[0]), magnitudeOf(n[1]), g, x, y);
@@ -98,7 +101,7 @@ Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
 QLInteger commonDivisor(const Operands& n) {
   const QLInteger a = magnitudeOf(n[0]), b = magnitudeOf(n[1]);
   QLInteger divisor;
-  return Gcd(a, b, divisor) ? divisor : a + b;  // one of them is zero, which every number divides
+  return Gcd(a, b, divisor) ? divisor : a + b;  // one of them is 0, which every number divides
 }
 
 QLInteger rootOf(const Operands& n) {
@@ -106,14 +109,14 @@ QLInteger rootOf(const Operands& n) {
   return IntegerSqrt(n[0]);
 }
 
-// With every base in both kinds of round the primes that are bases themselves are recognised.
+// With all bases in both kinds of test, the primes that are bases are recognised too.
 bool passesAllRounds(const QLInteger& number) { return IsProbablePrime(number, 18, 18); }
 
 Texts primality(const Operands& n, std::uint32_t) {
   return {passesAllRounds(n[0]) ? "true" : "false"};
 }
 
-// NextPrime looks at fewer bases, and stops at composites such as 3215031751.
+// NextPrime tests fewer bases and returns some composites, such as 3215031751.
 QLInteger primeFrom(const Operands& n) {
   QLInteger prime;
   NextPrime(n[0], prime);
@@ -126,7 +129,7 @@ const std::map<std::string, Operation>& operations() {
       {"add", numeric(2, [](const Operands& n) { return n[0] + n[1]; })},
       {"sub", numeric(2, [](const Operands& n) { return n[0] - n[1]; })},
       {"mul", numeric(2, [](const Operands& n) { return n[0] * n[1]; })},
-      {"div", numeric(2, [](const Operands& n) { return n[0] / divisorOf(n[1]); })},
+      {"div", numeric(2, [](const Operands& n) { return n[0] / checkedDivisor(n[1]); })},
       {"rem", numeric(2, remainderOf)},
       {"pow", numeric(2, powerOf)},
       {"modpow", numeric(3, modularPower)},
@@ -139,7 +142,8 @@ const std::map<std::string, Operation>& operations() {
   return table;
 }
 
-// The numbers of the command line; a '-' stands for those of standard input, a line each.
+// Reads the numbers of the command line. A '-' is replaced by the numbers of standard input, one a
+// line.
 Operands readNumbers(const Texts& texts) {
   Operands numbers;
   for (const std::string& text : texts) {
@@ -148,7 +152,7 @@ Operands readNumbers(const Texts& texts) {
       continue;
     }
     Input input(text);
-    for (std::string line; input.readLine(line, kMostNumberBytes);) {
+    for (std::string line; input.readLine(line, kMaxNumberBytes);) {
       if (!line.empty()) numbers.push_back(parseNumber(line));
     }
   }
@@ -157,16 +161,17 @@ Operands readNumbers(const Texts& texts) {
 
 void printResults(const std::string& name, std::uint32_t radix, const Texts& texts) {
   const auto found = operations().find(name);
-  if (found == operations().end()) throw CLI::ValidationError("OPERATION", "there is no " + name);
-  const std::size_t taken = found->second.operands;
+  if (found == operations().end())
+    throw CLI::ValidationError("OPERATION", "unknown operation " + name);
+  const std::size_t operandCount = found->second.operands;
   const Operands numbers = readNumbers(texts);
-  if (numbers.empty() || numbers.size() % taken != 0) {
-    throw CLI::ValidationError(name, "takes " + std::to_string(taken) +
-                                         " for each result, and the numbers are " +
+  if (numbers.empty() || numbers.size() % operandCount != 0) {
+    throw CLI::ValidationError(name, "takes " + std::to_string(operandCount) +
+                                         " numbers for each result; the command line has " +
                                          std::to_string(numbers.size()));
   }
   for (auto first = numbers.begin(); first != numbers.end();) {
-    const auto last = first + static_cast<std::ptrdiff_t>(taken);
+    const auto last = first + static_cast<std::ptrdiff_t>(operandCount);
     const Texts words = found->second.run(Operands(first, last), radix);
     for (std::size_t i = 0; i < words.size(); ++i) std::cout << (i == 0 ? "" : " ") << words[i];
     std::cout << '\n';
@@ -174,17 +179,17 @@ void printResults(const std::string& name, std::uint32_t radix, const Texts& tex
   }
 }
 
-// What stands behind the operation. The parser would take a negative number for an option, so it
-// leaves all of this alone, and the few options are told from the numbers here.
-Texts withoutOptions(const Texts& arguments, CLI::Option& radix) {
+// Separates the options after the operation from the numbers. CLI11 would take a negative number
+// for an option, so it leaves these arguments unparsed. Returns the numbers.
+Texts parseOptions(const Texts& arguments, CLI::Option& radix) {
   Texts numbers;
-  bool optionsOver = false;
+  bool optionsEnded = false;
   for (auto next = arguments.begin(); next != arguments.end(); ++next) {
-    if (!optionsOver && *next == "--") {
-      optionsOver = true;
-    } else if (!optionsOver && (*next == "-h" || *next == "--help")) {
+    if (!optionsEnded && *next == "--") {
+      optionsEnded = true;
+    } else if (!optionsEnded && (*next == "-h" || *next == "--help")) {
       throw CLI::CallForHelp();
-    } else if (!optionsOver && (*next == "--radix" || next->rfind("--radix=", 0) == 0)) {
+    } else if (!optionsEnded && (*next == "--radix" || next->rfind("--radix=", 0) == 0)) {
       const bool joined = next->size() > std::strlen("--radix");
       if (!joined && std::next(next) == arguments.end()) {
         throw CLI::ArgumentMismatch::AtLeast("--radix", 1, 0);
@@ -206,14 +211,17 @@ void addNumCommand(CLI::App& app, int& /*status*/) {
   std::string names;
   for (const auto& [name, operation] : operations()) names += ' ' + name;
   num->footer(
-      "Then OPERATION NUMBER..., the operation one of:" + names +
-      "\nNumbers: decimal, 0x1F or 1Fh, 17o, 101b, a sign in front if need be, or after\n"
-      "'--'; '-' reads them from standard input, a line each. More numbers than one result\n"
-      "takes give a line for each group.\n"
-      "gcd gives the greatest common divisor, never negative; egcd the divisor g and factors\n"
-      "x and y with a x + b y = g. isprime gives false for what is certainly no prime, and true\n"
-      "for what passes 18 Fermat and 18 strong tests to fixed bases. nextprime gives the first\n"
-      "number at or above its own that passes the same tests, and 3 for 2.");
+      "The arguments are OPERATION NUMBER..., where OPERATION is one of:" + names +
+      "\nNumbers: decimal, 0x1F or 1Fh, 17o, 101b, with an optional sign. After '--' no argument\n"
+      "is an option. '-' reads numbers from standard input, one a line. If there are more numbers\n"
+      "than one result needs, each group of numbers gives a line.\n"
+      "gcd prints the greatest common divisor, which is never negative; egcd prints that divisor "
+      "g\n"
+      "and factors x and y with a x + b y = g. isprime prints false for a number that is "
+      "certainly\n"
+      "not prime, and true for one that passes 18 Fermat and 18 strong tests to fixed bases.\n"
+      "nextprime prints the first number at or above its operand that passes the same tests, and\n"
+      "3 for 2.");
   const auto radix = std::make_shared<std::uint32_t>(10);
   CLI::Option* radixOption =
       num->add_option("--radix", *radix, "Radix of the results")->check(CLI::Range(2, 16));
@@ -223,7 +231,7 @@ void addNumCommand(CLI::App& app, int& /*status*/) {
     if (arguments.empty()) throw CLI::RequiredError("OPERATION");
     const std::string name = arguments.front();
     arguments.erase(arguments.begin());
-    const Texts numbers = withoutOptions(arguments, *radixOption);
+    const Texts numbers = parseOptions(arguments, *radixOption);
     printResults(name, *radix, numbers);
   });
 }

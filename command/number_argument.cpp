@@ -3,18 +3,18 @@
 #include <stdexcept>
 
 #include "bignum/text.h"
-#include "command/support/streams.h"
+#include "command/support/text.h"
 
 namespace ulm::tools {
-// FromText passes over what is no digit; a user's slip is not to go by unseen.
+
 bignum::QLInteger parseNumber(const std::string& text) {
   if (text.find('\0') != std::string::npos) throw std::runtime_error("a zero byte in a number");
   const bignum::NumberText scanned = bignum::scanNumberText(text.c_str());
-  for (const char* next = scanned.first; next != scanned.last; ++next) {
-    if (bignum::DigitValue(*next, scanned.radix) < 0) {
-      throw std::runtime_error("'" + printable(std::string(1, *next)) + "' at position " +
-                               std::to_string(next - text.c_str() + 1) + " of \"" +
-                               printable(text) + "\" is no digit of radix " +
+  for (const char* digit = scanned.first; digit != scanned.last; ++digit) {
+    if (bignum::DigitValue(*digit, scanned.radix) < 0) {
+      throw std::runtime_error("'" + printable(std::string(1, *digit)) + "' at position " +
+                               std::to_string(digit - text.c_str() + 1) + " of \"" +
+                               printable(text) + "\" is not a digit of radix " +
                                std::to_string(scanned.radix));
     }
   }

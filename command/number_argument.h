@@ -1,4 +1,4 @@
-// Numbers on the command line, with a user's slips told.
+// Numbers on the command line.
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,13 @@
 
 namespace ulm::tools {
 
-// The most bytes that a number has in a file or on a line: an input without an end is refused.
-inline constexpr std::size_t kMostNumberBytes = 1 << 24;
+// The maximum length in bytes of a number in a file or on a line, so that an endless input is
+// refused.
+inline constexpr std::size_t kMaxNumberBytes = 1 << 24;
 
-// The number of a text: decimal, 0x1F or 1Fh, 17o, 101b, with a sign in front or none. Throws
-// std::runtime_error with one clear line for a text that is anything else.
+// Returns the number of a text: decimal, 0x1F or 1Fh, 17o, 101b, with or without a sign before it.
+// Throws std::runtime_error for any other text: with the character and its position if one is not a
+// digit, which bignum::parseInteger would skip.
 bignum::QLInteger parseNumber(const std::string& text);
 
 }  // namespace ulm::tools

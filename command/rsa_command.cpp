@@ -23,7 +23,7 @@ namespace {
 using bignum::QLInteger;
 using Bytes = std::vector<std::uint8_t>;
 
-struct Arguments {
+struct RsaArguments {
   std::string operation;
   std::string modulus;
   std::string exponent;
@@ -33,26 +33,26 @@ struct Arguments {
   bool bigEndian = false;
 };
 
-constexpr const char* kSpace = " \t\r\n\v\f";
+constexpr const char* kWhiteSpace = " \t\r\n\v\f";
 
-// A number as text, or in a file whose name follows an '@'.
-QLInteger numberOf(const std::string& argument) {
+// Reads a number from the argument, or from the file whose name follows an '@'.
+QLInteger readNumber(const std::string& argument) {
   if (argument.empty() || argument.front() != '@') return parseNumber(argument);
-  std::string text = Input(argument.substr(1)).readAll(kMostNumberBytes);
-  text.erase(0, std::min(text.find_first_not_of(kSpace), text.size()));
-  text.erase(text.find_last_not_of(kSpace) + 1);
+  std::string text = Input(argument.substr(1)).readAll(kMaxNumberBytes);
+  text.erase(0, std::min(text.find_first_not_of(kWhiteSpace), text.size()));
+  text.erase(text.find_last_not_of(kWhiteSpace) + 1);
   return parseNumber(text);
 }
 
-// The bytes that pairs of hexadecimal digits name, at most `most`; what follows them is not read.
-Bytes readHex(Input& input, std::size_t most) {
+// Reads bytes as pairs of hexadecimal digits. Stops after `maxCount` bytes.
+Bytes readHex(Input& input, std::size_t maxCount) {
   Bytes bytes;
   bool halfByte = false;
-  while (bytes.size() < most) {
-    const std::optional<char> next = input.readByte();
-    if (!next) break;
-    if (*next != '\0' && std::strchr(kSpace, *next) != nullptr) continue;
-    const int digit = bignum::DigitValue(*next, 16);
+  while (bytes.size() < maxCount) {
+    const std::optional<char> character = input.readByte();
+    if (!character) break;
+    if (*character != '\0' && std::strchr(kWhiteSpace, *character) != nullptr) continue;
+    const int digit = bignum::DigitValue(*character, 16);
     if (digit < 0) throw std::runtime_error(input.name() + ": not a hexadecimal digit");
     if (halfByte) {
       bytes.back() = static_cast<std::uint8_t>(bytes.back() << 4 | digit);
@@ -61,16 +61,18 @@ Bytes readHex(Input& input, std::size_t most) {
     }
     halfByte = !halfByte;
   }
-  if (halfByte && bytes.size() < most) {
+  if (halfByte && bytes.size() < maxCount) {
     throw std::runtime_error(input.name() + ": an odd number of hexadecimal digits");
   }
   return bytes;
 }
 
-Bytes readBlock(const Arguments& given, std::size_t size) {
-  Input input(given.file);
+// Reads a block of exactly `size` bytes. It tries to read one more, to refuse a block that is too
+// long.
+Bytes readBlock(const RsaArguments& arguments, std::size_t size) {
+  Input input(arguments.file);
   Bytes block;
-  if (given.hexIn) {
+  if (arguments.hexIn) {
     block = readHex(input, size + 1);
   } else {
     block.resize(size + 1);
@@ -84,7 +86,7 @@ Bytes readBlock(const Arguments& given, std::size_t size) {
   return block;
 }
 
-// The function alone: a block of the same length, with its zero bytes.
+// Applies the RSA function without padding rules. The result has the length of the block.
 Bytes applyTo(const bignum::QLRSAFunction& function, const Bytes& block) {
   Bytes result(block.size());
   ToBytes(function.Apply(bignum::fromBytesLowFirst(block)), result.data(),
@@ -92,14 +94,16 @@ Bytes applyTo(const bignum::QLRSAFunction& function, const Bytes& block) {
   return result;
 }
 
+// Decrypts a block. The result has no zero bytes at its high end.
 Bytes decryptWith(const bignum::QLRSADecryptor& decryptor, const Bytes& block) {
   Bytes result(block.size());
   const std::uint32_t bits = decryptor.Decrypt(result.data(), block.data());
-  result.resize(bits / 8 + (bits % 8 != 0 ? 1 : 0));
+  result.resize(bignum::bytesForBits(bits));
   return result;
 }
 
-void write(const Bytes& block, bool raw) {
+// Prints the block as bytes, or as hexadecimal digits on a line.
+void printBlock(const Bytes& block, bool raw) {
   if (raw) {
     for (const std::uint8_t byte : block) std::cout.put(static_cast<char>(byte));
   } else {
@@ -111,41 +115,41 @@ void write(const Bytes& block, bool raw) {
   }
 }
 
-void run(const Arguments& given) {
-  const QLInteger modulus = numberOf(given.modulus);
-  const QLInteger exponent = numberOf(given.exponent);
+void run(const RsaArguments& arguments) {
+  const QLInteger modulus = readNumber(arguments.modulus);
+  const QLInteger exponent = readNumber(arguments.exponent);
   if (modulus < 2) throw std::runtime_error("the modulus is below 2");
   if (exponent.IsNegative()) throw std::runtime_error("the exponent is negative");
   const bignum::QLRSADecryptor decryptor(modulus, exponent);
-  const std::size_t bits = decryptor.MaxOutputBits();
-  Bytes block = readBlock(given, (bits + 7) / 8);
-  if (given.bigEndian) std::reverse(block.begin(), block.end());
-  block = given.operation == "apply" ? applyTo(decryptor.function, block)
-                                     : decryptWith(decryptor, block);
-  if (given.bigEndian) std::reverse(block.begin(), block.end());
-  write(block, given.rawOut);
+  const std::uint32_t bits = decryptor.MaxOutputBits();
+  Bytes block = readBlock(arguments, bignum::bytesForBits(bits));
+  if (arguments.bigEndian) std::reverse(block.begin(), block.end());
+  block = arguments.operation == "apply" ? applyTo(decryptor.function, block)
+                                         : decryptWith(decryptor, block);
+  if (arguments.bigEndian) std::reverse(block.begin(), block.end());
+  printBlock(block, arguments.rawOut);
 }
 
 }  // namespace
 
 void addRsaCommand(CLI::App& app, int& /*status*/) {
-  const auto given = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<RsaArguments>();
   CLI::App* rsa = app.add_subcommand("rsa", "The RSA operation on one block");
   rsa->footer(
-      "A block has as many bytes as the modulus less 1, the low byte first. apply gives a block\n"
-      "of the same length; decrypt drops the zero bytes at its high end. Numbers: decimal, 0x1F\n"
-      "or 1Fh, 17o, 101b, or @FILE for one in a file.");
-  rsa->add_option("OPERATION", given->operation, "apply or decrypt")
+      "A block has as many bytes as the modulus minus 1, the low byte first. apply prints a block\n"
+      "of the same length; decrypt omits the zero bytes at its high end. Numbers: decimal, 0x1F\n"
+      "or 1Fh, 17o, 101b, or @FILE to read one from a file.");
+  rsa->add_option("OPERATION", arguments->operation, "apply or decrypt")
       ->required()
       ->check(CLI::IsMember({"apply", "decrypt"}));
-  rsa->add_option("FILE", given->file, "The block; none, or -, is standard input");
-  rsa->add_option("--modulus", given->modulus, "The key's modulus")->required();
-  rsa->add_option("--exponent", given->exponent, "The key's exponent")->required();
-  rsa->add_flag("--hex-in", given->hexIn, "The block is given as hexadecimal digits");
-  rsa->add_flag("--raw-out", given->rawOut, "Write bytes instead of hexadecimal digits");
-  rsa->add_flag("--big-endian", given->bigEndian,
+  rsa->add_option("FILE", arguments->file, "The block; - or no argument reads standard input");
+  rsa->add_option("--modulus", arguments->modulus, "The key's modulus")->required();
+  rsa->add_option("--exponent", arguments->exponent, "The key's exponent")->required();
+  rsa->add_flag("--hex-in", arguments->hexIn, "The block consists of hexadecimal digits");
+  rsa->add_flag("--raw-out", arguments->rawOut, "Write bytes instead of hexadecimal digits");
+  rsa->add_flag("--big-endian", arguments->bigEndian,
                 "Blocks have the high byte first, as other tools write them");
-  rsa->callback([given] { run(*given); });
+  rsa->callback([arguments] { run(*arguments); });
 }
 
 }  // namespace ulm::tools

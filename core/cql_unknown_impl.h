@@ -1,20 +1,21 @@
-// The implementation of IQLUnknown for an interface.
+// CQLUnknownImpl: the implementation of IQLUnknown for an interface.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <typeinfo>
 
-#include "core/iface/iql_unknown.h"
-#include "hostsdk/odrx/alloc.h"
+#include "core/type_record.h"
+#include "hostsdk/adapter/alloc.h"
+#include "hostsdk/adapter/interfaces.h"
 
-// Implements IQLUnknown for an interface T (or for IQLUnknown itself). The count is plain and
-// starts at 1, for the creator: an object belongs to one thread at a time. Objects are made with
-// ulm::glue::makeObject and destroy themselves by Release.
+// Implements IQLUnknown for an interface T, or for IQLUnknown itself. The count starts at 1, which
+// is the creator's reference. It is not atomic: one thread at a time uses an object. Create objects
+// with ulm::glue::makeObject. The last Release destroys the object.
 //
-// The table is a contract: the three entries of IQLUnknown, which only forward; the operations of
-// T; the destructor; the bodies of AddRef, Release and QueryInterface. A derived class changes a
-// body, and every caller of the entry gets it.
+// The order of the virtual table is fixed: the three entries of IQLUnknown, which only forward; the
+// operations of T; the destructor; the bodies of AddRef, Release and QueryInterface. A derived
+// class overrides a body, so that every call through an entry reaches the override.
 template <class T>
 class CQLUnknownImpl : public T {
  public:
@@ -40,15 +41,9 @@ class CQLUnknownImpl : public T {
     return left;
   }
 
-  // Knows IQLUnknown and T, both being this object.
+  // Answers for IQLUnknown and T. `outObject` may be null.
   virtual std::int32_t QueryInterfaceBody(const std::type_info& wanted, void** outObject) {
-    const bool known =
-        Iface_SameRecord(wanted, typeid(IQLUnknown)) || Iface_SameRecord(wanted, typeid(T));
-    if (outObject != nullptr) {
-      *outObject = known ? static_cast<T*>(this) : nullptr;
-      if (known) this->AddRef();
-    }
-    return known ? 1 : 0;
+    return ulm::core::answerQuery<T>(this, wanted, outObject);
   }
 
  private:

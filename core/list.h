@@ -1,9 +1,10 @@
-// A list of narrow strings that can be handed across a library boundary: it owns copies of its
-// strings, and the enumerators that it gives out keep it alive.
+// A list of narrow strings that can cross a library boundary. The list owns copies of its strings,
+// and each enumerator keeps its list alive.
 //
-// Nodes and strings come from odrxAlloc and go back there. Counts are plain: a list and its
-// enumerators belong to one thread at a time. Where memory runs out, std::bad_alloc, or null after
-// a new-handler (module/glue/allocation.h), and the list is as it was.
+// Nodes and strings are allocated with odrxAlloc and freed with odrxFree. Counts are not atomic:
+// one thread at a time uses a list and its enumerators. If memory runs out, a function raises
+// std::bad_alloc, or returns null if the process has a new-handler (module/glue/allocation.h); the
+// list is unchanged then.
 #pragma once
 
 #include <cstddef>
@@ -11,34 +12,33 @@
 #include <cstring>
 
 #include "core/cql_unknown_impl.h"
-#include "core/iface/iheap.h"
-#include "core/iface/iql_unknown.h"
-#include "hostsdk/odrx/alloc.h"
-#include "hostsdk/qlcore/services.h"
+#include "hostsdk/adapter/alloc.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/glue/allocation.h"
 
-// The links of a node. The chain is a circle: the tail's next is the head, the head's previous the
-// tail. A walk ends by comparing with the tail.
+// The links of a node. The chain is circular: the tail's next is the head, and the head's previous
+// is the tail. A loop over the nodes ends at the tail.
 struct COListNode {
   COListNode* next;
   COListNode* previous;
 };
 
-// A node: its links, then its value.
+// A node: the links, then the value.
 template <class T>
 struct _CTListPlex : COListNode {
   using Value = T;
   T value;
 };
 
-// The plain list: links nodes and owns nothing.
+// The chain of nodes. It links nodes and owns none of them.
 class COList {
  public:
   COList() noexcept = default;
   COList(const COList&) = delete;
   COList& operator=(const COList&) = delete;
 
-  // Puts a ready node behind the tail; gives it.
+  // Links `node`, which is not null, after the tail and returns it.
   COListNode* AddTail(COListNode* node) noexcept {
     if (tail_ == nullptr) {
       head_ = tail_ = node->next = node->previous = node;
@@ -53,11 +53,12 @@ class COList {
   }
 
   std::uint32_t GetCount() const noexcept { return count_; }
-  COListNode* GetHead() const noexcept { return head_; }  // null when empty
-  COListNode* GetTail() const noexcept { return tail_; }
+  COListNode* GetHead() const noexcept { return head_; }  // null if the list is empty
+  COListNode* GetTail() const noexcept { return tail_; }  // null if the list is empty
 
  protected:
   ~COList() = default;
+  // Makes the list empty without freeing the nodes.
   void forgetNodes() noexcept {
     head_ = tail_ = nullptr;
     count_ = 0;
@@ -69,10 +70,12 @@ class COList {
   COListNode* tail_ = nullptr;
 };
 
-// Adds the heap that the list was told of, and whether it is being taken down.
+// Adds two properties: the heap that the list reports, and whether the list is closing, which means
+// that it accepts no new node. The nodes do not come from the heap: it is only reported.
 template <class Plex>
 class CTList : public COList {
  public:
+  // A null `heap` selects the default heap of the core library.
   explicit CTList(IHeap* heap = nullptr) noexcept
       : heap_(heap != nullptr ? heap : Mem_DefaultHeap(0)) {}
 
@@ -91,7 +94,8 @@ class CTList : public COList {
 template <class T>
 class CTPList;
 
-// Owns its strings.
+// The list of strings: it owns its nodes and a copy of each string, and frees them when it closes.
+// A closed list is empty and stays closed.
 template <>
 class CTPList<const char*> : public CTList<_CTListPlex<const char*>> {
  public:
@@ -102,8 +106,9 @@ class CTPList<const char*> : public CTList<_CTListPlex<const char*>> {
   static void* operator new(std::size_t) = delete;
   static void operator delete(void* memory) noexcept { odrxFree(memory); }
 
-  // Puts a copy of the string behind the tail; gives its node, or null when the list is closing. A
-  // null pointer is kept as one.
+  // Adds a copy of the string after the tail; a null string is stored as null. Returns the new
+  // node, which the list owns. Returns null if the list is closing, and if memory runs out and the
+  // process has a new-handler; raises std::bad_alloc if memory runs out and there is none.
   Node* AddTail(const char* const& value) {
     using ulm::glue::OdrxMemory;
     if (IsClosing()) return nullptr;
@@ -122,7 +127,7 @@ class CTPList<const char*> : public CTList<_CTListPlex<const char*>> {
   }
 
  protected:
-  // Frees all strings and nodes, and refuses new ones for good. Only the first call does anything.
+  // Frees all strings and nodes and closes the list. Further calls do nothing.
   void Close() noexcept {
     if (IsClosing()) return;
     startClosing();
@@ -137,17 +142,18 @@ class CTPList<const char*> : public CTList<_CTListPlex<const char*>> {
   }
 };
 
-// An enumerator over a list, from its head to its tail. It needs no positioning before its first
-// use.
+// An enumerator over a list, from the head to the tail. It starts at the head.
 template <class T>
 class CTEnum : public IQLUnknown {
  public:
-  // Writes up to `count` values to `values`, and how many to *outFetched unless that is null;
-  // non-zero when it wrote any. The strings stay the list's. With null `values` none is fetched.
+  // Fetches up to `count` values.
+  //   values      receives them; null fetches none. The list keeps ownership of the strings
+  //   outFetched  receives the number of values; may be null
+  // Returns 1 if at least one value was fetched, otherwise 0.
   virtual std::int32_t Next(std::uint32_t count, T* values, std::uint32_t* outFetched) = 0;
-  // Steps over up to `count` values; non-zero when one is left behind them.
+  // Skips up to `count` values. Returns 1 if a value remains after them, otherwise 0.
   virtual std::int32_t Skip(std::uint32_t count) = 0;
-  // Goes back to the head.
+  // Returns to the head of the list.
   virtual void Reset() = 0;
 
  protected:
@@ -157,7 +163,7 @@ class CTEnum : public IQLUnknown {
 template <class T, class Argument>
 class _CListEnum;
 
-// A list that is counted and queried like any object. It starts with one reference, its creator's.
+// A list that is also a counted object. It starts with one reference, which is the creator's.
 template <class T, class Argument>
 class CTListEnum : public CTPList<T>, public CQLUnknownImpl<IQLUnknown> {
  public:
@@ -165,27 +171,30 @@ class CTListEnum : public CTPList<T>, public CQLUnknownImpl<IQLUnknown> {
   static void* operator new(std::size_t) = delete;
   static void operator delete(void* memory) noexcept { odrxFree(memory); }
 
-  // A new enumerator with one reference for the caller; null when the list is closing.
+  // Returns a new enumerator with one reference for the caller. Returns null if the list is
+  // closing, and if memory runs out and the process has a new-handler; otherwise raises
+  // std::bad_alloc.
   _CListEnum<T, Argument>* GetEnum() {
     if (this->IsClosing()) return nullptr;
     return _CListEnum<T, Argument>::over(this);
   }
 };
 
-// The enumerator. Each of its references is one of the list's too, so that a list lives as long as
-// any reference to any of its enumerators.
+// The enumerator of a CTListEnum. Each reference to the enumerator also holds one reference to the
+// list, so the list outlives all its enumerators.
 template <class T, class Argument>
 class _CListEnum final : public CQLUnknownImpl<CTEnum<T>> {
  public:
   using List = CTListEnum<T, Argument>;
   using Node = typename List::Node;
 
+  // Creates an enumerator over `list`, which is not null; the result is that of GetEnum.
   static _CListEnum* over(List* list) {
-    auto* made = ulm::glue::makeObject<_CListEnum>();
-    if (made == nullptr) return nullptr;
+    auto* enumerator = ulm::glue::makeObject<_CListEnum>();
+    if (enumerator == nullptr) return nullptr;
     list->AddRef();
-    made->list_ = list;
-    return made;
+    enumerator->list_ = list;
+    return enumerator;
   }
 
   std::int32_t Next(std::uint32_t count, T* values, std::uint32_t* outFetched) override {
@@ -223,7 +232,7 @@ class _CListEnum final : public CQLUnknownImpl<CTEnum<T>> {
   }
 
  private:
-  // Forward by one; behind the tail stands nothing.
+  // Moves to the next node, or to null after the tail.
   void step() noexcept { current_ = current_ == list_->GetTail() ? nullptr : current_->next; }
 
   const COListNode* current_ = nullptr;

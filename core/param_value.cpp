@@ -4,7 +4,7 @@ namespace {
 
 template <class Value>
 void setValue(IParam* param, const char* key, const Value& value) {
-  CQLVariant variant;  // empty from the start, cleared on every way out
+  CQLVariant variant;
   variant = value;
   param->SetValue(key, &variant);
 }

@@ -4,14 +4,13 @@
 #include <cstring>
 #include <type_traits>
 
-#include "core/iface/iparam.h"
-#include "hostsdk/qlcore/strings.h"
-#include "hostsdk/qlcore/variant.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/qlcore.h"
 
 namespace ulm::core {
 
-// The row of a target type in the table of tags: which tags it accepts, and how it takes the value.
-// Nothing is converted across rows.
+// One row of the table that Param_GetValue describes: which tags a target type accepts, and how the
+// value reaches the target. A value is never converted from one row to another.
 template <class Target>
 struct ParamRow;
 
@@ -21,21 +20,21 @@ struct ParamRow<Target> {
   static_assert(std::is_same_v<Target, int> || std::is_same_v<Target, unsigned int> ||
                     std::is_same_v<Target, long> || std::is_same_v<Target, unsigned long> ||
                     std::is_same_v<Target, unsigned short> || std::is_same_v<Target, unsigned char>,
-                "not a target of whole numbers");
+                "this integer type is not a target");
   static bool accepts(QLVariantTag tag) noexcept {
     return tag >= kQLFlag && tag <= kQLUnsignedLong;
   }
-  // A value too large for the target is cut to its low bits.
+  // A value that is too large for the target keeps only its low bits.
   static void take(const CQLVariant& from, Target& to) {
     to = static_cast<Target>(from.value.whole);
   }
 };
 
-// A type that takes one tag and lies in the record as it is.
-template <class Target, QLVariantTag Tag, auto Place>
+// A type that accepts one tag and is copied from one member of the variant's union.
+template <class Target, QLVariantTag Tag, auto Member>
 struct PlainParamRow {
   static bool accepts(QLVariantTag tag) noexcept { return tag == Tag; }
-  static void take(const CQLVariant& from, Target& to) { to = from.value.*Place; }
+  static void take(const CQLVariant& from, Target& to) { to = from.value.*Member; }
 };
 using ParamValues = tagQLVARIANT::Value;
 template <>
@@ -74,23 +73,27 @@ struct ParamRow<CQLVariant> {
 
 }  // namespace ulm::core
 
-// Reads the value under `key` into `target`: 1, or 0 with the target as it was, where `param` is
-// null, the key is not there, or its value has a tag that the target's type does not accept:
+// Reads the value under `key` into `target`. Returns 1. Returns 0 and leaves the target unchanged
+// if `param` is null, if the key is absent, or if the target's type does not accept the value's
+// tag:
 //   int, unsigned int, long, unsigned long, unsigned short, unsigned char   tags 1 to 7
 //   double 8, float 9, CXString 10, tagSIZE 11, tagRSIZE 12, tagPOINT 13, tagRPOINT 14, tagRECT 15,
-//   tagRRECT 16, tagQLBLOB 17 (its bytes stay their owner's)
+//   tagRRECT 16, tagQLBLOB 17 (only the address is copied; the bytes keep their owner)
 //   CQLVariant                                                              every tag
+// `key` may be null, which is an absent key. Text is copied; std::bad_alloc if there is no memory.
 template <class Target>
 int Param_GetValue(IParam* param, const char* key, Target& target) {
   using Row = ulm::core::ParamRow<Target>;
-  CQLVariant value;  // cleared on every way out
+  CQLVariant value;
   if (param == nullptr || param->GetValue(key, &value) == 0) return 0;
   if (!Row::accepts(value.tag)) return 0;
   Row::take(value, target);
   return 1;
 }
 
-// Stores a copy of `value` under `key`. `param` must not be null.
+// Stores a copy of `value` under `key`; text keeps its kind, and a null text is stored as one.
+// `param` must not be null. With a null `key` nothing is stored. std::bad_alloc if there is no
+// memory.
 void Param_SetValue(IParam* param, const char* key, const char* value);
 void Param_SetValue(IParam* param, const char* key, const wchar_t* value);
 void Param_SetValue(IParam* param, const char* key, int value);

@@ -1,7 +1,8 @@
-// The wide string of a string number: each library loads from its own resources.
+// The constructor of CXStringW from a string number. Each library that includes this file gets a
+// definition of its own, because each loads from its own resources.
 #pragma once
 
-#include "hostsdk/qlcore/strings.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/glue/instance.h"
 
 inline CXStringW::CXStringW(UINT number) {

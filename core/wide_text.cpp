@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "hostsdk/qlcore/services.h"
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/qlcore.h"
+#include "hostsdk/adapter/win32.h"
 
 namespace ulm::core {
 

@@ -1,5 +1,5 @@
-// Big integers: a number from text, the first prime above it, and a message raised to a public
-// key's exponent and back.
+// Big integers: reads a number from text, finds the first prime above it, and encrypts and decrypts
+// a message with the exponents of a key pair.
 #include <iostream>
 
 #include "bignum/bytes.h"

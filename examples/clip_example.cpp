@@ -1,4 +1,4 @@
-// Clips a triangle that carries a colour, and shows what is left of it.
+// Clips a triangle with a colour at each vertex, and prints the remaining polygon.
 #include <cstdio>
 #include <vector>
 
@@ -8,7 +8,7 @@
 int main() {
   using namespace ulm::clip;
 
-  // In homogeneous clip space, as a projection leaves it. The corner at x = 3 is outside.
+  // In homogeneous clip space, which is the result of a projection. The corner at x = 3 is outside.
   ClipPolygon triangle{};
   triangle.vertexForWrite(0) = {-0.5, -0.5, 0, 1, 0};
   triangle.vertexForWrite(1) = {3.0, 0.0, 0, 1, 0};
@@ -16,14 +16,14 @@ int main() {
   std::vector<double> red = {0.0, 1.0, 0.5};  // a colour for each vertex
 
   if (!isFinite(triangle)) return 1;
-  computeOutcode(triangle);  // the clipper trusts outcodes, so they are made first
+  computeOutcode(triangle);  // the clipper reads the outcodes, so they are computed first
   ClipTrace<ClipPolygon> trace;
   if (!clipPolygonInPlace(triangle, trace)) {
     std::puts("nothing is left");
     return 0;
   }
 
-  // Each record is one new vertex: its colour is interpolated between its two ends.
+  // Each record is one new vertex: its colour is interpolated between the two ends of its edge.
   const auto sourceCount = static_cast<std::uint32_t>(red.size());
   const auto indexOf = [&](ClipOrigin origin) {
     return origin < kClipRecordOrigin ? origin : origin - kClipRecordOrigin + sourceCount;

@@ -1,4 +1,5 @@
-// A smaller font: the ASCII characters of a font, behind the glyph for missing ones.
+// Makes a smaller font of the ASCII characters of a font. Glyph 0 is the glyph for missing
+// characters.
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -6,8 +7,7 @@
 #include <iterator>
 #include <vector>
 
-#include "truetype/reader/open.h"
-#include "truetype/writer/subset.h"
+#include "truetype/truetype.h"
 
 int main(int argc, char** argv) {
   using namespace ulm::truetype;
@@ -17,11 +17,12 @@ int main(int argc, char** argv) {
   }
   std::ifstream file(argv[1], std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  const std::vector<std::uint8_t> source(bytes.begin(), bytes.end());  // outlives the font
+  const std::vector<std::uint8_t> source(bytes.begin(), bytes.end());  // must outlive the font
   TrueTypeFont* font = nullptr;
-  if (openTrueTypeFont(argv[1], source.data(), static_cast<std::int32_t>(source.size()), 0,
-                       &font) != FontResultOk) {
-    std::cerr << argv[1] << ": cannot be opened\n";
+  const FontResult opened =
+      openTrueTypeFont(argv[1], source.data(), static_cast<std::int32_t>(source.size()), 0, &font);
+  if (opened != FontResultOk) {
+    std::cerr << argv[1] << ": " << resultText(opened) << '\n';
     return 1;
   }
 
@@ -39,7 +40,7 @@ int main(int argc, char** argv) {
                            static_cast<std::int32_t>(glyphs.size()), 0, nullptr, SubsetKeepOS2);
   closeTrueTypeFont(font);
   if (result != WriterResultOk) {
-    std::cerr << argv[1] << ": result " << result << '\n';
+    std::cerr << argv[1] << ": " << resultText(result) << '\n';
     return 1;
   }
   std::ofstream made(argv[2], std::ios::binary);

@@ -1,4 +1,4 @@
-// A TrueType font: its names, and the outline of a character with its advance.
+// Prints the names of a TrueType font, and the outline and advance of a character.
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -6,9 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "truetype/reader/glyphs.h"
-#include "truetype/reader/metrics.h"
-#include "truetype/reader/open.h"
+#include "truetype/truetype.h"
 
 int main(int argc, char** argv) {
   using namespace ulm::truetype;
@@ -18,13 +16,13 @@ int main(int argc, char** argv) {
   }
   std::ifstream file(argv[1], std::ios::binary);
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  const std::vector<std::uint8_t> image(bytes.begin(), bytes.end());  // outlives the font
+  const std::vector<std::uint8_t> image(bytes.begin(), bytes.end());  // must outlive the font
 
   TrueTypeFont* font = nullptr;
   const FontResult result =
       openTrueTypeFont(argv[1], image.data(), static_cast<std::int32_t>(image.size()), 0, &font);
   if (result != FontResultOk) {
-    std::cerr << argv[1] << ": result " << result << '\n';
+    std::cerr << argv[1] << ": " << resultText(result) << '\n';
     return 1;
   }
   std::cout << font->familyName << ' ' << font->subfamilyName << '\n';

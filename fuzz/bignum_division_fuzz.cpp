@@ -1,6 +1,6 @@
-// Division, held to its definition and, where it is there, to GMP. An input is a byte of flags, a
-// byte that says which part of the rest is the dividend, and the bytes of both magnitudes, low
-// first.
+// Checks division against its definition and, if it is available, against GMP. An input is a byte
+// of flags, a byte that determines which part of the rest is the dividend, and the bytes of both
+// magnitudes, low byte first.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,6 @@
-// Any bytes as a polygon: the fixed and the growable clipper must agree, plane after plane, as long
-// as 32 vertices are enough, and stay within their records whatever the coordinates are.
+// Reads any bytes as a polygon. The fixed and the growable clipper must agree after each plane
+// while 32 vertices are enough, and must not access anything outside their records for any
+// coordinates.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -32,7 +33,7 @@ bool same(const ClipPolygon& fixed, ClipPolygonArray& growable) {
 
 }  // namespace
 
-// A byte of mask, a byte of stale count, then the bytes of coordinates.
+// An input is a byte of mask, a byte of stale count, and the bytes of coordinates.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2 || size > 16384) return 0;
   const std::uint32_t mask = data[0];

@@ -1,5 +1,5 @@
-// Open, every reading operation, and a subset, which is opened and read in its turn. The last byte
-// of an input picks the face; the rest is the image, in a heap block of its exact size.
+// Opens a font, calls every reading operation, makes a subset, and opens and reads that too. The
+// last byte of an input selects the face. The rest is the image, in a heap block of its exact size.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto result = ulm::truetype::openTrueTypeFont(
       "dir/name.ttf", image.get(), static_cast<std::int32_t>(imageSize), data[size - 1], &font);
   int wrong = (font != nullptr) == (result == ulm::truetype::FontResultOk) ? 0 : 1;
-  // Few glyphs, so that one that goes up to the bound of work does not make a run long.
+  // Few glyphs, so that a run stays short even if each glyph takes the maximum of work.
   if (font != nullptr) {
     wrong += ulm::test::exerciseFont(font, 16);
     wrong += ulm::test::checkSubset(font, {0, 3, 1, 4, 4, 2, 15, 0xFFFF}, data[size - 1]);

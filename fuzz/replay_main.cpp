@@ -1,4 +1,4 @@
-// Runs a fuzz target on files, and on all files of folders, where no fuzzer drives it.
+// Runs a fuzz target without a fuzzer, on files and on all files of folders.
 #include <cstdint>
 #include <filesystem>
 #include <fstream>

@@ -1,13 +1,13 @@
-// How functions and classes cross the boundary of a library: the one home of these macros.
+// The macros by which functions and classes cross the boundary of a library.
 //
-// A build of library X defines X_EXPORTS. ULM_<LIBRARY>_CLASS marks a class, ULM_<LIBRARY>_API a
-// function under its plain C name.
+// The build of library X defines X_EXPORTS. ULM_<LIBRARY>_CLASS marks a class, ULM_<LIBRARY>_API a
+// function with C linkage.
 #pragma once
 
 #ifdef _WIN32
 #define ULM_EXPORT __declspec(dllexport)
 #define ULM_IMPORT __declspec(dllimport)
-// A member that each library defines for itself: never imported, so it needs no mark.
+// A member that each library defines for itself. It is never imported, so it needs no mark.
 #define ULM_LIBRARY_OWN
 #else
 #define ULM_EXPORT [[gnu::visibility("default")]]
@@ -35,7 +35,7 @@
 #define ULM_HOSTCMD_API extern "C" ULM_IMPORT
 #endif
 
-// On Windows only the additions of standin/win32 carry this mark.
+// On Windows only the functions of standin/win32/stand_in.h have this mark.
 #ifdef ulmwin32_EXPORTS
 #define ULM_WIN32_API extern "C" ULM_EXPORT
 #else

@@ -1,6 +1,7 @@
 #include "module/entry.h"
 
 #include "module/glue/allocation.h"
+#include "module/main_module.h"
 
 void odrxGetAPIVersion(std::uint32_t* major, std::uint32_t* minor, std::uint32_t* majorBuild,
                        std::uint32_t* minorBuild) {

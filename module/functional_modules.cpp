@@ -1,6 +1,6 @@
 #include "module/functional_modules.h"
 
-#include "hostsdk/hostcmd/hostcmd.h"
+#include "hostsdk/adapter/hostcmd.h"
 #include "module/glue/exceptions.h"
 
 bool loadFunctionalModules() {

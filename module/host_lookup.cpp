@@ -3,7 +3,7 @@
 #include <atomic>
 #include <typeinfo>
 
-#include "module/glue/procedure.h"
+#include "module/glue/instance.h"
 
 namespace {
 
@@ -18,11 +18,12 @@ using HostObjectEntry = IHostObject*();
 
 constexpr int kHostObjectSelector = 2;
 
-// Plain pointers in effect: atomic only so that two threads that search at once are well defined.
+// Atomic so that two threads may search at the same time. No order is needed: both store the same
+// value.
 constinit std::atomic<GetAppEntry*> cachedGetApp{nullptr};
 constinit std::atomic<CreateObjectEntry*> cachedCreateObject{nullptr};
 
-// Looks `name` up in `library`, unless that is null, and keeps the answer; gives what is now kept.
+// If `library` is not null, caches its export `name`. Returns the cached entry, which may be null.
 template <class Function>
 Function* lookUp(std::atomic<Function*>& cache, HMODULE library, const char* name) {
   if (library != nullptr)
@@ -30,8 +31,8 @@ Function* lookUp(std::atomic<Function*>& cache, HMODULE library, const char* nam
   return cache.load(std::memory_order_relaxed);
 }
 
-// An export of an instance that a host gave; a null instance has none. The platform would take null
-// for the program.
+// Returns an export of an instance that the host returned. A null instance has no exports; the
+// system would search the program instead.
 template <class Function>
 Function* instanceEntry(HINSTANCE instance, const char* name) {
   return instance != nullptr ? procedure<Function>(instance, name) : nullptr;
@@ -60,7 +61,6 @@ IApp* Host_GetApp() {
     getApp = lookUp(cachedGetApp, GetModuleHandleW(L"QlHostApp.dll"), "GetApp");
   if (getApp != nullptr) return getApp();
   if (InstanceEntry* mainInstance = programInstanceEntry()) {
-    // A program with this export decides the matter: the core library is not asked then.
     getApp = instanceEntry<GetAppEntry>(mainInstance(), "GetApp");
     cachedGetApp.store(getApp, std::memory_order_relaxed);
     return getApp != nullptr ? getApp() : nullptr;

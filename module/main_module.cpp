@@ -1,6 +1,6 @@
 #include "module/main_module.h"
 
-#include "hostsdk/qlcore/services.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/functional_modules.h"
 #include "module/product.h"
 #include "module/product_identity.h"

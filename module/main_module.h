@@ -1,18 +1,19 @@
-// The product's one module object.
+// The module object of the product.
 #pragma once
 
-#include "hostsdk/odrx/rx_object.h"
-#include "hostsdk/odrx/win32_module.h"
+#include "hostsdk/adapter/odrx.h"
 
-// Its start and stop. It has no state: what a start does stands outside it, and nothing here reads
-// whether a start succeeded.
+// The start and the stop of the product. The class has no state: a start changes only the host and
+// the process.
 class ULMMainModule : public OdRxModule {
  public:
-  // Publishes the product's identity, gives the core library the product's .wld file, puts the
-  // library's folder on PATH and hands over the functional modules; gives what the last step gives.
-  // An exception of the first three steps passes on.
+  // Runs the four steps of the start in order: publishes the product's identity, reports the .wld
+  // file to the core library, adds the library's folder to PATH, loads the functional modules.
+  // Returns the result of loadFunctionalModules. An exception of a step passes on, and the later
+  // steps do not run.
   bool initApp() override;
-  void uninitApp() override;  // nothing that the start did is undone
+  // Does nothing: the effects of the start are permanent.
+  void uninitApp() override;
 };
 
 using ULMMainModuleObject = OdRxWin32Module<ULMMainModule, ULMMainModule>;

@@ -1,4 +1,5 @@
-// What the product says of itself, in one place; its version stands in product_version.h.
+// The texts of the product as constants. Texts that the resources show too, and the version, are
+// macros in product_texts.h.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +17,7 @@ inline constexpr wchar_t kWldFile[] = L"Ulmira.wld";
 inline constexpr std::uint16_t kStringLongName = ULM_STRING_LONG_NAME;
 inline constexpr std::uint16_t kStringShortName = ULM_STRING_SHORT_NAME;
 
-// The two strings that go with the record to the application.
+// The two strings that the application receives with the identity record.
 inline constexpr char kVendorString[] = ULM_VENDOR;
 inline constexpr char kProductString[] = "ULM_Main";
 

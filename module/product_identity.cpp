@@ -2,22 +2,19 @@
 
 #include <cstring>
 
-#include "core/iface/app.h"
-#include "core/iface_holder.h"
+#include "core/interface_query.h"
 #include "core/param_value.h"
-#include "core/query_checked.h"
-#include "hostsdk/qlcore/services.h"
+#include "hostsdk/adapter/interfaces.h"
+#include "hostsdk/adapter/qlcore.h"
 #include "module/glue/instance.h"
 #include "module/host_lookup.h"
 #include "module/product.h"
 
 namespace {
 
-using namespace ulm::module;  // the product's texts
-
 constexpr DWORD kNameSize = 260;  // in characters
 
-// A block of the platform's memory, freed on every path.
+// A block of the system's memory. The destructor frees it.
 class GlobalBlock {
  public:
   explicit GlobalBlock(SIZE_T bytes) noexcept : block_(GlobalAlloc(GPTR, bytes)) {}
@@ -32,11 +29,11 @@ class GlobalBlock {
   HGLOBAL block_;
 };
 
-// The product version of the version resource of this library's file, as four dotted numbers; empty
-// where it cannot be read.
+// Returns the product version in the version resource of this library's file, as four numbers with
+// dots between; empty if it cannot be read.
 CXStringW versionText() {
   CXStringW text;
-  wchar_t name[kNameSize + 1] = {};  // a cut name may come without a terminator
+  wchar_t name[kNameSize + 1] = {};  // some systems cut a long name without a terminator
   GetModuleFileNameW(Module_GetInstance(), name, kNameSize);
   DWORD handle = 0;
   const DWORD size = GetFileVersionInfoSizeW(name, &handle);
@@ -47,7 +44,7 @@ CXStringW versionText() {
   void* value = nullptr;
   UINT length = 0;
   if (!VerQueryValueW(block.get(), L"\\", &value, &length)) return text;
-  if (length < sizeof(VS_FIXEDFILEINFO)) return text;  // the fields would be read past the value
+  if (length < sizeof(VS_FIXEDFILEINFO)) return text;  // the value is shorter than its structure
   VS_FIXEDFILEINFO information;
   std::memcpy(&information, value, sizeof information);
   const auto high = [](DWORD pair) { return static_cast<int>(pair >> 16); };
@@ -58,7 +55,8 @@ CXStringW versionText() {
   return text;
 }
 
-// The third of the runs of characters between dots; empty where there are fewer.
+// Returns the third of the parts between dots, where several dots in a row count as one; empty if
+// there are fewer parts.
 CXString buildNumber(const CXString& version) {
   CXString build;
   const char* token = version.text;
@@ -72,6 +70,8 @@ CXString buildNumber(const CXString& version) {
   return build;
 }
 
+// Queries the application for its exterior, which it stores in `exterior`, and that for the product
+// interface; empty if one of them is missing.
 IfaceHolder<IHostProductInfo> findProductInfo(IfaceHolder<IAppExterior>& exterior) {
   {
     const IfaceHolder<IApp> app(Host_GetApp());
@@ -83,20 +83,21 @@ IfaceHolder<IHostProductInfo> findProductInfo(IfaceHolder<IAppExterior>& exterio
 }  // namespace
 
 void publishProductIdentity() {
-  // Held in this order, so that the record is released first and the exterior last.
+  // The order of the holders makes the record the first that is released, and the exterior the
+  // last.
   IfaceHolder<IAppExterior> exterior;
   const IfaceHolder<IHostProductInfo> productInfo = findProductInfo(exterior);
   if (!productInfo) return;
   const IfaceHolder<IParam> record(new_MemParam());
   if (!record) return;
 
-  Param_SetValue(record.get(), "LongName", kLongName);
-  Param_SetValue(record.get(), "ShortName", kShortName);
-  Param_SetValue(record.get(), "DisplayName", kLongName);
+  Param_SetValue(record.get(), "LongName", ulm::module::kLongName);
+  Param_SetValue(record.get(), "ShortName", ulm::module::kShortName);
+  Param_SetValue(record.get(), "DisplayName", ulm::module::kLongName);
   const CXStringW version = versionText();
   Param_SetValue(record.get(), "ProductVersion", version);
   const CXString build = buildNumber(CXString(version.text));
   if (build.GetLength() > 0) Param_SetValue(record.get(), "ProductBuild", build);
-  Param_SetValue(record.get(), "Icon", kIcon);
-  productInfo->publishRecord(kVendorString, kProductString, record.get());
+  Param_SetValue(record.get(), "Icon", ulm::module::kIcon);
+  productInfo->publishRecord(ulm::module::kVendorString, ulm::module::kProductString, record.get());
 }

@@ -1,8 +1,8 @@
-// The resources of the library on systems without resource files: its version and its strings, in
-// the library's own file.
+// The resources of the library on systems without resource files: its version and its strings, as
+// constants in sections of the library.
 #include "hostsdk/win32/resource_block.h"
 #include "module/product.h"
-#include "module/product_version.h"
+#include "module/product_texts.h"
 
 namespace {
 

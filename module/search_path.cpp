@@ -3,8 +3,8 @@
 #include <cwchar>
 #include <string_view>
 
-#include "hostsdk/qlcore/strings.h"
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/qlcore.h"
+#include "hostsdk/adapter/win32.h"
 #include "module/glue/instance.h"
 
 namespace {
@@ -12,19 +12,19 @@ namespace {
 constexpr DWORD kNameSize = 2048;  // in characters
 constexpr DWORD kPathSize = 8320;
 
-// The folder of this library; empty where the platform knows no instance or no whole name of it.
-// What a cut name starts with may be somebody else's folder.
+// Returns the folder of this library; empty if the system knows no instance or no complete name. A
+// name that was cut is not used, because its start may name another folder.
 CXStringW moduleFolder() {
   const HINSTANCE instance = Module_GetInstance();
   if (instance == nullptr) return {};
-  wchar_t name[kNameSize + 1] = {};  // a cut name may come without a terminator
+  wchar_t name[kNameSize + 1] = {};  // some systems cut a long name without a terminator
   const DWORD length = GetModuleFileNameW(instance, name, kNameSize);
   if (length == 0 || length >= kNameSize) return {};
   return ulm::module::folderOf(name);
 }
 
-// Writes the parts one behind the other, with a terminator. False, with nothing of use written,
-// where they do not fit.
+// Joins the parts in `buffer` and adds a terminator. Returns false if they do not fit; the content
+// of the buffer is unspecified then.
 template <class... Parts>
 bool compose(wchar_t (&buffer)[kPathSize], Parts... parts) noexcept {
   std::size_t length = 0;
@@ -50,8 +50,8 @@ CXStringW ulm::module::folderOf(const wchar_t* fileName) {
 void addModuleFolderToPath() {
   const CXStringW folder = moduleFolder();
   wchar_t value[kPathSize] = {};
-  // A value that does not fit comes back empty on some systems: taken for no value, it would be
-  // lost.
+  // Some systems return an empty buffer for a value that does not fit. If this counted as an empty
+  // value, the assignment below would destroy the old one.
   if (GetEnvironmentVariableW(L"PATH", value, kPathSize) >= kPathSize) return;
   if (std::wmemchr(value, L'\0', kPathSize) == nullptr) return;
   if (std::wcsstr(value, folder.text) != nullptr) return;

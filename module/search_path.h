@@ -1,17 +1,19 @@
-// The process's search path.
+// The step of the start that adds the library's folder to the search path.
 #pragma once
 
-#include "hostsdk/qlcore/strings.h"
+#include "hostsdk/adapter/qlcore.h"
 
 namespace ulm::module {
 
-// The folder of a file's full name, ended by one backslash: "Z:\a\" for "Z:\a\b.dll", "Z:\" for
-// "Z:\b.dll". It passes through narrow text: letters that the ANSI code page lacks are lost.
+// Returns the folder of a full file name, which is not null, with one backslash at the end: "Z:\a\"
+// for "Z:\a\b.dll", "Z:\" for "Z:\b.dll". The name passes through narrow text, so letters that the
+// ANSI code page lacks are lost. Raises std::bad_alloc if there is no memory.
 CXStringW folderOf(const wchar_t* fileName);
 
 }  // namespace ulm::module
 
-// Adds the folder of this library (folderOf) to the end of the variable PATH, unless the value
-// holds that text already, anywhere. A value that does not fit 8,319 characters, before or after,
-// stays as it is, and so does any value where the library's file name is not known in full.
+// Adds the folder of this library (folderOf) to the end of the environment variable PATH. Leaves
+// PATH unchanged if the value already contains the folder's text anywhere, if the old value or the
+// new assignment (with "PATH=") is longer than 8,319 characters, or if the library's full file name
+// is not known. Raises std::bad_alloc if there is no memory, and leaves PATH unchanged then.
 void addModuleFolderToPath();

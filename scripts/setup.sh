@@ -39,8 +39,8 @@ ulm_need() {
   rm -f "$log"
 }
 
-# ulm_preset_options PRESET sets preset_options to what `cmake --preset PRESET` needs besides on a system
-# that has the tools under names with their version only, as Debian's packages give them.
+# ulm_preset_options PRESET sets preset_options to the options that `cmake --preset PRESET` needs on a system
+# that has the tools only under names with their version, as Debian's packages give them.
 ulm_preset_options() {
   preset_options=()
   case $1 in

@@ -4,24 +4,23 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "truetype/format/big_endian.h"
+
 namespace ulm::truetype {
 
-// The big-endian value at bytes[offset], at any alignment. The caller vouches that all its bytes
-// can be read; the font operations themselves read through detail::ByteView.
+// The big-endian number at bytes[offset], at any alignment. The caller vouches that all its bytes
+// can be read; the font operations themselves read through the views of format/byte_view.h.
 constexpr std::uint16_t readUInt16(const std::uint8_t* bytes, std::size_t offset) noexcept {
-  const std::uint8_t* at = bytes + offset;  // one base for both, so that it becomes one load
-  return static_cast<std::uint16_t>(std::uint32_t{at[0]} << 8 | std::uint32_t{at[1]});
+  return format::loadBigEndian<std::uint16_t>(bytes + offset);
 }
 constexpr std::int16_t readInt16(const std::uint8_t* bytes, std::size_t offset) noexcept {
-  return static_cast<std::int16_t>(readUInt16(bytes, offset));
+  return format::loadBigEndian<std::int16_t>(bytes + offset);
 }
 constexpr std::uint32_t readUInt32(const std::uint8_t* bytes, std::size_t offset) noexcept {
-  const std::uint8_t* at = bytes + offset;
-  return std::uint32_t{at[0]} << 24 | std::uint32_t{at[1]} << 16 | std::uint32_t{at[2]} << 8 |
-         std::uint32_t{at[3]};
+  return format::loadBigEndian<std::uint32_t>(bytes + offset);
 }
 constexpr std::int32_t readInt32(const std::uint8_t* bytes, std::size_t offset) noexcept {
-  return static_cast<std::int32_t>(readUInt32(bytes, offset));
+  return format::loadBigEndian<std::int32_t>(bytes + offset);
 }
 
 constexpr std::uint16_t swapBytes16(std::uint16_t value) noexcept {

@@ -47,6 +47,8 @@ struct GlyphPoint {
   std::int16_t y;
 };
 
+inline constexpr std::uint32_t kMaxGlyphBytes = 65534;  // of a GlyphData: its largest byteCount
+
 // A glyph's bytes with its counts, as the reader hands it to the writer. Its holder frees `data`,
 // then the record.
 struct GlyphData {

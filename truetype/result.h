@@ -13,4 +13,8 @@ enum FontResult : std::int32_t {
   FontResultBadFaceIndex = 8,  // a collection holds no face of that number
 };
 
+// A short English text without a full stop, such as "memory ran out", which is never null and is
+// not to be released. Another number than these has one too.
+const char* resultText(FontResult result) noexcept;
+
 }  // namespace ulm::truetype

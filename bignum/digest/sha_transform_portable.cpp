@@ -1,9 +1,9 @@
-// The compression function of FIPS 180 and 180-1 in the language's own arithmetic, and the choice
-// between it and the processor's instructions.
+// The compression function of FIPS 180 and 180-1 in portable arithmetic, and the choice between it
+// and the instructions of the processor.
 #include <atomic>
 
 #include "bignum/digest/detail/sha_transform.h"
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 
 namespace ulm::bignum::detail {
 namespace {
@@ -16,7 +16,7 @@ void expandSchedule(std::uint32_t (&w)[80]) noexcept {
   }
 }
 
-// The steps of round `Round`, 0 to 3, differ in a function and a constant.
+// The function and the constant of round `Round`, 0 to 3.
 template <int Round>
 constexpr std::uint32_t mixed(std::uint32_t b, std::uint32_t c, std::uint32_t d) noexcept {
   if constexpr (Round == 0) return (d ^ (b & (c ^ d))) + 0x5A827999;
@@ -25,7 +25,7 @@ constexpr std::uint32_t mixed(std::uint32_t b, std::uint32_t c, std::uint32_t d)
   if constexpr (Round == 3) return (b ^ c ^ d) + 0xCA62C1D6;
 }
 
-// One step, after which e is what the standards call a, a is b, and so on.
+// One step. After it e holds what the standards call a, a holds b, and so on.
 template <int Round>
 [[gnu::always_inline]] inline void step(std::uint32_t a, std::uint32_t& b, std::uint32_t c,
                                         std::uint32_t d, std::uint32_t& e,
@@ -34,7 +34,7 @@ template <int Round>
   b = RotateLeft(b, 30);
 }
 
-// Five steps, which bring each value back to its place.
+// Five steps, after which each variable has its own name again.
 template <int Round>
 [[gnu::always_inline]] inline void fiveSteps(std::uint32_t (&v)[5],
                                              const std::uint32_t* w) noexcept {
@@ -78,7 +78,7 @@ void transformPortable(std::uint32_t (&state)[5], const std::uint8_t* block, boo
 }
 
 ShaPath shaPath() noexcept {
-  // Threads that come first together find out the same.
+  // Threads that run this at the same time store the same result.
   ShaPath path = chosenPath.load(std::memory_order_relaxed);
   if (path == ShaPath::Unknown) {
     path = haveShaInstructions() ? ShaPath::Instructions : ShaPath::Portable;

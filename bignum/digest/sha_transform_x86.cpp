@@ -1,5 +1,6 @@
-// The compression function by the SHA instructions of x86-64. This source alone is compiled for
-// them: it includes nothing whose inline functions could end up in the rest of the program.
+// The compression function by the SHA instructions of x86-64. Only this source is compiled for
+// them. It includes no header whose inline functions the linker could use for the rest of the
+// program.
 #include <cpuid.h>
 #include <immintrin.h>
 
@@ -8,14 +9,14 @@
 namespace ulm::bignum::detail {
 namespace {
 
-// A vector holds four consecutive words, the first in its highest lane. Four of them are the window
-// of the last 16 words of the schedule.
+// A vector holds four consecutive words, the first in its highest lane. Four vectors are a window
+// on the last 16 words of the schedule.
 struct Rounds {
   __m128i window[4];
   __m128i abcd;
-  __m128i before;  // abcd of four steps ago, from which an instruction makes e
+  __m128i before;  // abcd before the last four steps, from which an instruction computes e
 
-  // The next four words take the place of the oldest.
+  // Replaces the oldest four words by the next four.
   template <bool Rotate, int Group>
   [[gnu::always_inline]] void extend() noexcept {
     __m128i& oldest = window[Group % 4];
@@ -25,14 +26,14 @@ struct Rounds {
     if constexpr (Rotate) {
       oldest = _mm_sha1msg2_epu32(mixed, last);
     } else {
-      // What lies 3 words back is at hand for three of the words; for the fourth it is the first of
-      // the new ones themselves.
+      // Each word needs the word 3 before it. Three of them are in `last`; the fourth is the first
+      // of the new words.
       const __m128i three = _mm_xor_si128(mixed, _mm_slli_si128(last, 4));
       oldest = _mm_xor_si128(three, _mm_srli_si128(three, 12));
     }
   }
 
-  // Four steps, and all after them.
+  // Group `Group` of four steps, and all groups after it.
   template <bool Rotate, int Group>
   [[gnu::always_inline]] void run() noexcept {
     if constexpr (Group < 20) {
@@ -54,10 +55,10 @@ struct Rounds {
 template <bool Rotate>
 void transform(std::uint32_t (&state)[5], const std::uint8_t* blocks,
                std::size_t blockCount) noexcept {
-  // Lane 3 takes the first word, and its first byte is the highest: all 16 bytes reversed.
+  // Reverses all 16 bytes: the first word goes to lane 3, and its first byte is its highest.
   const __m128i order = _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-  const auto load = [](const void* place) {
-    return _mm_loadu_si128(static_cast<const __m128i*>(place));
+  const auto load = [](const void* from) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(from));
   };
   __m128i abcd = _mm_shuffle_epi32(load(state), 0x1B);
   __m128i e = _mm_set_epi32(static_cast<int>(state[4]), 0, 0, 0);

@@ -5,6 +5,14 @@
 #include "bignum/number_theory.h"
 
 namespace ulm::bignum {
+
+QLCrypter::~QLCrypter() = default;
+QLDecryptor::~QLDecryptor() = default;
+QLTrapdoorFunction::~QLTrapdoorFunction() = default;
+
+QLInteger QLTrapdoorFunction::MaxInput() const { return InputBound() - 1; }
+QLInteger QLTrapdoorFunction::MaxOutput() const { return OutputBound() - 1; }
+
 QLRSAFunction::QLRSAFunction(const QLInteger& keyModulus, const QLInteger& keyExponent)
     : modulus(keyModulus), exponent(keyExponent) {}
 
@@ -33,8 +41,8 @@ QLRSADecryptor::~QLRSADecryptor() = default;
 
 std::uint32_t QLRSADecryptor::Decrypt(std::uint8_t* output, const std::uint8_t* input) const {
   if (status != 0 || function.modulus < 2) return 0;
-  // The result is below the modulus, or 1 for an exponent of 0: no longer than the input block.
   const QLInteger block = fromBytesLowFirst({input, bytesForBits(MaxOutputBits())});
+  // The result is below the modulus, or 1 for an exponent of 0. So it is no longer than the block.
   QLInteger result = function.Apply(block);
   const std::uint32_t bits = result.BitLength();
   return Unpad(detail::bytesInPlace(result.words, result.count), bits, output);

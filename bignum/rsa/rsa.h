@@ -1,22 +1,56 @@
-// The RSA block operation: a block of bytes to the power of an exponent, modulo a modulus.
+// The RSA block operation: a block of bytes, as a number, to the power of an exponent modulo a
+// modulus; and the roles that its classes fill. The order of the virtual operations of each class
+// is part of the interface.
 //
-// A key is the two numbers, copied at construction; no operation changes them, or anything else in
-// an object, so any number of threads may use one. Nothing verifies a key or a block, and there is
-// no padding but zero bytes: a wrong key gives a wrong block. std::bad_alloc is the one exception.
-// The time depends on the values: not for secrets that others can time. An object overwrites its
-// copies of the key with zeros when it is destroyed. Nothing else is wiped: the caller's numbers,
-// the working values of Apply and Decrypt, what a key was before an assignment to it.
+// A key is the two numbers, which a constructor copies. No operation changes an object, so any
+// number of threads may use it. Nothing verifies a key or a block, and zero bytes are the only
+// padding: a wrong key gives a wrong block. std::bad_alloc is the only exception. The time depends
+// on the values: the classes are not for secrets whose use others can time.
+//
+// An object overwrites its copies of the key with zeros when it is destroyed. Nothing else is
+// wiped: not the caller's numbers, not the working values of Apply and Decrypt, and not a key that
+// an assignment replaces.
 #pragma once
 
 #include <cstdint>
 
 #include "bignum/integer.h"
-#include "bignum/rsa/crypter.h"
 #include "bignum/rsa/padding.h"
 
 namespace ulm::bignum {
 
-// Maps 0 to modulus - 1 onto itself, where the numbers are those of a key.
+// The root of the cipher objects.
+class QLCrypter {
+ public:
+  std::uint32_t status = 0;  // an object with any other value refuses to work
+
+  virtual ~QLCrypter();
+};
+
+class QLDecryptor {
+ public:
+  virtual ~QLDecryptor();
+
+  // Decrypts a block, whose length the key determines. Returns the bits written to the output; 0 if
+  // the object refuses.
+  virtual std::uint32_t Decrypt(std::uint8_t* output, const std::uint8_t* input) const = 0;
+};
+
+// A function on the integers from 0 up to a bound. Results are fresh values.
+class QLTrapdoorFunction {
+ public:
+  virtual ~QLTrapdoorFunction();
+
+  virtual QLInteger Apply(const QLInteger& x) const = 0;
+  // The largest input plus 1, and the largest output plus 1.
+  virtual QLInteger InputBound() const = 0;
+  virtual QLInteger OutputBound() const = 0;
+  // InputBound() - 1 and OutputBound() - 1.
+  virtual QLInteger MaxInput() const;
+  virtual QLInteger MaxOutput() const;
+};
+
+// x to the exponent modulo the modulus. With a key it maps 0 to modulus - 1 onto itself.
 class QLRSAFunction : public virtual QLTrapdoorFunction {
  public:
   QLInteger modulus;
@@ -25,10 +59,11 @@ class QLRSAFunction : public virtual QLTrapdoorFunction {
   QLRSAFunction(const QLInteger& keyModulus, const QLInteger& keyExponent);
   ~QLRSAFunction() override;
 
-  // ModPow of x to the exponent, with what that says of numbers below 0.
+  // The result of ModPow, which defines it for negative numbers too.
   QLInteger Apply(const QLInteger& x) const override;
-  QLInteger InputBound() const override;   // the modulus
-  QLInteger OutputBound() const override;  // the modulus
+  // The modulus.
+  QLInteger InputBound() const override;
+  QLInteger OutputBound() const override;
 };
 
 class QLRSABase : public QLCrypter, public QLZeroPadding {
@@ -38,7 +73,8 @@ class QLRSABase : public QLCrypter, public QLZeroPadding {
   QLRSABase(const QLInteger& keyModulus, const QLInteger& keyExponent);
   ~QLRSABase() override;
 
-  // The bits of the largest block, modulus - 1. Means nothing for a modulus below 2.
+  // Returns the bits of modulus - 1, which is the largest block. It has no meaning for a modulus
+  // below 2.
   std::uint32_t MaxOutputBits() const;
 };
 
@@ -47,12 +83,13 @@ class QLRSADecryptor : public QLRSABase, public QLDecryptor {
   QLRSADecryptor(const QLInteger& keyModulus, const QLInteger& keyExponent);
   ~QLRSADecryptor() override;
 
-  // Blocks are numbers with the low byte first.
-  //   input   ceil(MaxOutputBits() / 8) bytes; a number at or above the modulus is reduced
-  //   output  room for as many; receives the result without its trailing zero bytes, and may be the
-  //           input
-  // Gives the exact length of the result in bits: 0, with nothing written, for a result of zero.
-  // Refuses, with 0 and nothing read or written, where `status` is not 0 or the modulus is below 2.
+  // Applies the function to a block. Blocks are numbers with the low byte first.
+  //   input   bytesForBits(MaxOutputBits()) bytes; a number at or above the modulus is reduced
+  //   output  room for as many bytes; receives the result without the zero bytes at its high end.
+  //           It may be the input
+  // Returns the exact length of the result in bits. A result of zero has 0 bits, and nothing is
+  // written. Refuses if status is not 0 or the modulus is below 2: returns 0 and neither reads the
+  // input nor writes the output, so both may be null.
   std::uint32_t Decrypt(std::uint8_t* output, const std::uint8_t* input) const override;
 };
 

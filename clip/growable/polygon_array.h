@@ -16,7 +16,7 @@
 #include "clip/cursor.h"
 #include "clip/polygon.h"
 #include "clip/vertex.h"
-#include "hostsdk/odrx/od_array.h"
+#include "hostsdk/adapter/od_array.h"
 
 namespace ulm::clip {
 

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "command/support/program.h"
 #include "command/support/streams.h"
+#include "command/support/text.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/open.h"
 
@@ -15,11 +15,11 @@ namespace {
 
 using namespace ulm::truetype;
 
-// A pipe or a device does not say how much it holds, and may have no end.
-constexpr std::uint64_t kMostStreamBytes = 1u << 28;
+// A pipe or a device has no known size and may be endless.
+constexpr std::uint64_t kMaxStreamBytes = 1u << 28;
 
 std::string readFont(Input input) {
-  std::string bytes = input.readAll(input.size() ? INT32_MAX : kMostStreamBytes);
+  std::string bytes = input.readAll(input.size() ? INT32_MAX : kMaxStreamBytes);
   if (bytes.empty()) throw std::runtime_error(input.name() + ": empty");
   return bytes;
 }
@@ -27,12 +27,13 @@ std::string readFont(Input input) {
 constexpr std::uint32_t kCollection = 0x74746366, kPostScriptOutlines = 0x4F54544F;
 constexpr std::uint32_t kWoff = 0x774F4646, kWoff2 = 0x774F4632;
 
-// The 32 bits at the offset; 0 beyond the end.
+// Returns the 32 bits at the offset, or 0 if they are not all in the image.
 std::uint32_t signatureAt(std::string_view image, std::size_t offset) {
   if (image.size() < 4 || offset > image.size() - 4) return 0;
   return readUInt32(reinterpret_cast<const std::uint8_t*>(image.data()), offset);
 }
 
+// Names the kind of file that is not a TrueType font; null if it is not known.
 const char* kindOf(std::string_view image, std::uint32_t face) {
   std::uint32_t signature = signatureAt(image, 0);
   if (signature == kCollection) {
@@ -46,37 +47,43 @@ const char* kindOf(std::string_view image, std::uint32_t face) {
     case kWoff2:
       return "a WOFF2 file; its font has to be unpacked first";
     default:
-      return "not a TrueType font, or a damaged one";
+      return nullptr;
   }
 }
 
 const char* reasonOf(FontResult result, std::string_view image, std::uint32_t face) {
-  switch (result) {
-    case FontResultBadFormat:
-      return kindOf(image, face);
-    case FontResultBadFaceIndex:
-      return "the collection has no face of that number";
-    case FontResultNoMemory:
-      return "memory ran out";
-    default:
-      return "cannot be opened";
+  const char* const kind = result == FontResultBadFormat ? kindOf(image, face) : nullptr;
+  return kind != nullptr ? kind : resultText(result);
+}
+
+bool isGlyphIndex(const std::string& argument) {
+  return !argument.empty() && argument.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Returns the value of decimal digits, or kNoGlyph if it is larger.
+std::uint32_t parseGlyphIndex(const std::string& digits) {
+  constexpr std::uint32_t kNoGlyph = 1'000'000;  // larger than any glyph index
+  std::uint32_t glyph = 0;
+  for (const char digit : digits) {
+    glyph = std::min(glyph * 10 + static_cast<std::uint32_t>(digit - '0'), kNoGlyph);
   }
+  return glyph;
 }
 
 }  // namespace
 
-FontFile::FontFile(const FontOptions& options)
-    : name_(options.file == "-" ? "standard input" : options.file),
-      image_(readFont(Input(options.file))) {
+FontFile::FontFile(const FontSource& source)
+    : name_(source.file == "-" ? "standard input" : source.file),
+      image_(readFont(Input(source.file))) {
   TrueTypeFont* font = nullptr;
   const FontResult result =
       openTrueTypeFont(name_.c_str(), reinterpret_cast<const std::uint8_t*>(image_.data()),
-                       static_cast<std::int32_t>(image_.size()), options.face, &font);
+                       static_cast<std::int32_t>(image_.size()), source.face, &font);
   if (result != FontResultOk) {
-    throw std::runtime_error(name_ + ": " + reasonOf(result, image_, options.face));
+    throw std::runtime_error(name_ + ": " + reasonOf(result, image_, source.face));
   }
   font_.reset(font);
-  if (options.face != 0 && signatureAt(image_, 0) != kCollection) {
+  if (source.face != 0 && signatureAt(image_, 0) != kCollection) {
     throw std::runtime_error(name_ + ": not a collection; its only face is 0");
   }
 }
@@ -98,73 +105,10 @@ std::vector<std::uint16_t> FontFile::lowestCodes() const {
   return codes;
 }
 
-void FontFile::requireGlyph(std::uint32_t glyph, const std::string& name) const {
+void FontFile::requireGlyph(std::uint32_t glyph, const std::string& text) const {
   if (glyph < font_->numGlyphs) return;
-  throw std::runtime_error("glyph " + name + ": the font has " + std::to_string(font_->numGlyphs) +
+  throw std::runtime_error("glyph " + text + ": the font has " + std::to_string(font_->numGlyphs) +
                            " glyphs");
-}
-
-std::u32string decodeUtf8(const std::string& text) {
-  std::u32string codes;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto lead = static_cast<unsigned char>(text[i++]);
-    const int more = lead < 0x80   ? 0
-                     : lead < 0xC2 ? -1
-                     : lead < 0xE0 ? 1
-                     : lead < 0xF0 ? 2
-                     : lead < 0xF5 ? 3
-                                   : -1;
-    char32_t code = more <= 0 ? lead : lead & (0x3Fu >> more);
-    int seen = 0;
-    for (; seen < more && i < text.size() && (text[i] & 0xC0) == 0x80; ++seen, ++i) {
-      code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
-    }
-    constexpr char32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
-    if (more < 0 || seen < more || code < kLeast[more] || code > 0x10FFFF ||
-        (code >= 0xD800 && code < 0xE000)) {
-      throw std::runtime_error("the text is not UTF-8");
-    }
-    codes.push_back(code);
-  }
-  return codes;
-}
-
-std::u32string decodeName(const std::string& name) {
-  try {
-    return decodeUtf8(name);
-  } catch (const std::runtime_error&) {
-    std::u32string codes;
-    for (const char byte : name) codes += static_cast<unsigned char>(byte);
-    return codes;
-  }
-}
-
-std::string encodeUtf8(char32_t code) {
-  if (code >= 0xD800 && code < 0xE000) code = U'\uFFFD';
-  std::string text;
-  const auto add = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  if (code < 0x80) {
-    add(code);
-  } else if (code < 0x800) {
-    add(0xC0 | code >> 6);
-    add(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    add(0xE0 | code >> 12);
-    add(0x80 | (code >> 6 & 0x3F));
-    add(0x80 | (code & 0x3F));
-  } else {
-    add(0xF0 | code >> 18);
-    add(0x80 | (code >> 12 & 0x3F));
-    add(0x80 | (code >> 6 & 0x3F));
-    add(0x80 | (code & 0x3F));
-  }
-  return text;
-}
-
-std::string encodeUtf8(const std::u32string& text) {
-  std::string bytes;
-  for (const char32_t code : text) bytes += encodeUtf8(code);
-  return bytes;
 }
 
 std::string codeName(char32_t code) {
@@ -173,36 +117,33 @@ std::string codeName(char32_t code) {
   return text;
 }
 
-std::u32string codesOf(const std::string& word) {
-  if (word.size() < 3 || word.compare(0, 2, "U+") != 0) return decodeUtf8(word);
-  const std::string digits = word.substr(2);
+std::u32string charactersOfArgument(const std::string& argument) {
+  if (argument.size() < 3 || argument.compare(0, 2, "U+") != 0) return decodeUtf8(argument);
+  const std::string digits = argument.substr(2);
   const bool hex = digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
   const unsigned long code = hex && digits.size() <= 6 ? std::stoul(digits, nullptr, 16) : ~0ul;
-  if (code > 0x10FFFF) throw std::runtime_error(word + ": no character");
+  if (code > 0x10FFFF) throw std::runtime_error(argument + ": no character");
   return {static_cast<char32_t>(code)};
 }
 
-std::vector<NamedGlyph> glyphsOf(const FontFile& font, const std::vector<std::string>& words) {
-  constexpr std::uint32_t kNoGlyph = 1'000'000;  // more than any font has
+std::vector<NamedGlyph> glyphsOfArguments(const FontFile& font,
+                                          const std::vector<std::string>& arguments) {
   std::vector<NamedGlyph> glyphs;
   std::vector<std::uint16_t> lowestCodes;
-  for (const std::string& word : words) {
-    if (word.empty() || word.find_first_not_of("0123456789") != std::string::npos) {
-      for (const char32_t code : codesOf(word)) {
-        const std::uint16_t glyph = font.glyphOf(code);
-        if (glyph == 0) throw std::runtime_error(codeName(code) + ": not mapped by the font");
-        font.requireGlyph(glyph, std::to_string(glyph));
-        glyphs.push_back({glyph, code});
-      }
+  for (const std::string& argument : arguments) {
+    if (isGlyphIndex(argument)) {
+      const std::uint32_t glyph = parseGlyphIndex(argument);
+      font.requireGlyph(glyph, argument);
+      if (lowestCodes.empty()) lowestCodes = font.lowestCodes();
+      glyphs.push_back({glyph, lowestCodes[glyph]});
       continue;
     }
-    std::uint32_t glyph = 0;
-    for (const char digit : word) {
-      glyph = std::min(glyph * 10 + static_cast<std::uint32_t>(digit - '0'), kNoGlyph);
+    for (const char32_t code : charactersOfArgument(argument)) {
+      const std::uint16_t glyph = font.glyphOf(code);
+      if (glyph == 0) throw std::runtime_error(codeName(code) + ": not mapped by the font");
+      font.requireGlyph(glyph, std::to_string(glyph));
+      glyphs.push_back({glyph, code});
     }
-    font.requireGlyph(glyph, word);
-    if (lowestCodes.empty()) lowestCodes = font.lowestCodes();
-    glyphs.push_back({glyph, lowestCodes[glyph]});
   }
   return glyphs;
 }

@@ -1,12 +1,10 @@
-// A font file opened for the command line, and what its subcommands share.
+// A font file that is open for the command, and the glyphs that a user names.
 #pragma once
 
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "truetype/font.h"
@@ -14,33 +12,28 @@
 
 namespace ulm::tools {
 
-using Json = nlohmann::ordered_json;
-
-struct FontOptions {
-  std::string file;
+// A font on the command line.
+struct FontSource {
+  std::string file;  // "-" is standard input
   std::uint32_t face = 0;
-  bool json = false;
-  std::vector<std::string> words;  // text, U+XXXX and, where glyphs are asked for, glyph numbers
-  std::string text;
-  std::string svg;
 };
 
-// An open font with the bytes that it borrows. Every failure is a runtime_error with the reason in
-// words.
+// An open font together with the bytes that it borrows. Every failure is a std::runtime_error that
+// gives the reason.
 class FontFile {
  public:
-  explicit FontFile(const FontOptions& options);
-  // The name in messages: the file's own, or "standard input".
+  explicit FontFile(const FontSource& source);
+  // Returns the name for messages: the file's own, or "standard input".
   const std::string& name() const { return name_; }
   const truetype::TrueTypeFont* get() const { return font_.get(); }
   const truetype::TrueTypeFont* operator->() const { return font_.get(); }
-  // 0 for a code that the font does not map, or beyond 16 bits.
+  // Returns the glyph of a character, or 0 if the font does not map it or it is above U+FFFF.
   std::uint16_t glyphOf(char32_t code) const;
-  // By glyph number, the lowest code that leads to the glyph; 0 for none. The codes 0 and 0xFFFF
-  // are left out: the first is that of .notdef, the second closes character maps.
+  // Returns, by glyph index, the lowest character that the font maps to the glyph, or 0 for none.
+  // U+0000 and U+FFFF are ignored: the first belongs to .notdef, the second ends character maps.
   std::vector<std::uint16_t> lowestCodes() const;
-  // Refuses a glyph number that the font does not have; `name` is the number in the message.
-  void requireGlyph(std::uint32_t glyph, const std::string& name) const;
+  // Throws if the font has no glyph of that index. `text` is the index in the message.
+  void requireGlyph(std::uint32_t glyph, const std::string& text) const;
 
  private:
   struct Close {
@@ -51,52 +44,33 @@ class FontFile {
   std::unique_ptr<truetype::TrueTypeFont, Close> font_;
 };
 
-struct Freed {
+// Frees a block that the font library allocated with malloc.
+struct FreeBlock {
   void operator()(void* block) const { std::free(block); }
 };
+
+// Takes ownership of a block that the font library allocated. `block` may be null.
 template <class T>
-std::unique_ptr<T[], Freed> owned(T* block) {
-  return std::unique_ptr<T[], Freed>(block);
+std::unique_ptr<T[], FreeBlock> takeBlock(T* block) {
+  return std::unique_ptr<T[], FreeBlock>(block);
 }
 
-// The characters of UTF-8 text; a runtime_error where it is none.
-std::u32string decodeUtf8(const std::string& text);
-// The same of a file's name, whose bytes stand for themselves where they are no UTF-8.
-std::u32string decodeName(const std::string& name);
-std::string encodeUtf8(char32_t code);  // U+FFFD for a surrogate
-std::string encodeUtf8(const std::u32string& text);
-std::string codeName(char32_t code);  // U+0041
+// Returns the usual name of a character, as "U+0041".
+std::string codeName(char32_t code);
 
-// The characters of a word that is U+XXXX or text; a runtime_error for a number that is none.
-std::u32string codesOf(const std::string& word);
+// Returns the characters of an argument, which is U+XXXX or UTF-8 text. Throws std::runtime_error
+// for a number that is no character and for text that is not UTF-8.
+std::u32string charactersOfArgument(const std::string& argument);
 
-// Glyphs that the user names by number or by character, with the character, or the lowest one that
-// leads to the glyph; 0 for none.
 struct NamedGlyph {
-  std::uint32_t glyph;
-  char32_t code;
+  std::uint32_t glyph;  // its index
+  char32_t code;        // the named character, or the lowest one of the glyph; 0 for none
 };
-// A word of digits is a glyph number, and every other one is read by codesOf. A runtime_error for a
-// glyph that the font does not have and a character that it does not map.
-std::vector<NamedGlyph> glyphsOf(const FontFile& font, const std::vector<std::string>& words);
 
-// Adds the character of a row as "code", U+0041, and "character", A; null for 0.
-void addCharacter(Json& row, char32_t code);
-
-// What a subcommand prints, as an object, and the picture that --svg writes. Where the object has
-// "units", these name the unit of a value by its key.
-struct Report {
-  Report(Json toPrint, std::string toDraw = {})
-      : values(std::move(toPrint)), picture(std::move(toDraw)) {}
-  Json values;
-  std::string picture;
-};
-Report infoOf(const FontFile& font, const FontOptions& options);
-Report namesOf(const FontFile& font, const FontOptions& options);
-Report mapOf(const FontFile& font, const FontOptions& options);
-Report metricsOf(const FontFile& font, const FontOptions& options);
-Report kernOf(const FontFile& font, const FontOptions& options);
-Report outlineOf(const FontFile& font, const FontOptions& options);
-Report specimenOf(const FontFile& font, const FontOptions& options);
+// Returns the glyphs that the arguments name. An argument of digits is a glyph index; every other
+// one is read by charactersOfArgument. Throws std::runtime_error as that function does, for a glyph
+// that the font does not have, and for a character that it does not map.
+std::vector<NamedGlyph> glyphsOfArguments(const FontFile& font,
+                                          const std::vector<std::string>& arguments);
 
 }  // namespace ulm::tools

@@ -1,9 +1,11 @@
-// Outlines as SVG paths.
+#include "command/font/picture.h"
+
+#include <algorithm>
+#include <cstdint>
 #include <sstream>
 #include <stdexcept>
 
-#include "command/font/font_file.h"
-#include "command/support/program.h"
+#include "command/support/text.h"
 #include "truetype/reader/glyphs.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
@@ -13,15 +15,16 @@ namespace {
 
 using namespace ulm::truetype;
 
+// A position in the picture.
 struct Spot {
   double x, y;
 };
 
 bool onCurve(const GlyphPoint& point) { return (point.flags & kPointOnCurve) != 0; }
-Spot between(Spot a, Spot b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
+Spot midpoint(Spot a, Spot b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
 
-// A closed contour: points off the curve are control points, with a point on the curve halfway
-// between two that follow each other.
+// Adds a closed contour. Points off the curve are control points of quadratic curves; between two
+// of them in sequence, the midpoint is on the curve.
 void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count,
                 std::int64_t originX) {
   const auto spot = [&](std::size_t i) -> Spot {
@@ -33,7 +36,7 @@ void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count,
   while (first < count && !onCurve(points[first])) ++first;
   const bool allOff = first == count;
   if (allOff) first = 0;
-  const Spot start = allOff ? between(spot(count - 1), spot(0)) : spot(first);
+  const Spot start = allOff ? midpoint(spot(count - 1), spot(0)) : spot(first);
   write('M', start);
   const std::size_t begin = allOff ? 0 : first + 1;
   for (std::size_t i = begin; i < begin + count - (allOff ? 0 : 1); ++i) {
@@ -48,7 +51,7 @@ void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count,
     } else if (onCurve(points[(i + 1) % count])) {
       write(' ', spot(++i));
     } else {
-      write(' ', between(spot(i), spot(i + 1)));
+      write(' ', midpoint(spot(i), spot(i + 1)));
     }
   }
   path << 'Z';
@@ -57,14 +60,14 @@ void addContour(std::ostream& path, const GlyphPoint* points, std::size_t count,
 std::vector<GlyphPoint> pointsOf(const FontFile& font, std::uint32_t glyph) {
   GlyphPoint* points = nullptr;
   const std::int32_t count = getGlyphPoints(font.get(), glyph, &points);
-  const auto held = owned(points);
+  const auto owner = takeBlock(points);
   return count <= 0 ? std::vector<GlyphPoint>() : std::vector<GlyphPoint>(points, points + count);
 }
 
-// The outline as SVG path data, with the y axis turned down.
+// Returns the outline as SVG path data, whose y axis points down.
 std::string svgPath(const std::vector<GlyphPoint>& points, std::int64_t originX) {
   std::ostringstream path;
-  path.precision(15);  // a long text goes far to the right, in halves of units
+  path.precision(15);  // exact for half units at the end of a long text
   std::size_t start = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
     if ((points[i].flags & kPointEndsContour) == 0) continue;
@@ -74,7 +77,7 @@ std::string svgPath(const std::vector<GlyphPoint>& points, std::int64_t originX)
   return path.str();
 }
 
-// In font units, with the y axis up.
+// In font units; the y axis points up.
 struct Box {
   std::int64_t xMin, yMin, xMax, yMax;
 };
@@ -88,13 +91,13 @@ std::string svgPicture(const Box& box, const std::string& paths) {
 
 }  // namespace
 
-Report outlineOf(const FontFile& font, const FontOptions& options) {
-  const std::vector<NamedGlyph> named = glyphsOf(font, options.words);
+Picture glyphPicture(const FontFile& font, const std::vector<std::string>& arguments) {
+  const std::vector<NamedGlyph> named = glyphsOfArguments(font, arguments);
   if (named.size() != 1) throw std::runtime_error("the outline of one glyph at a time");
   const std::vector<GlyphPoint> points = pointsOf(font, named[0].glyph);
-  Json report{{"glyph", named[0].glyph}};
-  addCharacter(report, named[0].code);
-  Json& rows = report["points"] = Json::array();
+  Json values{{"glyph", named[0].glyph}};
+  addCharacter(values, named[0].code);
+  Json& rows = values["points"] = Json::array();
   Box box{0, 0, 0, 0};
   for (const GlyphPoint& point : points) {
     rows.push_back({point.x, point.y, point.flags});
@@ -104,13 +107,13 @@ Report outlineOf(const FontFile& font, const FontOptions& options) {
     box.xMax = first ? point.x : std::max<std::int64_t>(box.xMax, point.x);
     box.yMax = first ? point.y : std::max<std::int64_t>(box.yMax, point.y);
   }
-  return {report, svgPicture(box, "<path d=\"" + svgPath(points, 0) + "\"/>\n")};
+  return {values, svgPicture(box, "<path d=\"" + svgPath(points, 0) + "\"/>\n")};
 }
 
-Report specimenOf(const FontFile& font, const FontOptions& options) {
+Picture textPicture(const FontFile& font, const std::string& text, const std::string& svgFile) {
   std::vector<std::uint16_t> glyphs;
   Json unmapped = Json::array();
-  for (const char32_t code : decodeUtf8(options.text)) {
+  for (const char32_t code : decodeUtf8(text)) {
     glyphs.push_back(font.glyphOf(code));
     if (glyphs.back() == 0) unmapped.push_back(codeName(code));
   }
@@ -141,7 +144,7 @@ Report specimenOf(const FontFile& font, const FontOptions& options) {
   return {Json{{"glyphs", glyphs},
                {"width", x},
                {"unmapped", unmapped},
-               {"svg", encodeUtf8(decodeName(options.svg))}},
+               {"svg", encodeUtf8(decodeFileName(svgFile))}},
           svgPicture(box, paths)};
 }
 

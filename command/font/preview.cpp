@@ -1,8 +1,9 @@
-// A page that shows a text in a new font and in the one that it was made from.
+#include "command/font/preview.h"
+
 #include <cstring>
 #include <stdexcept>
 
-#include "command/font/subset.h"
+#include "command/support/text.h"
 #include "truetype/bytes.h"
 
 namespace ulm::tools {
@@ -26,8 +27,9 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
-// Text as a page may hold it: without controls, and with the characters of markup by name.
-std::string escaped(const std::u32string& text) {
+// Returns the text for use in HTML: without control characters, and with the characters of markup
+// as entities.
+std::string escapedText(const std::u32string& text) {
   std::string page;
   for (const char32_t code : text) {
     const bool control = (code < 0x20 && code != U'\n' && code != U'\t') ||
@@ -41,21 +43,22 @@ std::string escaped(const std::u32string& text) {
   }
   return page;
 }
-// Each character in an element of its own, so that it is not shaped with its neighbours.
-std::string eachEscaped(const std::u32string& text) {
+// Returns each character in a separate element, so that it is not shaped with its neighbours.
+std::string separateCharacters(const std::u32string& text) {
   std::string page;
   for (const char32_t code : text) {
-    const std::string shown = escaped({code});
+    const std::string shown = escapedText({code});
     if (!shown.empty()) page += "<span>" + shown + "</span>";
   }
   return page;
 }
 
-// A file's name, whatever bytes it has.
+// Returns the last part of a file name for use in HTML, with '?' for each byte that is not ASCII.
 std::string escapedName(const std::string& name) {
   std::string page;
   for (const char byte : name.substr(name.find_last_of("/\\") + 1)) {
-    page += escaped({static_cast<unsigned char>(byte) < 0x80 ? static_cast<char32_t>(byte) : U'?'});
+    page +=
+        escapedText({static_cast<unsigned char>(byte) < 0x80 ? static_cast<char32_t>(byte) : U'?'});
   }
   return page;
 }
@@ -64,8 +67,8 @@ std::string_view bytesOf(const FontFile& font) {
   return {reinterpret_cast<const char*>(font->image), static_cast<std::size_t>(font->imageSize)};
 }
 
-// The face as a font file of its own, since no data URL can name a face of a collection.
-std::string plainFont(const FontFile& font) {
+// Returns the face as a separate font file, since a data URL cannot select a face of a collection.
+std::string separateFace(const FontFile& font) {
   const std::string_view image = bytesOf(font);
   if (image.substr(0, 4) != "ttcf") return std::string(image);
   constexpr std::size_t kHeader = 12, kEntry = 16;
@@ -88,8 +91,8 @@ std::string plainFont(const FontFile& font) {
   return file;
 }
 
-// Text is shown without hints, since an automatic hinter judges a font by characters that may be
-// left out.
+// Text is shown without hinting: an automatic hinter measures characters that the new font may not
+// have.
 constexpr char kStyle[] = R"(
 body { font: 16px sans-serif; margin: 2em; }
 main { display: grid; grid-template-columns: 1fr 1fr; gap: 2em; }
@@ -103,11 +106,11 @@ p span { display: inline-block; padding: 0 2px; }
 .different { outline: 2px solid #fc6; }
 )";
 
-// The script draws what the page shows in both fonts, and compares widths and pixels: each
-// character of a list apart from the others; text in stretches of a line, so that letters join and
-// marks and kerning apply as they do on the page. Of a stretch that differs it finds the words, or
-// else the pairs of words, that do. The characters of a text are drawn one by one too, which
-// separates lost glyphs from lost layout.
+// The script draws what the page shows in both fonts and compares widths and pixels. The characters
+// of a list are drawn separately. Text is drawn in parts of a line, so that letters join and marks
+// and kerning apply as on the page. In a part that differs the script finds the words that differ,
+// or else the pairs of words. The characters of a text are also drawn one by one, which
+// distinguishes lost glyphs from lost layout.
 constexpr char kScript[] = R"js(
 const root = document.documentElement, main = document.querySelector("main");
 const isList = main.className === "list";
@@ -115,7 +118,7 @@ const load = name => document.fonts.load(`32px "ulmira ${name}"`)
   .then(faces => faces.length > 0, () => false)
   .then(loaded => root.dataset[name] = loaded ? "loaded" : "refused");
 
-const kMostWidth = 8000, kMostHeight = 1000;
+const kMaxWidth = 8000, kMaxHeight = 1000;
 const makePen = (width, height) => {
   const canvas = document.createElement("canvas");
   canvas.width = width;
@@ -135,19 +138,19 @@ const draw = (name, text, x, y, width, height) => {
   pen.fillText(text, x, y);
   return new Uint32Array(pen.getImageData(0, 0, width, height).data.buffer);
 };
-const known = new Map();
+const differsByText = new Map();
 const differs = text => {
-  if (!known.has(text)) known.set(text, compare(text));
-  return known.get(text);
+  if (!differsByText.has(text)) differsByText.set(text, compare(text));
+  return differsByText.get(text);
 };
 const compare = text => {
   const sizes = [measure("subset", text), measure("source", text)];
-  const most = key => Math.max(...sizes.map(size => size[key]), 0);
+  const maximum = key => Math.max(...sizes.map(size => size[key]), 0);
   if (Math.abs(sizes[0].width - sizes[1].width) > 1 / 64) return true;
-  const x = Math.ceil(most("actualBoundingBoxLeft")) + 4;
-  const y = Math.ceil(most("actualBoundingBoxAscent")) + 4;
-  const width = Math.min(x + Math.ceil(most("actualBoundingBoxRight")) + 4, kMostWidth);
-  const height = Math.min(y + Math.ceil(most("actualBoundingBoxDescent")) + 4, kMostHeight);
+  const x = Math.ceil(maximum("actualBoundingBoxLeft")) + 4;
+  const y = Math.ceil(maximum("actualBoundingBoxAscent")) + 4;
+  const width = Math.min(x + Math.ceil(maximum("actualBoundingBoxRight")) + 4, kMaxWidth);
+  const height = Math.min(y + Math.ceil(maximum("actualBoundingBoxDescent")) + 4, kMaxHeight);
   if (pen.canvas.width < width || pen.canvas.height < height) {
     pen = makePen(Math.max(width, pen.canvas.width), Math.max(height, pen.canvas.height));
   }
@@ -155,12 +158,12 @@ const compare = text => {
   return draw("subset", text, x, y, width, height).some((pixel, i) => pixel !== pixels[i]);
 };
 
-// A stretch ends after white space or, in a long word, not before a mark.
-const stretches = line => line.match(/[^]{1,96}(?=\s|$)\s?|[^]{1,96}(?!\p{M})|[^]{1,96}/gu) || [];
-// Halves of a stretch that is too wide to be drawn at once.
+// A part ends after white space or, in a long word, not before a mark.
+const partsOf = line => line.match(/[^]{1,96}(?=\s|$)\s?|[^]{1,96}(?!\p{M})|[^]{1,96}/gu) || [];
+// Halves a part until it is narrow enough to be drawn at once.
 const narrow = text => {
   const all = [...text], half = Math.ceil(all.length / 2);
-  return all.length < 2 || measure("source", text).width < kMostWidth - 400 ? [text]
+  return all.length < 2 || measure("source", text).width < kMaxWidth - 400 ? [text]
     : [all.slice(0, half), all.slice(half)].flatMap(part => narrow(part.join("")));
 };
 const wordsThatDiffer = text => {
@@ -172,14 +175,14 @@ const wordsThatDiffer = text => {
 };
 
 const codeOf = c => "U+" + c.codePointAt(0).toString(16).toUpperCase().padStart(4, "0");
-const say = (message, items) => {
+const report = (message, items) => {
   const line = document.createElement("div");
   const shown = items.slice(0, 100).map(item => `\u2068${item}\u2069`).join(", ");
   line.textContent = message + shown + (items.length > 100 ? ` and ${items.length - 100} more` : "");
   document.querySelector("aside").append(line);
 };
-// Marks the pieces in both columns. Elements around words could change how the text is shaped, so
-// words are marked only where the browser can do so without them.
+// Marks the pieces in both columns. An element around a word could change how the text is shaped, so
+// words are marked only if the browser can highlight them without an element.
 const mark = pieces => {
   const columns = [...main.querySelectorAll("p.subset, p.source")];
   if (isList) {
@@ -203,7 +206,7 @@ const mark = pieces => {
   }
 };
 
-const rest = () => new Promise(resolve => setTimeout(resolve));
+const yieldToBrowser = () => new Promise(resolve => setTimeout(resolve));
 const compareAll = async () => {
   const shown = document.querySelector("p.subset");
   shown.normalize();
@@ -213,27 +216,27 @@ const compareAll = async () => {
   const lone = [], pieces = new Set();
   for (const [i, c] of characters.entries()) {
     if (differs(c)) lone.push(c);
-    if (i % 500 === 499) await rest();
+    if (i % 500 === 499) await yieldToBrowser();
   }
   if (isList) {
     lone.forEach(c => pieces.add(c));
   } else {
-    const parts = [...new Set(text.split("\n").flatMap(stretches).flatMap(narrow))];
+    const parts = [...new Set(text.split("\n").flatMap(partsOf).flatMap(narrow))];
     for (const [i, part] of parts.entries()) {
       if (/\S/u.test(part) && differs(part)) wordsThatDiffer(part).forEach(word => pieces.add(word));
-      if (i % 50 === 49) await rest();
+      if (i % 50 === 49) await yieldToBrowser();
     }
   }
   root.dataset.characters = lone.length ? "different" : "equal";
   root.dataset.drawing = pieces.size ? "different" : "equal";
   root.dataset.differing = [...pieces].slice(0, 100).join("|");
   if (lone.length) {
-    say(`Drawn one by one, ${lone.length} of ${characters.length} characters differ: `,
+    report(`Drawn one by one, ${lone.length} of ${characters.length} characters differ: `,
         lone.map(c => `${codeOf(c)} ${c}`));
   } else {
-    say(`Drawn one by one, all ${characters.length} characters are equal.`, []);
+    report(`Drawn one by one, all ${characters.length} characters are equal.`, []);
   }
-  if (!isList && pieces.size) say("As text, these differ: ", [...pieces]);
+  if (!isList && pieces.size) report("As text, these differ: ", [...pieces]);
   mark(pieces);
 };
 
@@ -260,7 +263,7 @@ void addFace(std::string& page, const char* name, std::string_view font) {
 
 std::string previewPage(const FontFile& font, std::string_view subset, const SubsetPlan& plan,
                         const std::vector<std::string>& layout, const SubsetOptions& options) {
-  const std::string source = plainFont(font);
+  const std::string source = separateFace(font);
   std::string page =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<title>Loading</title>\n<style>\n";
@@ -270,7 +273,7 @@ std::string previewPage(const FontFile& font, std::string_view subset, const Sub
   const bool list = options.input == SubsetInput::Unicodes || options.input == SubsetInput::Glyphs;
   page += "</style>\n</head>\n<body>\n<h1>Loading</h1>\n<aside>";
   if (!layout.empty()) {
-    page += "<div>The new font is without these tables, which act on the characters:";
+    page += "<div>The new font does not have these tables, which apply to the characters:";
     for (const std::string& table : layout) page += ' ' + table;
     page += "</div>";
   }
@@ -278,12 +281,12 @@ std::string previewPage(const FontFile& font, std::string_view subset, const Sub
   const auto addColumn = [&](const char* name, const std::string& file, std::size_t size) {
     page += "<section>\n<h2>" + escapedName(file) + ", " + std::to_string(size) +
             " bytes</h2>\n<p class=\"" + name + "\">" +
-            (list ? eachEscaped(plan.text) : escaped(plan.text)) + "</p>\n";
+            (list ? separateCharacters(plan.text) : escapedText(plan.text)) + "</p>\n";
   };
-  addColumn("subset", options.out == "-" ? "standard output" : options.out, subset.size());
+  addColumn("subset", options.output == "-" ? "standard output" : options.output, subset.size());
   if (!plan.assigned.empty()) {
-    page += "<h2>Glyphs that no character of the source reaches</h2>\n<div><p class=\"subset\">" +
-            eachEscaped(plan.assigned) + "</p></div>\n";
+    page += "<h2>Glyphs that no character of the source maps to</h2>\n<div><p class=\"subset\">" +
+            separateCharacters(plan.assigned) + "</p></div>\n";
   }
   page += "</section>\n";
   addColumn("source", font.name(), source.size());

@@ -1,10 +1,11 @@
-// What a font says of itself, of its characters, glyphs and pairs.
+#include "command/font/reports.h"
+
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
-#include "command/font/font_file.h"
 #include "command/font/names.h"
+#include "command/support/text.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
@@ -16,7 +17,7 @@ namespace {
 
 using namespace ulm::truetype;
 
-// What is measured in something, by its key; the command prints the unit after the value.
+// Returns the member "units" of a report: the unit of a value by the value's key.
 Json unitsOf(const std::vector<std::pair<const char*, std::vector<const char*>>>& keysOfUnits) {
   Json units = Json::object();
   for (const auto& [unit, keys] : keysOfUnits) {
@@ -56,7 +57,7 @@ Json globalsOf(const FontFile& font) {
 }
 
 Json tablesOf(const FontFile& font) {
-  Json::object_t tables;  // appended to: a search for each key would take quadratic time
+  Json::object_t tables;  // appended to, since a search for each key would take quadratic time
   std::unordered_map<std::uint32_t, std::size_t> indexByTag;
   const std::uint8_t* directory = font->image + font->directoryOffset + 12;
   for (std::uint32_t i = 0; i < font->tableCount; ++i) {
@@ -64,8 +65,7 @@ Json tablesOf(const FontFile& font) {
     const Json table{{"offset", readUInt32(entry, 8)}, {"length", readUInt32(entry, 12)}};
     const auto [found, fresh] = indexByTag.try_emplace(readUInt32(entry, 0), tables.size());
     if (!fresh) {
-      tables.data()[found->second].second =
-          table;  // of a tag that occurs twice, the later entry counts
+      tables.data()[found->second].second = table;  // the last of two equal tags is used
       continue;
     }
     std::string tag;
@@ -77,14 +77,9 @@ Json tablesOf(const FontFile& font) {
 
 }  // namespace
 
-void addCharacter(Json& row, char32_t code) {
-  row["code"] = code == 0 ? Json() : Json(codeName(code));
-  row["character"] = code == 0 ? Json() : Json(encodeUtf8(code));
-}
-
-Report infoOf(const FontFile& font, const FontOptions&) {
+Json fontInfo(const FontFile& font) {
   constexpr const char* kEm = "thousandths of the em";
-  const FontNames names = namesOfFont(font);
+  const FontNames names = fontNames(font);
   return Json{
       {"family", encodeUtf8(names.family)},
       {"subfamily", encodeUtf8(names.style)},
@@ -108,7 +103,7 @@ Report infoOf(const FontFile& font, const FontOptions&) {
                          {"bytes", {"offset", "length"}}})}};
 }
 
-Report namesOf(const FontFile& font, const FontOptions&) {
+Json nameList(const FontFile& font) {
   NameRecord* records = nullptr;
   const std::int32_t count = getNameRecords(font.get(), &records);
   Json names = Json::array();
@@ -124,41 +119,41 @@ Report namesOf(const FontFile& font, const FontOptions&) {
   return Json{{"names", names}};
 }
 
-Report mapOf(const FontFile& font, const FontOptions& options) {
-  Json::object_t map;  // appended to, as a search for each key would take quadratic time
+Json characterMap(const FontFile& font, const std::vector<std::string>& arguments,
+                  const Json& unmapped) {
+  Json::object_t map;  // appended to, since a search for each key would take quadratic time
   std::unordered_set<char32_t> seen;
-  for (const std::string& word : options.words) {
-    for (const char32_t code : codesOf(word)) {
+  for (const std::string& argument : arguments) {
+    for (const char32_t code : charactersOfArgument(argument)) {
       if (!seen.insert(code).second) continue;
       const std::uint16_t glyph = font.glyphOf(code);
-      map.emplace_back(codeName(code),
-                       glyph == 0 && !options.json ? Json("unmapped") : Json(glyph));
+      map.emplace_back(codeName(code), glyph == 0 ? unmapped : Json(glyph));
     }
   }
   return Json(map);
 }
 
-Report metricsOf(const FontFile& font, const FontOptions& options) {
+Json glyphMetrics(const FontFile& font, const std::vector<std::string>& arguments) {
   Json glyphs = Json::array();
-  for (const auto& [glyph, code] : glyphsOf(font, options.words)) {
+  for (const auto& [glyph, code] : glyphsOfArguments(font, arguments)) {
     GlyphMetrics metrics{};
     readGlyphMetrics(font.get(), glyph, &metrics);
     readGlyphBox(font.get(), glyph, &metrics);
-    Json row{{"glyph", glyph}};
-    addCharacter(row, code);
-    row["advanceWidth"] = metrics.advanceWidth;
-    row["leftSideBearing"] = metrics.leftSideBearing;
-    row["advanceHeight"] = metrics.advanceHeight;
-    row["topSideBearing"] = metrics.topSideBearing;
-    row["box"] = {metrics.xMin, metrics.yMin, metrics.xMax, metrics.yMax};
-    glyphs.push_back(std::move(row));
+    Json values{{"glyph", glyph}};
+    addCharacter(values, code);
+    values["advanceWidth"] = metrics.advanceWidth;
+    values["leftSideBearing"] = metrics.leftSideBearing;
+    values["advanceHeight"] = metrics.advanceHeight;
+    values["topSideBearing"] = metrics.topSideBearing;
+    values["box"] = {metrics.xMin, metrics.yMin, metrics.xMax, metrics.yMax};
+    glyphs.push_back(std::move(values));
   }
   return Json{{"glyphs", glyphs}};
 }
 
-Report kernOf(const FontFile& font, const FontOptions& options) {
+Json pairKerning(const FontFile& font, const std::vector<std::string>& arguments) {
   std::u32string text;
-  for (const std::string& word : options.words) text += codesOf(word);
+  for (const std::string& argument : arguments) text += charactersOfArgument(argument);
   std::vector<std::uint16_t> glyphs;
   for (const char32_t code : text) glyphs.push_back(font.glyphOf(code));
   Json pairs = Json::array();

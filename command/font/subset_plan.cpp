@@ -1,26 +1,28 @@
-// From a user's list of characters or glyphs to glyphs and their codes.
+#include "command/font/subset_plan.h"
+
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
-#include "command/font/subset.h"
-#include "command/support/program.h"
 #include "command/support/streams.h"
+#include "command/support/text.h"
 
 namespace ulm::tools {
 namespace {
 
 constexpr std::uint32_t kFirstPrivate = 0xE000;
 constexpr std::uint32_t kLastPrivate = 0xF8FF;
-constexpr std::uint32_t kMostGlyphBytes = 65534;  // what a glyph's record can tell
+constexpr std::uint32_t kMaxGlyphBytes = 65534;  // the largest length that the writer takes
 
 using Numbers = std::vector<std::uint32_t>;
 
-constexpr std::uint64_t kMostTextBytes = 1u << 26;
+constexpr std::uint64_t kMaxTextBytes = 1u << 26;
 
-std::u32string textOfFile(const std::string& file) {
+// Reads a text file without its byte order mark.
+std::u32string readTextFile(const std::string& file) {
   Input input(file);
-  const std::string bytes = input.readAll(kMostTextBytes);
+  const std::string bytes = input.readAll(kMaxTextBytes);
   std::u32string text;
   try {
     text = decodeUtf8(bytes);
@@ -31,29 +33,31 @@ std::u32string textOfFile(const std::string& file) {
   return text;
 }
 
-std::uint32_t numberOf(const std::string& word, int radix, std::uint32_t most) {
+// Reads a number up to `maximum`: a character in radix 16, a glyph index in radix 10.
+std::uint32_t parseNumber(const std::string& word, int radix, std::uint32_t maximum) {
   const char* digits = radix == 16 ? "0123456789abcdefABCDEF" : "0123456789";
   if (!word.empty() && word.size() <= 8 && word.find_first_not_of(digits) == std::string::npos) {
     const unsigned long value = std::stoul(word, nullptr, radix);
-    if (value <= most) return static_cast<std::uint32_t>(value);
+    if (value <= maximum) return static_cast<std::uint32_t>(value);
   }
   throw std::runtime_error('"' + word + "\": no " +
                            (radix == 16 ? "character (as U+0041)" : "glyph number"));
 }
 
-// Numbers and ranges of them, between commas or blanks; each number once, ascending.
-Numbers parseList(const std::string& list, int radix, std::uint32_t most) {
+// Reads numbers and ranges, which are separated by commas or blanks. Returns each number once, in
+// ascending order.
+Numbers parseList(const std::string& list, int radix, std::uint32_t maximum) {
   const auto parse = [&](std::string word) {
     if (radix == 16 && word.size() > 2 && (word[0] == 'U' || word[0] == 'u') && word[1] == '+') {
       word.erase(0, 2);
     }
-    return numberOf(word, radix, most);
+    return parseNumber(word, radix, maximum);
   };
-  std::vector<bool> listed(most + std::size_t{1});
-  for (std::size_t end = 0, at = 0; at < list.size(); at = end + 1) {
-    end = std::min(list.find_first_of(", \t\r\n", at), list.size());
-    if (end == at) continue;
-    const std::string word = list.substr(at, end - at);
+  std::vector<bool> listed(maximum + std::size_t{1});
+  for (std::size_t end = 0, start = 0; start < list.size(); start = end + 1) {
+    end = std::min(list.find_first_of(", \t\r\n", start), list.size());
+    if (end == start) continue;
+    const std::string word = list.substr(start, end - start);
     const std::size_t dash = word.find('-');
     if (dash != std::string::npos && (dash == 0 || dash + 1 == word.size())) {
       throw std::runtime_error('"' + word + "\": a range needs both its ends, as " +
@@ -65,14 +69,14 @@ Numbers parseList(const std::string& list, int radix, std::uint32_t most) {
     std::fill(listed.begin() + first, listed.begin() + last + 1, true);
   }
   Numbers numbers;
-  for (std::uint32_t number = 0; number <= most; ++number) {
+  for (std::uint32_t number = 0; number <= maximum; ++number) {
     if (listed[number]) numbers.push_back(number);
   }
   return numbers;
 }
 
-// Ascending numbers, long runs of neighbours as their ends.
-std::string told(const Numbers& numbers, std::string (*name)(std::uint32_t)) {
+// Returns the names of ascending numbers. A long run of successive numbers becomes a range.
+std::string namesOfNumbers(const Numbers& numbers, std::string (*name)(std::uint32_t)) {
   constexpr std::size_t kLongRun = 16;
   std::string text;
   for (std::size_t i = 0; i < numbers.size();) {
@@ -87,85 +91,76 @@ std::string told(const Numbers& numbers, std::string (*name)(std::uint32_t)) {
 std::string characterName(std::uint32_t code) { return codeName(code); }
 std::string glyphName(std::uint32_t glyph) { return std::to_string(glyph); }
 
-// 0xFFFF closes every character map of the new font's kind, and 0 is .notdef's.
+// Returns 0 for U+FFFF, which ends every character map of the new font's format, and for U+0000,
+// which belongs to .notdef.
 std::uint16_t glyphOfCode(const FontFile& font, std::uint32_t code) {
   return code == 0 || code >= 0xFFFF ? std::uint16_t{0} : font.glyphOf(code);
 }
 
-// That the writer finds bytes for it: the font has it, and its place in glyf makes sense.
-bool canBeTaken(const FontFile& font, std::uint32_t glyph) {
+// Returns true if the writer can copy the glyph: the font has it, and its offsets in glyf are
+// valid.
+bool isUsable(const FontFile& font, std::uint32_t glyph) {
   if (glyph >= font->numGlyphs) return false;
   const std::uint32_t begin = font->glyphOffsets[glyph], end = font->glyphOffsets[glyph + 1];
-  return begin <= end && end - begin <= kMostGlyphBytes;
+  return begin <= end && end - begin <= kMaxGlyphBytes;
 }
 
+// Collects the glyphs of a plan.
 class Planner {
  public:
   explicit Planner(const FontFile& font) : font_(font) {
-    if (!canBeTaken(font, 0)) throw std::runtime_error("the font's glyph 0, .notdef, is damaged");
+    if (!isUsable(font, 0)) throw std::runtime_error("the font's glyph 0, .notdef, is damaged");
     plan_.glyphs.push_back(0);
     plan_.codes.push_back(0);
   }
 
   void takeCharacters(const Numbers& codes) {
-    Numbers unmapped, beyond, damaged;
+    Numbers unmapped, beyondBmp, damaged;
     for (const std::uint32_t code : codes) {
       const std::uint16_t glyph = glyphOfCode(font_, code);
       if (code > 0xFFFF) {
-        beyond.push_back(code);
+        beyondBmp.push_back(code);
       } else if (glyph == 0) {
         unmapped.push_back(code);
-      } else if (!canBeTaken(font_, glyph)) {
+      } else if (!isUsable(font_, glyph)) {
         damaged.push_back(code);
       } else {
         add(code, glyph);
       }
     }
     leaveOut("not mapped by the font:", unmapped, characterName);
-    leaveOut("beyond U+FFFF, where the new font's character map ends:", beyond, characterName);
+    leaveOut("beyond U+FFFF, where the new font's character map ends:", beyondBmp, characterName);
     leaveOut("mapped to damaged glyphs:", damaged, characterName);
   }
 
   void takeGlyphs(Numbers glyphs) {
-    const auto taken =
-        std::stable_partition(glyphs.begin(), glyphs.end(),
-                              [&](std::uint32_t glyph) { return canBeTaken(font_, glyph); });
-    leaveOut("not in the font, or damaged:", Numbers(taken, glyphs.end()), glyphName);
-    glyphs.erase(taken, glyphs.end());
-    asksForNotdef_ = !glyphs.empty() && glyphs[0] == 0;
+    const auto unusable = std::stable_partition(
+        glyphs.begin(), glyphs.end(), [&](std::uint32_t glyph) { return isUsable(font_, glyph); });
+    leaveOut("not in the font, or damaged:", Numbers(unusable, glyphs.end()), glyphName);
+    glyphs.erase(unusable, glyphs.end());
+    requestsNotdef_ = !glyphs.empty() && glyphs[0] == 0;
 
-    const std::vector<std::uint16_t> lowestCode = font_.lowestCodes();
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> pairs;
-    Numbers unreached;
+    const std::vector<std::uint16_t> lowestCodes = font_.lowestCodes();
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> glyphsByCode;
+    Numbers withoutCode;
     for (const std::uint32_t glyph : glyphs) {
       if (glyph == 0) continue;
-      if (lowestCode[glyph] == 0) {
-        unreached.push_back(glyph);
+      if (lowestCodes[glyph] == 0) {
+        withoutCode.push_back(glyph);
       } else {
-        pairs.emplace_back(lowestCode[glyph], glyph);
+        glyphsByCode.emplace_back(lowestCodes[glyph], glyph);
       }
     }
-    Numbers room;  // codes of no character of the source
-    for (std::uint32_t code = kFirstPrivate; code <= kLastPrivate; ++code) {
-      if (font_.glyphOf(code) == 0) room.push_back(code);
+    const Numbers assigned = assignCodes(withoutCode);
+    for (std::size_t i = 0; i < withoutCode.size(); ++i) {
+      glyphsByCode.emplace_back(assigned[i], withoutCode[i]);
     }
-    if (unreached.size() > room.size()) {
-      throw std::runtime_error(
-          std::to_string(unreached.size()) + " of the glyphs are reached by no character, and " +
-          codeName(kFirstPrivate) + " to " + codeName(kLastPrivate) + " have room for " +
-          std::to_string(room.size()) + "; glyph " + std::to_string(unreached[room.size()]) +
-          " is the first " + "that does not fit");
-    }
-    for (std::size_t i = 0; i < unreached.size(); ++i) {
-      plan_.assigned.push_back(room[i]);
-      pairs.emplace_back(room[i], unreached[i]);
-    }
-    std::sort(pairs.begin(), pairs.end());
-    for (const auto& [code, glyph] : pairs) add(code, static_cast<std::uint16_t>(glyph));
+    std::sort(glyphsByCode.begin(), glyphsByCode.end());
+    for (const auto& [code, glyph] : glyphsByCode) add(code, static_cast<std::uint16_t>(glyph));
   }
 
   SubsetPlan finish() {
-    if (plan_.glyphs.size() == 1 && !asksForNotdef_) {
+    if (plan_.glyphs.size() == 1 && !requestsNotdef_) {
       std::string why;
       for (const std::string& line : plan_.leftOut) why += "; " + line;
       throw std::runtime_error("no glyphs to take" + why);
@@ -174,17 +169,36 @@ class Planner {
   }
 
  private:
+  // Returns private-use codes that the font does not map, one for each glyph, and adds them to the
+  // plan. Throws if there are not enough of them.
+  Numbers assignCodes(const Numbers& glyphs) {
+    Numbers unused;
+    for (std::uint32_t code = kFirstPrivate; code <= kLastPrivate; ++code) {
+      if (font_.glyphOf(code) == 0) unused.push_back(code);
+    }
+    if (glyphs.size() > unused.size()) {
+      throw std::runtime_error(
+          std::to_string(glyphs.size()) + " of the glyphs are reached by no character, and " +
+          codeName(kFirstPrivate) + " to " + codeName(kLastPrivate) + " have only " +
+          std::to_string(unused.size()) + " unused codes; the first glyph without a code is " +
+          std::to_string(glyphs[unused.size()]));
+    }
+    unused.resize(glyphs.size());
+    plan_.assigned.assign(unused.begin(), unused.end());
+    return unused;
+  }
   void add(std::uint32_t code, std::uint16_t glyph) {
     plan_.codes.push_back(static_cast<std::uint16_t>(code));
     plan_.glyphs.push_back(glyph);
   }
   void leaveOut(const char* why, const Numbers& numbers, std::string (*name)(std::uint32_t)) {
-    if (!numbers.empty()) plan_.leftOut.push_back("left out, " + (why + told(numbers, name)));
+    if (!numbers.empty())
+      plan_.leftOut.push_back("left out, " + (why + namesOfNumbers(numbers, name)));
   }
 
   const FontFile& font_;
   SubsetPlan plan_;
-  bool asksForNotdef_ = false;
+  bool requestsNotdef_ = false;
 };
 
 Numbers charactersOf(std::u32string text) {
@@ -204,7 +218,7 @@ SubsetPlan planSubset(const FontFile& font, const SubsetOptions& options) {
       planner.takeCharacters(charactersOf(text));
       break;
     case SubsetInput::TextFile: {
-      text = textOfFile(options.list);
+      text = readTextFile(options.list);
       std::u32string characters = text;
       std::erase_if(characters, [](char32_t code) { return code == U'\n' || code == U'\r'; });
       planner.takeCharacters(charactersOf(std::move(characters)));

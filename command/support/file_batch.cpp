@@ -27,21 +27,21 @@ namespace fs = std::filesystem;
   fail(file, std::error_code(errno, std::generic_category()));
 }
 
-// What is written as it comes, since a rename would replace it by a file.
+// Returns true for an output that is written directly: a rename would replace it by a file.
 bool isStream(const fs::file_status& status) {
   return fs::is_character_file(status) || fs::is_fifo(status) || fs::is_socket(status);
 }
 
-// The file that the name stands for, whether or not it is there. Streams keep their names: behind
-// some of them there is nothing that has one.
-fs::path placeOf(const std::string& file) {
+// Returns the absolute name of a file that may not exist yet. The name of a stream is returned
+// unchanged, because a link to a pipe does not resolve to a file name.
+fs::path absoluteName(const std::string& file) {
   if (file == "-") return file;
   std::error_code error;
-  const fs::path name = fileNamed(file);
+  fs::path name = fileNamed(file);
   if (isStream(fs::status(name, error))) return name;
-  fs::path place = fs::weakly_canonical(fs::absolute(name, error), error);
+  fs::path resolved = fs::weakly_canonical(fs::absolute(name, error), error);
   if (error) fail(file, error);
-  return place;
+  return resolved;
 }
 
 void writeStream(const std::string& file, const std::string& content) {
@@ -56,8 +56,9 @@ void writeStream(const std::string& file, const std::string& content) {
   if (!out) failByErrno(file);
 }
 
-// Short, so that it fits where the file's own name does.
-fs::path freshName(const fs::path& target) {
+// Returns an unused name in the folder of `target`. It is short, so that it fits within the limit
+// of the file system whenever a long target name does.
+fs::path temporaryName(const fs::path& target) {
   std::random_device random;
   char name[40];
   std::snprintf(name, sizeof name, ".ulmira-%08x%08x.tmp", random(), random());
@@ -67,15 +68,15 @@ fs::path freshName(const fs::path& target) {
 }  // namespace
 
 FileBatch::~FileBatch() {
-  for (const Entry& entry : entries_) {
+  for (const File& file : files_) {
     std::error_code ignored;
-    if (!entry.placed) {
-      fs::remove(entry.temporary, ignored);
-      if (!entry.backup.empty()) fs::remove(entry.backup, ignored);
-    } else if (entry.backup.empty()) {
-      fs::remove(entry.target, ignored);
+    if (!file.renamed) {
+      fs::remove(file.temporary, ignored);
+      if (!file.backup.empty()) fs::remove(file.backup, ignored);
+    } else if (file.backup.empty()) {
+      fs::remove(file.target, ignored);
     } else {
-      fs::rename(entry.backup, entry.target, ignored);
+      fs::rename(file.backup, file.target, ignored);
     }
   }
 }
@@ -83,60 +84,65 @@ FileBatch::~FileBatch() {
 void FileBatch::protect(const std::string& file) {
   std::error_code ignored;
   if (file != "-" && fs::is_regular_file(fileNamed(file), ignored)) {
-    protected_.push_back(placeOf(file));
+    protected_.push_back(absoluteName(file));
   }
 }
 
-void FileBatch::add(const std::string& file, std::string_view content) {
-  const fs::path target = placeOf(file);
+void FileBatch::add(const std::string& name, std::string_view content) {
+  const fs::path target = absoluteName(name);
   if (std::find(protected_.begin(), protected_.end(), target) != protected_.end()) {
-    throw std::runtime_error(file == "-" ? "standard output: cannot take two outputs"
-                                         : file + ": would replace another file of this command");
+    throw std::runtime_error(name == "-" ? "standard output: cannot take two outputs"
+                                         : name + ": would replace another file of this command");
   }
   protected_.push_back(target);
   std::error_code error;
-  const fs::file_status there = fs::status(target, error);
-  if (file == "-" || isStream(there)) {
-    streams_.push_back({file, std::string(content)});
+  const fs::file_status existing = fs::status(target, error);
+  if (name == "-" || isStream(existing)) {
+    streams_.push_back({name, std::string(content)});
     return;
   }
-  if (fs::exists(there) && !fs::is_regular_file(there)) {
-    throw std::runtime_error(file + ": cannot be written: not a regular file");
+  if (fs::exists(existing) && !fs::is_regular_file(existing)) {
+    throw std::runtime_error(name + ": cannot be written: not a regular file");
   }
-  entries_.reserve(entries_.size() + 1);
-  Entry entry{file, target, freshName(target), {}};
+  writeTemporary({name, target, temporaryName(target), {}}, content);
+  if (fs::exists(existing)) fs::permissions(files_.back().temporary, existing.permissions(), error);
+}
+
+void FileBatch::writeTemporary(File file, std::string_view content) {
   struct Close {
     void operator()(std::FILE* stream) const { std::fclose(stream); }
   };
-  std::unique_ptr<std::FILE, Close> stream(openFresh(entry.temporary));
-  if (stream == nullptr) failByErrno(file);
-  entries_.push_back(std::move(entry));  // from here on removed with the batch
+  files_.reserve(files_.size() + 1);  // so that push_back cannot fail after the file is created
+  const std::string name = file.name;
+  std::unique_ptr<std::FILE, Close> stream(openFresh(file.temporary));
+  if (stream == nullptr) failByErrno(name);
+  files_.push_back(std::move(file));  // the destructor removes the temporary file from now on
   if (std::fwrite(content.data(), 1, content.size(), stream.get()) != content.size() ||
       !flushToDisk(stream.get()) || std::fclose(stream.release()) != 0) {
-    failByErrno(file);
+    failByErrno(name);
   }
-  if (fs::exists(there)) fs::permissions(entries_.back().temporary, there.permissions(), error);
 }
 
 void FileBatch::commit() {
-  for (Entry& entry : entries_) {
+  for (File& file : files_) {
     std::error_code error;
-    // Nothing can fail any more once the last file has its name and no stream is to be written.
-    const bool last = &entry == &entries_.back() && streams_.empty();
-    if (!last && fs::exists(entry.target, error)) {
-      entry.backup = freshName(entry.target);
-      fs::copy_file(entry.target, entry.backup, error);
+    // The rename of the last file is the last step that can fail if there is no stream, so the old
+    // content of that file needs no backup.
+    const bool lastStep = &file == &files_.back() && streams_.empty();
+    if (!lastStep && fs::exists(file.target, error)) {
+      file.backup = temporaryName(file.target);
+      fs::copy_file(file.target, file.backup, error);
     }
-    if (!error) fs::rename(entry.temporary, entry.target, error);
-    if (error) fail(entry.name, error);
-    entry.placed = true;
+    if (!error) fs::rename(file.temporary, file.target, error);
+    if (error) fail(file.name, error);
+    file.renamed = true;
   }
   for (const Stream& stream : streams_) writeStream(stream.name, stream.content);
-  for (const Entry& entry : entries_) {
+  for (const File& file : files_) {
     std::error_code ignored;
-    if (!entry.backup.empty()) fs::remove(entry.backup, ignored);
+    if (!file.backup.empty()) fs::remove(file.backup, ignored);
   }
-  entries_.clear();
+  files_.clear();
   streams_.clear();
 }
 

@@ -8,26 +8,30 @@
 namespace ulm::tools {
 
 struct ProcessResult {
-  int exitCode = 0;  // meaningful when `ending` is empty
-  // Why there is no exit code, in words: the program could not be started, or a signal ended it.
+  int exitCode = 0;  // valid if `ending` is empty
+  // The reason why there is no exit code: the program could not be started, or a signal or an
+  // exception of the system ended it. Empty if it exited by itself.
   std::string ending;
-  std::string output;  // what it wrote to its standard output
+  std::string output;  // all bytes that the program wrote to its standard output
 };
 
-// Where a program's error stream goes: where the caller's own does, or into its output.
+// The destination of a program's error stream: the caller's error stream, or ProcessResult::output.
 enum class ErrorStream { Callers, Joined };
 
-// Runs `program` with `arguments` (without its own name) and waits for its end. On Windows a name
-// without an ending is that of an .exe. `extraEnvironment` holds "NAME=VALUE" texts that are added
-// to the caller's own; it starts in `folder`, or in the caller's where that is empty. All text is
-// UTF-8.
+// Runs a program and waits until it exits. All text is UTF-8.
+//   program           a path; on Windows .exe is added to a name without an extension
+//   arguments         without the program's own name
+//   extraEnvironment  texts "NAME=VALUE", which replace or extend the caller's environment
+//   folder            the working directory; empty means the caller's
+// Throws std::system_error (POSIX) or std::runtime_error (Windows) if no pipe can be created.
 ProcessResult runProcess(const std::filesystem::path& program,
                          const std::vector<std::string>& arguments,
                          const std::vector<std::string>& extraEnvironment = {},
                          ErrorStream errors = ErrorStream::Callers,
                          const std::filesystem::path& folder = {});
 
-// The folder that holds the running program.
+// Returns the folder that contains the running program. Throws std::filesystem::filesystem_error if
+// the system does not report it.
 std::filesystem::path programFolder();
 
 }  // namespace ulm::tools

@@ -1,5 +1,5 @@
-// What a program has from the system it runs on: its arguments, its streams and its files. Text is
-// UTF-8 on every system, and a stream carries the same bytes.
+// A program's arguments, standard streams and files, in the same form on every system: text is
+// UTF-8, and streams carry bytes unchanged.
 #pragma once
 
 #include <cstdint>
@@ -11,49 +11,54 @@
 
 namespace ulm::tools {
 
-// The arguments of main as UTF-8, in its own form. Made at the start of main; makes the standard
-// streams carry bytes as they are, too.
+// The arguments of main, converted to UTF-8. main creates one object before it does anything else:
+// the constructor also prepares the standard streams. It stops the conversion of line ends, and
+// makes sure that a stream which the caller closed is not replaced by the next opened file.
 class ProgramArguments {
  public:
   ProgramArguments(int argc, char** argv);
   ProgramArguments(const ProgramArguments&) = delete;
   ProgramArguments& operator=(const ProgramArguments&) = delete;
 
+  // The same as main's argc and argv; the values live as long as the object.
   int count() const noexcept { return static_cast<int>(texts_.size()); }
   char** values() noexcept { return pointers_.data(); }
 
  private:
   std::vector<std::string> texts_;
-  std::vector<char*> pointers_;  // with a null behind the last
+  std::vector<char*> pointers_;  // a null pointer follows the last
 };
 
-// A file name from its text, and the text of one.
+// Returns the path of a file name in UTF-8.
 inline std::filesystem::path fileNamed(const std::string& text) {
   return {std::u8string(text.begin(), text.end())};
 }
+
+// Returns the file name of a path in UTF-8.
 inline std::string textOf(const std::filesystem::path& name) {
   const std::u8string text = name.u8string();
   return {text.begin(), text.end()};
 }
 
-// Opens a file to read its bytes; null with errno set where that fails.
+// Opens a file for reading bytes. Returns null with errno set on failure. The caller closes it.
 std::FILE* openToRead(const std::string& name);
 
-// Makes a file that was not there, to write bytes; null with errno set where that fails.
+// Creates a file for writing bytes. Returns null with errno set on failure, which includes a file
+// of that name that already exists. The caller closes it.
 std::FILE* openFresh(const std::filesystem::path& name);
 
-// Sees what was written to the disk; false with errno set where that fails.
+// Writes all buffered data of the file to the disk. Returns false with errno set on failure.
 bool flushToDisk(std::FILE* file);
 
-// The size of a regular file; nothing for a pipe and whatever else may be open.
+// Returns the size of a regular file in bytes, and nothing for a pipe, a device or a directory.
 std::optional<std::uint64_t> regularSize(std::FILE* file);
 
-// Whether the error stream is a terminal that people read.
+// Returns true if the error stream is a terminal.
 bool errorStreamIsTerminal();
 
-// The standard output as it was handed over, to be closed by the caller; from then on what a
-// library prints goes to the error stream, so that a report stands alone. std::runtime_error where
-// there is none.
+// Returns a stream to the standard output, which the caller closes, and redirects standard output
+// to the error stream, so that text which a library prints cannot mix with a report. Throws
+// std::runtime_error if standard output is closed.
 std::FILE* takeStandardOutput();
 
 }  // namespace ulm::tools

@@ -5,20 +5,21 @@
 
 class IParam;
 
-// The application. Only its IQLUnknown operations are used from here.
+// The application. The module calls only its IQLUnknown operations.
 class IApp : public IQLUnknown {
  protected:
   ~IApp() = default;
 };
 
-// What the application offers to add-ons: a place to ask for further interfaces.
+// The object by which the application offers further interfaces to add-ons. The module only queries
+// it.
 class IAppExterior : public IQLUnknown {
  protected:
   ~IAppExterior() = default;
 };
 
-// Takes the identities of products. The seven operations before publishRecord are the host's own
-// business; they hold its place in the table.
+// Receives the identities of products. The seven operations before publishRecord belong to the host
+// and are never called by the module; they fix the index of publishRecord in the table.
 class IHostProductInfo : public IQLUnknown {
  public:
   virtual std::int32_t hostOperation1() = 0;
@@ -29,8 +30,9 @@ class IHostProductInfo : public IQLUnknown {
   virtual std::int32_t hostOperation6() = 0;
   virtual std::int32_t hostOperation7() = 0;
 
-  // Takes a product's record. The texts and the record are the caller's; what the host wants to
-  // keep it copies, or holds by a reference of its own.
+  // Receives a product's record. The caller owns the texts and its reference to the record; none is
+  // null. The host copies what it keeps, or takes a reference of its own. The module ignores the
+  // result. May raise CXException.
   virtual std::int32_t publishRecord(const char* vendor, const char* product, IParam* record) = 0;
 
  protected:

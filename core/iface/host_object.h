@@ -1,5 +1,5 @@
-// The object behind the host's function selector 2. Of its table one operation is used here; the
-// nineteen before it hold its place.
+// The object that the host returns for its function selector 2. The module calls only the last
+// operation; the nineteen before it fix its index in the table.
 #pragma once
 
 class IHostObject {
@@ -24,7 +24,7 @@ class IHostObject {
   virtual void* hostOperation18() = 0;
   virtual void* hostOperation19() = 0;
 
-  // The handle of the host's main window (an HWND).
+  // Returns the handle of the host's main window (an HWND), or null if there is none.
   virtual void* mainWindow() = 0;
 
  protected:

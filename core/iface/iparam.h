@@ -1,4 +1,5 @@
-// A keyed set of variant values.
+// IParam: a set of variant values under text keys, which are compared exactly. A null key is
+// absent.
 #pragma once
 
 #include <cstdint>
@@ -10,17 +11,17 @@ class CQLVariant;
 class IParam : public IQLUnknown {
  public:
   virtual std::uint32_t GetCount() = 0;
-  // The key at a place in the order of first storing, from 0; null beyond the end. Valid until the
-  // set changes.
+  // Returns the key at `index`, in the order in which the keys were first stored; null if `index`
+  // is not below the count. The text is valid until the set changes.
   virtual const char* GetKey(std::uint32_t index) = 0;
   virtual std::int32_t HasKey(const char* key) = 0;     // 1 or 0
-  virtual std::int32_t RemoveKey(const char* key) = 0;  // 1 when there was one
+  virtual std::int32_t RemoveKey(const char* key) = 0;  // 1 if it was present, otherwise 0
   virtual void RemoveAll() = 0;
 
-  // Copies the value under `key` to *outValue; non-zero when the key exists and the value was
-  // filled.
+  // Copies the value under `key` to *outValue and returns non-zero. Returns 0 if the key is absent
+  // or `outValue` is null.
   virtual std::int32_t GetValue(const char* key, CQLVariant* outValue) = 0;
-  // Stores a copy of *value under `key`, exact in spelling and case; non-zero when it did.
+  // Stores a copy of *value under `key` and returns non-zero. Returns 0 if an argument is null.
   virtual std::int32_t SetValue(const char* key, const CQLVariant* value) = 0;
 
  protected:

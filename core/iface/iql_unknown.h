@@ -1,30 +1,25 @@
 // The base of all interfaces that cross a library boundary.
 //
-// An interface is a class of pure operations; the order of its operations is its contract. It is
-// told by the run-time type record of its class, and two records mean one interface when their
-// decorated names are equal: each library may hold its own copy of a record, so that addresses say
-// nothing. The count of an object may be plain: an object belongs to one thread at a time.
+// An interface is a class of pure virtual operations whose order is fixed. The type record of the
+// class (std::type_info) identifies it. Two records describe the same interface if their decorated
+// names are equal; addresses are not compared, because each library may hold its own copy of a
+// record. The count of an object need not be atomic: one thread at a time uses an object.
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <typeinfo>
 
 class IQLUnknown {
  public:
-  // Takes one more reference; gives the new count.
+  // Adds a reference and returns the new count.
   virtual std::uint32_t AddRef() = 0;
-  // Gives one reference back, after which the object may be gone; gives the new count.
+  // Releases a reference and returns the new count. At 0 the object may already be destroyed.
   virtual std::uint32_t Release() = 0;
-  // Gives 1 and, in *outObject, the object with a reference for the caller, when the object has the
-  // interface; else 0 and null. With a null `outObject` it only answers and takes no reference.
+  // Asks for the interface with the type record `wanted`. If the object has it, returns 1 and
+  // stores it in *outObject with a reference for the caller; otherwise returns 0 and stores null.
+  // With a null `outObject` the result is the same, and no reference is taken.
   virtual std::int32_t QueryInterface(const std::type_info& wanted, void** outObject) = 0;
 
  protected:
-  ~IQLUnknown() = default;  // objects go away by Release alone
+  ~IQLUnknown() = default;  // only Release destroys an object
 };
-
-// Whether two type records are those of one interface.
-inline bool Iface_SameRecord(const std::type_info& a, const std::type_info& b) noexcept {
-  return std::strcmp(a.name(), b.name()) == 0;
-}

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// The four operations before loadModule belong to the host and are not called from here; they keep
-// its slot in the table.
+// The four operations before loadModule belong to the host and are never called by the module; they
+// fix its index in the table.
 class hostLangEngineMan {
  public:
   virtual int hostOperation1() = 0;
@@ -12,7 +12,11 @@ class hostLangEngineMan {
   virtual int hostOperation3() = 0;
   virtual int hostOperation4() = 0;
 
-  // Has the engine load a module by its bare file name. May raise CXException.
+  // Makes the engine load a module.
+  //   file    bare file name; not null
+  //   engine  name of the engine; not null
+  //   number  passed on to the engine
+  // The module ignores the result. May raise CXException.
   virtual int loadModule(const wchar_t* file, const wchar_t* engine, std::int32_t number) = 0;
 
  protected:

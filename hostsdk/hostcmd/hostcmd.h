@@ -4,5 +4,6 @@
 #include "core/iface/lang_engine_man.h"
 #include "hostsdk/export.h"
 
-// The process's one manager, which the caller does not release; null where there is none.
+// Returns the one manager of the process, which the caller does not release; null if there is none.
+// May raise CXException.
 ULM_HOSTCMD_API hostLangEngineMan* get_hostLangEngineMan();

@@ -1,4 +1,4 @@
-// The errors that the object runtime raises, as exceptions with a result code.
+// The exceptions of the object runtime. Each has a result code.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 #include "hostsdk/export.h"
 
-// Result codes; a host knows them by number.
+// The result codes. Their numbers are fixed.
 inline constexpr std::int32_t kOdResultNoMemory = 9;
 inline constexpr std::int32_t kOdResultInvalidIndex = 10;
 
@@ -18,13 +18,14 @@ class ULM_ODRX_CLASS OdError : public std::exception {
   ~OdError() override;
 
   std::int32_t code() const noexcept { return code_; }
+  // Returns a short description of the code.
   const char* what() const noexcept override;
 
  private:
   std::int32_t code_;
 };
 
-// An index that is not below the length of its array.
+// An index is not below the length of its array.
 class ULM_ODRX_CLASS OdError_InvalidIndex : public OdError {
  public:
   OdError_InvalidIndex() noexcept : OdError(kOdResultInvalidIndex) {}

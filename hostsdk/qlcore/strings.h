@@ -1,8 +1,9 @@
-// The core library's strings. Both hold a pointer to their zero-terminated text in their first
-// field, never null, which users read directly. Text between the two kinds passes through the ANSI
-// code page (CP_ACP); wide characters that it lacks become '?'. Lengths and places count characters
-// of the string's own kind. Every operation that makes text raises std::bad_alloc where there is no
-// memory, and then the string is as it was.
+// The core library's strings, one narrow and one wide. The first field of both is the pointer to
+// their zero-terminated text, which users read directly and which is never null. Text is converted
+// between the two kinds by the ANSI code page (CP_ACP); a wide character that the page lacks
+// becomes '?'. Lengths and indices count characters of the string's own kind. A text argument may
+// be null, which counts as an empty text, except for `format`. An operation that makes text raises
+// std::bad_alloc if there is no memory, and leaves the string unchanged then.
 #pragma once
 
 #include "hostsdk/export.h"
@@ -11,8 +12,7 @@
 class ULM_QLCORE_CLASS CXString {
  public:
   CXString() noexcept;
-  CXString(
-      const char* text);  // NOLINT(google-explicit-constructor): a text is a string; null is empty
+  CXString(const char* text);     // NOLINT(google-explicit-constructor): a text is a string
   CXString(const wchar_t* text);  // NOLINT(google-explicit-constructor)
   CXString(const CXString& other);
   CXString(CXString&& other) noexcept;
@@ -23,12 +23,20 @@ class ULM_QLCORE_CLASS CXString {
   CXString& operator=(const wchar_t* text);
 
   int GetLength() const noexcept;
-  int Compare(const char* text) const noexcept;             // as strcmp; null compares as empty
-  int Find(const char* text, int from = 0) const noexcept;  // the place of `text`, or -1
-  CXString Extract(int first, int length) const;            // cut to what there is
+  // The result has the sign of strcmp's.
+  int Compare(const char* text) const noexcept;
+  // Returns the index of the first `text` at or after the index `from`. Returns -1 if there is
+  // none, if `text` is null, or if `from` is outside the string.
+  int Find(const char* text, int from = 0) const noexcept;
+  // Returns a part of the string. Arguments outside the string are limited to it.
+  CXString Extract(int first, int length) const;
+  // Takes a format of printf. The string stays unchanged if the format fails.
   void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
-  void AssignCopy(const char* text, int length);  // the first `length` characters
-  CXString FilePath() const;  // the folder of a file name, without the separator behind it
+  // Takes the first `length` characters of `text`; empty for a length below 1.
+  void AssignCopy(const char* text, int length);
+  // Returns the folder of a file name without the separator after it; empty if there is no
+  // separator.
+  CXString FilePath() const;
 
   const char* text;  // owned, or a constant empty text
 };
@@ -37,8 +45,8 @@ class ULM_QLCORE_CLASS CXStringW {
  public:
   CXStringW() noexcept;
   CXStringW(const char* narrow);  // NOLINT(google-explicit-constructor)
-  // String `number` of the library that calls, empty where it has none: defined in the caller's own
-  // code (core/string_number.h), since only that knows its instance.
+  // Loads the string `number` of the calling library; empty if it has none. The caller's own code
+  // defines it (core/string_number.h), because only that knows the instance.
   ULM_LIBRARY_OWN explicit CXStringW(UINT number);
   CXStringW(const CXStringW& other);
   CXStringW(CXStringW&& other) noexcept;
@@ -47,12 +55,20 @@ class ULM_QLCORE_CLASS CXStringW {
   CXStringW& operator=(CXStringW&& other) noexcept;
   CXStringW& operator=(const char* narrow);
 
-  int GetSize() const noexcept;  // the length that AssignCopy and ConcatCopy take
+  // Returns the length in characters, as AssignCopy and ConcatCopy take it.
+  int GetSize() const noexcept;
+  // Both take the first `length` characters of `source`. With a null source or a length below 1,
+  // AssignCopy makes the string empty and ConcatCopy changes nothing.
   void AssignCopy(const wchar_t* source, int length);
   void ConcatCopy(const wchar_t* source, int length);
+  // Takes a format of wprintf. The string stays unchanged if the format fails, or if the result has
+  // more than 2^24 characters.
   void Format(const wchar_t* format, ...);
-  bool Load(HINSTANCE instance, UINT number);  // false, and empty, where there is no such string
-  void Init() noexcept;                        // makes a string of raw memory: empty
+  // Loads the string `number` of `instance`, which is the program if null. Returns true. Returns
+  // false and makes the string empty if there is no such string.
+  bool Load(HINSTANCE instance, UINT number);
+  // Makes an empty string in memory whose constructor has not run. Text that the string owns leaks.
+  void Init() noexcept;
 
   const wchar_t* text;  // owned, or a constant empty text
 };

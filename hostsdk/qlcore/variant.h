@@ -1,4 +1,4 @@
-// The core library's tagged value: a plain record, and the class over it.
+// The core library's tagged value: a plain record, and a class that owns what the record holds.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ struct tagRPOINT {
 struct tagRRECT {
   double left, top, right, bottom;
 };
-// A run of bytes that stays its owner's: a variant holds the address, never a copy.
+// A sequence of bytes. A variant stores the address only; the owner of the bytes keeps them valid.
 struct tagQLBLOB {
   std::uint32_t size;  // in bytes
   const void* data;
@@ -45,11 +45,11 @@ inline constexpr QLVariantTag kQLWideString = 18;
 
 struct tagQLVARIANT {
   union Value {
-    std::int64_t whole;  // tags 1 to 7, whatever their width; a flag is 0 or 1
+    std::int64_t whole;  // tags 1 to 7, of any width; a flag is 0 or 1
     double real;
     float single;
-    char* string;         // owned; null for a null text
-    wchar_t* wideString;  // owned; null for a null text
+    char* string;         // owned, from odrxAlloc; null for a null text
+    wchar_t* wideString;  // owned, from odrxAlloc; null for a null text
     tagSIZE size;
     tagRSIZE realSize;
     tagPOINT point;
@@ -63,17 +63,17 @@ struct tagQLVARIANT {
   Value value;
 };
 
-// Makes an empty variant of raw memory.
+// Makes an empty variant in uninitialised memory; `variant` is not null.
 ULM_QLCORE_API void QLVariantInit(tagQLVARIANT* variant) noexcept;
 
-// Assignments copy text; where there is no memory they raise std::bad_alloc and leave the variant
-// as it was.
+// The variant as a class. Constructors and assignments copy text, which may be null. If there is no
+// memory, they raise std::bad_alloc and leave the variant unchanged.
 class ULM_QLCORE_CLASS CQLVariant : public tagQLVARIANT {
  public:
   CQLVariant() noexcept { QLVariantInit(this); }
   explicit CQLVariant(const char* text);
-  CQLVariant(std::int64_t number,
-             QLVariantTag wholeTag);  // a tag outside 1 to 7 gives an empty one
+  // A whole number with a tag from 1 to 7; any other tag makes an empty variant.
+  CQLVariant(std::int64_t number, QLVariantTag wholeTag);
   CQLVariant(const CQLVariant& other);
   CQLVariant(CQLVariant&& other) noexcept;
   ~CQLVariant() { Clear(); }
@@ -87,15 +87,16 @@ class ULM_QLCORE_CLASS CQLVariant : public tagQLVARIANT {
   CQLVariant& operator=(int number);
   CQLVariant& operator=(long number);
 
-  void Clear() noexcept;  // gives up what it owns; empty
+  // Frees what the variant owns and makes it empty.
+  void Clear() noexcept;
 
-  // The text of a narrow string, valid while the variant keeps it; null for any other tag.
+  // Returns the text of a narrow string, valid until the variant changes; null for any other tag.
   explicit operator const char*() const noexcept;
-  // The number of tags 1 to 7, cut to 32 bits; 0 for any other tag.
+  // Returns the low 32 bits of the number with a tag from 1 to 7; 0 for any other tag.
   explicit operator int() const noexcept;
 
-  // Takes a value of the tag's type from its address (the address of the first character for the
-  // two string tags; tag 1 is a bool). 1, or 0 for an unknown tag or a null address, the variant as
-  // it was.
+  // Copies a value of the tag's type from `address`. For the two string tags `address` is that of
+  // the first character. For tag 1 the value is a bool. Returns 1. Returns 0 for an unknown tag or
+  // a null address and leaves the variant unchanged. Raises std::bad_alloc as an assignment does.
   int BindFromValue(QLVariantTag newTag, const void* address);
 };

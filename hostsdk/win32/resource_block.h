@@ -1,11 +1,12 @@
-// Makes the resources of a library that is no Windows file: a version block and a string table as
-// constants in sections of the file, which resources.cpp finds again by reading the file.
-//   .rsrc_version  one version block as the VERSIONINFO resource lays it out: length, value length,
-//                  type 0, the key "VS_VERSION_INFO" in UTF-16, padding to 4 bytes, the fixed file
-//                  information.
-//   .rsrc_strings  string entries one behind the other: number (16 bits, from 1), length in UTF-16
-//                  units (16 bits), the units. Zeros between entries are padding. The table ends
-//                  with the section.
+// Builds the resources of a library on systems without resource files: a version block and a string
+// table, as constants in sections of the library's file. The emulated system reads them from the
+// file.
+//   .rsrc_version  one version block in the layout of the VERSIONINFO resource: length, value
+//                  length, type 0, the key "VS_VERSION_INFO" in UTF-16, padding to 4 bytes, the
+//                  fixed file information.
+//   .rsrc_strings  consecutive string entries: number (16 bits, from 1), length in UTF-16 units (16
+//                  bits), the units. Zeros between entries are padding. The table ends with the
+//                  section.
 // All numbers are little-endian.
 #pragma once
 
@@ -16,7 +17,7 @@
 namespace ulm::win32 {
 
 static_assert(std::endian::native == std::endian::little,
-              "the constants below reach the file in the byte order of the machine");
+              "the constants below are stored in the byte order of the machine");
 
 struct VersionBlock {
   std::uint16_t length = sizeof(VersionBlock);
@@ -49,7 +50,7 @@ struct VersionBlock {
 };
 static_assert(sizeof(VersionBlock) == 92, "the block has no hidden padding");
 
-// One entry of a string table; a table is a struct of entries, one behind the other.
+// One entry of a string table. A table is a struct whose members are entries.
 template <std::size_t Length>  // in UTF-16 units, without a terminator
 struct StringEntry {
   std::uint16_t number;

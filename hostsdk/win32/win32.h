@@ -1,23 +1,25 @@
 // The system calls that the module makes, under their own names and with their own meaning.
 //
-// On Windows this is the system's header. Elsewhere the library ulmwin32 supplies the subset that
-// is used. It is one shared library, so that a host, its libraries and the module see one
-// environment block and one set of windows. Its world is this:
-//   modules        Only what is already in the process is found, save by LoadLibraryW. `NAME.dll`
-//                  is the loaded `NAME.so`, `NAME.exe` the program; names compare without case. A
-//                  handle is the address at which the file is mapped, the same that VirtualQuery
-//                  tells.
-//   file names     /a/b/ULM_Main.so reads as Z:\a\b\ULM_Main.so, and calls that take a file name
-//                  take that form (and the system's own) back. Bytes that are not UTF-8 read as
-//                  U+DC80 to U+DCFF, a backslash within a name as U+DC5C, so that no name is lost.
-//   environment    A block of the layer's own, which starts as a copy of the process's at the first
-//                  use and never writes back: a PATH joined with ';' must not damage the real one.
-//                  Names compare without case; of several that do so alike the first counts.
+// On Windows this is the system's header. Elsewhere the library ulmwin32 implements the subset that
+// is used. It is one shared library, so that a host, its libraries and the module share one
+// environment block and one set of windows. Its rules are:
+//   modules        Only LoadLibraryW loads a library; all other functions find those already in the
+//                  process. NAME.dll means the loaded NAME.so, NAME.exe the program. Names compare
+//                  without case. A handle is the address at which the file is mapped, which
+//                  VirtualQuery reports too.
+//   file names     /a/b/ULM_Main.so is reported as Z:\a\b\ULM_Main.so. Functions with a file name
+//                  accept this form and the system's own. A byte that is not UTF-8 becomes U+DC80
+//                  to U+DCFF, a backslash within a name becomes U+DC5C, so that no name is lost.
+//   environment    A separate block. It is copied from that of the process while the library is
+//                  loaded and never written back, because a PATH joined with ';' must not damage
+//                  the real one. Names compare without case; the first of equal names counts.
 //   code pages     0 (the ANSI page, here 1252), 1252 and 65001 (UTF-8); any other is unknown.
-//   wide text      wchar_t holds a code point each; lengths count wchar_t.
-//   case           Letters of ASCII and Latin-1 are folded, whatever the locale.
+//   wide text      A wchar_t holds one code point; lengths count wchar_t.
+//   case           Letters of ASCII and Latin-1 are folded; the locale has no influence.
 // Every function may be called from any thread, and before the static initialisers of its caller
-// have run. None throws: where memory runs out a function gives its failure result.
+// have run. No function throws: if memory runs out, it returns its failure result. A pointer
+// argument may be null only where the function says so; otherwise null returns the failure result
+// too.
 #pragma once
 
 #ifdef _WIN32
@@ -60,7 +62,7 @@ using FARPROC = std::intptr_t (*)();
 inline constexpr BOOL TRUE = 1;
 inline constexpr BOOL FALSE = 0;
 
-// Why a library is entered: the second argument of DllMain.
+// The reason of a call of DllMain, its second argument.
 inline constexpr DWORD DLL_PROCESS_DETACH = 0;
 inline constexpr DWORD DLL_PROCESS_ATTACH = 1;
 inline constexpr DWORD DLL_THREAD_ATTACH = 2;
@@ -84,7 +86,7 @@ struct tagRECT {
 };
 
 struct MEMORY_BASIC_INFORMATION {
-  void* BaseAddress;        // first byte of the page that was asked for
+  void* BaseAddress;        // first byte of the page that holds the address
   void* AllocationBase;     // first byte of the module's mapping: its handle
   DWORD AllocationProtect;  // 0 here
   WORD PartitionId;         // 0 here
@@ -112,124 +114,143 @@ struct VS_FIXEDFILEINFO {
 
 // --- Modules (modules.cpp) ---
 
-// The handle of a library in the process, or of the program for a null name; null where there is
-// none. A name without a dot means NAME.dll, and a dot at its end says that nothing is added; a
-// name with a folder must be the whole file name.
+// Returns the handle of a library in the process, or of the program for a null name; null if there
+// is none. ".dll" is appended to a name without a dot; a dot at the end prevents this and is
+// dropped. A name with a folder must be the full file name.
 ULM_WIN32_API HMODULE GetModuleHandleW(const wchar_t* name);
 ULM_WIN32_API HMODULE GetModuleHandleA(const char* name);
 
-// An export of that very module; null where it has none of this name. Exports of the libraries that
-// it links are not looked at. A null module is the program. There are no exports by number.
+// Returns an export of this module; null if it has none of this name. Exports of the libraries that
+// it links do not count. A null module is the program. Exports by number do not exist.
 ULM_WIN32_API FARPROC GetProcAddress(HMODULE module, const char* name);
 
-// Writes the module's full file name and gives its length. A name of `size` characters or more is
-// cut to `size` characters without a terminator (stand_in.h can change that), and the result is
-// `size`. 0 where `module` is no
-// module. A null module is the program.
+// Writes the module's full file name to `buffer` and returns its length. If the name has `size`
+// characters or more, writes its first `size` characters without a terminator (stand_in.h can
+// change that) and returns `size`. Returns 0 if `module` is not a module or `size` is 0. A null
+// module is the program.
 ULM_WIN32_API DWORD GetModuleFileNameW(HMODULE module, wchar_t* buffer, DWORD size);
 
-// Describes the module that holds `address`. Gives the bytes written, or 0 where no module holds
-// the address or `length` is too small.
+// Describes the module that contains `address`. Returns the number of bytes written, or 0 if no
+// module contains the address or `length` is too small.
 ULM_WIN32_API SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* information,
                                   SIZE_T length);
 
-// Takes a library into the process, or counts one more use of it; null on failure, with the reason
-// in ulmWin32LoadError (stand_in.h). A library that GetModuleHandleW finds under the name is meant
-// before any file; else a bare name is looked for in the program's folder, a name without a dot
-// gets .dll, and where there is no file NAME.dll, NAME.so is taken. An exception that leaves an
-// initialiser of the library ends here and is a failure: the library goes again. The system's
-// loader then stays locked to this thread: other threads can load and unload nothing any more, so a
-// host that goes on after such a failure does so in one thread.
+// Loads a library, or adds a use if it is in the process already. Returns its handle; null on
+// failure, with the reason in ulmWin32LoadError (stand_in.h).
+// A library that GetModuleHandleW finds under the name has priority over any file. Otherwise a bare
+// name is searched in the program's folder, ".dll" is appended to a name without a dot, and NAME.so
+// is loaded if there is no file NAME.dll.
+// If an initialiser of the library throws, the load fails and the library is unloaded. The system's
+// loader then stays locked to this thread: no other thread can load or unload a library. A host
+// that continues after such a failure must do so in this thread only.
 ULM_WIN32_API HMODULE LoadLibraryW(const wchar_t* fileName);
 
-// Gives one use of a library back; with the last it leaves the process. FALSE where `module` is
-// none or nobody took it with LoadLibraryW; the program never leaves.
+// Releases one use of a library; the last release unloads it. Returns TRUE. Returns FALSE if
+// `module` is not a module or LoadLibraryW did not load it. The program is never unloaded.
 ULM_WIN32_API BOOL FreeLibrary(HMODULE module);
 
-// No thread ever enters a library here; tells whether `module` is one.
+// Returns TRUE if `module` is a module, otherwise FALSE. It has no other effect: no library is
+// notified of threads.
 ULM_WIN32_API BOOL DisableThreadLibraryCalls(HMODULE module);
 
 // --- Environment (environment.cpp) ---
 
-// Writes the variable and gives its length without the terminator. Where it does not fit, the
-// buffer is left as it was and the result is the size needed, terminator included. 0 where there is
-// no such variable, with the buffer as it was.
+// Writes the value of the variable to `buffer` and returns its length without the terminator. If
+// the value does not fit, returns the required size with the terminator. Returns 0 if there is no
+// such variable. In both cases the buffer is unchanged. A null `buffer` counts as one of size 0.
 ULM_WIN32_API DWORD GetEnvironmentVariableW(const wchar_t* name, wchar_t* buffer, DWORD size);
 
-// Sets a variable from "NAME=VALUE", or removes it with "NAME=". 0, or -1 where the text has no
-// name or no '='. A removed variable reads as absent.
+// Sets a variable from "NAME=VALUE", or removes it with "NAME=". Returns 0, or -1 if the text is
+// null or has no name or no '='.
 ULM_WIN32_API int _wputenv(const wchar_t* assignment);
 
 // --- Profile files (profile.cpp) ---
 
-// The number under a key of a profile file. Sections and keys compare without the case of ASCII
-// letters; the first section and the first key of a name count. Lines that start with ';' are
-// comments; blanks around names and values and a pair of quotes, single or double, around a value
-// are dropped. A line without '=' is a key without a value, one without ']' no section. A number
-// may have a sign and is decimal, or with a small letter 0x hexadecimal, 0o octal or 0b binary;
-// what follows its digits is ignored, a value without digits is 0, and it wraps modulo 2^32.
-// `defaultValue` where file, section or key is not there or the value is empty, for a file name of
-// 260 characters or more, and for one without a folder, which Windows would take from its own. The
-// file is ANSI, UTF-8 with a mark, or UTF-16 of either byte order with a mark; it is read anew at
-// each call.
+// Returns the number under a key of a profile file. Returns `defaultValue` if the file, the section
+// or the key is absent, if the value is empty, and if the file name has 260 characters or more or
+// has no folder.
+//   file      ANSI, UTF-8 with a byte order mark, or UTF-16 of either byte order with a mark. Each
+//             call reads it again.
+//   names     Sections and keys compare without the case of ASCII letters. The first section and
+//             the first key of a name count.
+//   lines     A line that starts with ';' is a comment. A line without '=' is a key without a
+//             value. A line that starts with '[' and has no ']' is not a section.
+//   blanks    Blanks around names and values, and one pair of single or double quotes around a
+//             value, are dropped.
+//   numbers   An optional sign, then decimal digits, or hexadecimal, octal or binary ones after 0x,
+//             0o or 0b in small letters. Text after the digits is ignored. A value without digits
+//             is 0. The result wraps modulo 2^32.
 ULM_WIN32_API UINT GetPrivateProfileIntW(const wchar_t* section, const wchar_t* key,
                                          int defaultValue, const wchar_t* fileName);
 
 // --- Windows (window_registry.cpp) ---
 
-// The newest top-level window of that class, or of any for a null class; null where there is none.
-// `windowName` must be null here, any other finds nothing. Windows are registered with
+// Returns the newest top-level window of that class, or of any class if `className` is null; null
+// if there is none. A `windowName` that is not null finds nothing. Windows are registered with
 // ulmWin32OpenWindow (stand_in.h). Class names compare without case.
 ULM_WIN32_API HWND FindWindowW(const wchar_t* className, const wchar_t* windowName);
 
-// --- Resources (resources.cpp; resource_block.h makes them) ---
+// --- Resources (resources.cpp; resource_block.h builds them) ---
 
-// The size in bytes of a file's version resource, 0 where it has none. `handle` may be null and
-// receives 0. File names are completed as LoadLibraryW does it.
+// Returns the size in bytes of a file's version resource; 0 if it has none. `handle` may be null
+// and receives 0. File names are completed as for LoadLibraryW.
 ULM_WIN32_API DWORD GetFileVersionInfoSizeW(const wchar_t* fileName, DWORD* handle);
 
-// Copies the version resource into `block`, `length` bytes at the most; a block that is cut tells
-// the length that it was cut to. FALSE for a length below 6, which cannot tell that.
+// Copies at most `length` bytes of the version resource to `block` and stores the number of copied
+// bytes in the block's length field. Returns TRUE. Returns FALSE if the file has no version
+// resource or `length` is below 6, which has no room for the length field.
 ULM_WIN32_API BOOL GetFileVersionInfoW(const wchar_t* fileName, DWORD handle, DWORD length,
                                        void* block);
 
-// For the sub-block "\", or an empty one: gives a pointer to the VS_FIXEDFILEINFO within `block`
-// and its length. FALSE for any other sub-block and for a block without it. The caller vouches that
-// `block` was filled by GetFileVersionInfoW; its own length field bounds the search.
+// Stores the address of the VS_FIXEDFILEINFO within `block` in *value, and its length in *length,
+// for the sub-block "\" or "". Returns TRUE. Returns FALSE for any other sub-block and if the block
+// has no fixed information. The length may be smaller than the structure. The caller guarantees
+// that GetFileVersionInfoW filled `block`; the block's length field bounds the search.
 ULM_WIN32_API BOOL VerQueryValueW(const void* block, const wchar_t* subBlock, void** value,
                                   UINT* length);
 
-// Loads a string of the module's string resource, as ANSI text cut to size - 1 characters and
-// terminated; gives its length. An absent string gives 0 and empty text; a size of 0 gives -1.
-// A null instance is the program, which like any other may be a file without strings. Of `number`
-// the low 16 bits count.
+// Loads a string of the module's string resource as ANSI text into `buffer`, cut to size - 1
+// characters and terminated, and returns its length. If the string is absent, returns 0 and writes
+// an empty text. Returns -1 if `buffer` is null or `size` is below 1. A null instance is the
+// program. Only the low 16 bits of `number` count.
 ULM_WIN32_API int LoadStringA(HINSTANCE instance, UINT number, char* buffer, int size);
-// The same as wide text; an absent string leaves the buffer as it was, and a size of 0 gives 0
-// here.
+// The same as wide text, with two differences: an absent string leaves the buffer unchanged, and a
+// null buffer or a size below 1 returns 0.
 ULM_WIN32_API int LoadStringW(HINSTANCE instance, UINT number, wchar_t* buffer, int size);
 
 // --- Memory and text (text.cpp) ---
 
-ULM_WIN32_API HGLOBAL GlobalAlloc(UINT flags, SIZE_T bytes);  // GMEM_ZEROINIT is honoured
-ULM_WIN32_API HGLOBAL GlobalFree(HGLOBAL block);              // gives null
+// Returns a block of `bytes` bytes; null if there is no memory. Of the flags only GMEM_ZEROINIT
+// counts.
+ULM_WIN32_API HGLOBAL GlobalAlloc(UINT flags, SIZE_T bytes);
+// Frees a block, which may be null, and returns null.
+ULM_WIN32_API HGLOBAL GlobalFree(HGLOBAL block);
 
-// Copies at most size - 1 characters and terminates; gives `target`, null for a null argument.
+// Copies at most size - 1 characters, adds a terminator and returns `target`. With a size below 1
+// it writes nothing. Returns null if an argument is null.
 ULM_WIN32_API wchar_t* lstrcpynW(wchar_t* target, const wchar_t* source, int size);
 
-// Text between a code page and wide characters. A source length below 0 means up to and with the
-// terminator; a target size of 0 asks for the size needed. 0 is failure: an unknown code page, a
-// target too small (what fits is written), an empty or null source, a source that is the target,
-// any flag but the four of Windows (0 to 15), or with MB_ERR_INVALID_CHARS bytes that are not text.
-// Without it such bytes become U+FFFD. Every byte of 1252 is text: the five that it leaves open are
-// control characters.
+// Converts text of a code page to wide characters. Returns the number of characters written, or the
+// required number if `targetSize` is 0. A negative source length means that the source ends with a
+// terminator, which is converted too.
+// Returns 0 on failure: the code page is unknown; the target is too small, and is filled as far as
+// possible; the source is empty, null or the target; flags contains a bit above the four of Windows
+// (0 to 15); MB_ERR_INVALID_CHARS is set and the source has invalid bytes. Without this flag
+// invalid bytes become U+FFFD. Every byte of 1252 is valid: the five unassigned ones are control
+// characters.
 ULM_WIN32_API int MultiByteToWideChar(UINT codePage, DWORD flags, const char* source,
                                       int sourceLength, wchar_t* target, int targetSize);
-// A letter that 1252 lacks becomes the nearest that it has, other characters *defaultChar, or '?'
-// where that is null, and *usedDefaultChar tells whether any did. In UTF-8 what is no character
-// becomes U+FFFD, and both must be null.
+// Converts wide characters to text of a code page, with the same rules and results; `flags` must be
+// 0.
+//   1252   A letter that the page lacks becomes the nearest letter that it has. Any other character
+//          that it lacks becomes *defaultChar, or '?' if `defaultChar` is null. *usedDefaultChar,
+//          if not null, receives TRUE if this happened, otherwise FALSE.
+//   UTF-8  A value that is not a character becomes U+FFFD. `defaultChar` and `usedDefaultChar` must
+//          be null, otherwise the function fails.
 ULM_WIN32_API int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* source,
                                       int sourceLength, char* target, int targetSize,
                                       const char* defaultChar, BOOL* usedDefaultChar);
-ULM_WIN32_API UINT GetACP();  // 1252
+// Returns the number of the ANSI code page, 1252.
+ULM_WIN32_API UINT GetACP();
 
 #endif

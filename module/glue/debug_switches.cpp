@@ -12,7 +12,7 @@ constexpr wchar_t kSection[] = L"mt";
 
 constinit std::uint32_t switchMask = 0;
 constinit bool maskRead = false;
-constinit std::int32_t assertState = 0;  // 0 not yet decided, 1 on, -1 off
+constinit std::int32_t assertState = 0;  // 0 undecided, 1 on, -1 off
 
 struct SwitchKey {
   const wchar_t* key;
@@ -22,11 +22,11 @@ constexpr SwitchKey kSwitchKeys[] = {{L"JumpArrOnAdd", kSwitchJumpArrOnAdd},
                                      {L"JumpArrOnRemove", kSwitchJumpArrOnRemove},
                                      {L"DefecateMem", kSwitchDefecateMem}};
 
-// Writes the name of the profile file in the module's folder to `name`, kNameSize characters. False
-// where the module has no name or its name has no folder.
-bool profileBeside(HMODULE module, wchar_t* name) noexcept {
+// Writes the full name of the profile file to `name`, which has kNameSize characters. Returns false
+// if the system knows no name of the module, or the name has no folder.
+bool profileName(HMODULE module, wchar_t* name) noexcept {
   if (GetModuleFileNameW(module, name, kNameSize) == 0) return false;
-  name[kNameSize - 1] = L'\0';  // a cut name may come without a terminator
+  name[kNameSize - 1] = L'\0';  // some systems cut a long name without a terminator
   wchar_t* backslash = std::wcsrchr(name, L'\\');
   if (backslash == nullptr) return false;
   wchar_t* file = backslash + 1;
@@ -46,7 +46,7 @@ std::uint32_t DebugSwitches_Read() noexcept {
   const HMODULE module = ulm::glue::moduleHolding(&maskRead);
   if (module == nullptr) return 0;
   wchar_t profile[kNameSize] = {};
-  if (!profileBeside(module, profile)) return 0;
+  if (!profileName(module, profile)) return 0;
   for (const SwitchKey& key : kSwitchKeys) {
     if (switchedOn(key.key, profile)) switchMask |= key.bit;
   }
@@ -55,7 +55,7 @@ std::uint32_t DebugSwitches_Read() noexcept {
 
 bool DebugSwitches_AssertEnabled() {
   if (assertState != 0) return assertState > 0;
-  assertState = -1;  // every early end below leaves the answer false for good
+  assertState = -1;  // remains if a step below fails or raises an exception
   if (FindWindowW(L"_indebmon", nullptr) == nullptr) return false;
   const HMODULE module = ulm::glue::moduleHolding(&assertState);
   if (module == nullptr) return false;
@@ -63,7 +63,7 @@ bool DebugSwitches_AssertEnabled() {
       static_cast<wchar_t*>(ulm::glue::allocate(kNameSize * sizeof(wchar_t))));
   if (profile == nullptr) return false;
   profile.get()[0] = L'\0';
-  if (!profileBeside(module, profile.get())) return false;
+  if (!profileName(module, profile.get())) return false;
   if (!switchedOn(L"mqlassert", profile.get())) return false;
   assertState = 1;
   return true;

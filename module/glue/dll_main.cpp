@@ -1,20 +1,20 @@
-// The library's entry, called by the platform behind the static initialisers and before the
-// destructors.
+// The library's entry. The system calls it after the static initialisers and before the destructors
+// of static objects.
 #include "module/glue/instance.h"
-#include "module/glue/procedure.h"
 #include "module/glue/translation.h"
 
 namespace {
 
-// An entry that a library of this make may export to be told of its own coming and going.
+// An optional export of the library itself: called with 1 after the library is attached, and with 0
+// before it is detached.
 using AfxDllMain = int(HINSTANCE instance, int attached);
 constinit AfxDllMain* afxDllMain = nullptr;
 
-// A library comes up whatever becomes of its translation.
+// Failures are ignored: the library starts without a translation.
 void startTranslation(HINSTANCE instance) noexcept {
   try {
     ResTranslation_Init(instance);
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the result would not be looked at either
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the result is ignored too
   }
 }
 

@@ -1,15 +1,15 @@
-// The exceptions that cross libraries. Thrown by value, caught by reference. A handler in one
-// library finds the exception of another by the decorated name of its class, so the names are
-// global.
+// The exceptions that cross library boundaries. They are thrown by value and caught by reference. A
+// handler in one library recognises the exception of another by the decorated name of its class, so
+// the classes are in the global namespace.
 #pragma once
 
 #include <cstdint>
 #include <typeinfo>
 
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
-// A code, and the library that raised it: the one that this constructor is linked into. The order
-// of the virtual operations is fixed.
+// An exception with a code and the handle of the library that raised it, which is the library that
+// the constructor is linked into. The order of the virtual operations is fixed.
 class CXException {
  public:
   explicit CXException(std::uint32_t code) noexcept;
@@ -17,21 +17,22 @@ class CXException {
   CXException& operator=(const CXException&) noexcept = default;
   virtual ~CXException();
   virtual std::uint32_t GetCode() const noexcept;
-  virtual void Reserved() const noexcept;  // holds its place in the table; does nothing
+  virtual void Reserved() const noexcept;  // keeps its entry in the table; does nothing
 
-  HINSTANCE GetModule() const noexcept { return module_; }
+  HINSTANCE GetModule() const noexcept { return module_; }  // null if the system knows none
 
  private:
   std::uint32_t code_;
   HINSTANCE module_;
 };
 
-// An interface that was asked for is not there.
+// A requested interface is missing.
 class CXIFaceException : public CXException {
  public:
   static constexpr std::uint32_t kCode = 10;
 
-  // `wanted` is the type record of the missing interface; records live as long as their library.
+  // `wanted` is the type record of the missing interface. It is not copied: it must outlive the
+  // exception, and it exists as long as its library is loaded.
   explicit CXIFaceException(const std::type_info& wanted) noexcept;
   CXIFaceException(const CXIFaceException&) noexcept = default;
   CXIFaceException& operator=(const CXIFaceException&) noexcept = default;

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Atomic only for the language's sake: code that runs before the entry may store it too.
+// Atomic because code that runs before the entry may store it too. All stores have the same value.
 constinit std::atomic<HINSTANCE> storedInstance{nullptr};
 
 }  // namespace

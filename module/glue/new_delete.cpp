@@ -1,6 +1,7 @@
-// The language's allocation operators, for this library alone: its export list keeps them inside,
-// so that the host and the language's own library go on with theirs. A block never crosses over:
-// the library holds no standard type whose storage is made inside the language's library.
+// The allocation operators of the language, for this library only. The library does not export
+// them, so the host and the C++ run-time library keep their own. No block is allocated by one and
+// freed by the other: this library uses no standard type whose storage is managed inside the
+// run-time library.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -12,20 +13,21 @@ namespace {
 
 using ulm::glue::allocate;
 
-// What odrxAlloc aligns to. A stricter block starts later in a larger one, whose own start stands
-// in the word before it.
+// The alignment of odrxAlloc. A block with a stricter alignment is part of a larger block from
+// odrxAlloc; the word before it holds the address of the larger block.
 constexpr std::size_t kPlainAlignment = 16;
 
 void* allocateAligned(std::size_t bytes, std::align_val_t wanted) {
   const auto alignment = static_cast<std::size_t>(wanted);
   if (alignment <= kPlainAlignment) return allocate(bytes);
   const std::size_t extra = alignment + sizeof(void*);
-  // A size that would wrap is more than there can be: it fails by the same rule.
+  // If the sum would overflow, ask for SIZE_MAX, so that the request fails through the normal path.
   void* whole = allocate(bytes > SIZE_MAX - extra ? SIZE_MAX : bytes + extra);
   if (whole == nullptr) return nullptr;
   void* block = static_cast<void**>(whole) + 1;
-  std::size_t room = bytes + alignment;
-  block = std::align(alignment, bytes, block, room);  // there is room by the size of the whole
+  std::size_t capacity = bytes + alignment;
+  block =
+      std::align(alignment, bytes, block, capacity);  // cannot fail: the whole block has the room
   static_cast<void**>(block)[-1] = whole;
   return block;
 }

@@ -1,11 +1,10 @@
 #include "module/glue/switch_flags.h"
 
 #include "module/glue/debug_switches.h"
-#include "module/glue/load_order.h"
 
 namespace ulm::glue {
 
-// Within one source objects of one priority are built in the order in which they stand.
+// Objects of one priority in one source are built in the order of their definitions.
 [[gnu::init_priority(kInitSwitchFlags)]] const SwitchFlag assertFlag(DebugSwitches_AssertEnabled());
 [[gnu::init_priority(kInitSwitchFlags)]] const SwitchFlag addJumpFlag((DebugSwitches_Read() &
                                                                        kSwitchJumpArrOnAdd) != 0);

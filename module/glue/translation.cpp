@@ -1,6 +1,6 @@
 #include "module/glue/translation.h"
 
-#include "module/glue/procedure.h"
+#include "module/glue/instance.h"
 
 namespace {
 

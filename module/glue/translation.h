@@ -1,14 +1,15 @@
-// Forwarders to the resource translation of the core library. They look for `qlcore.dll`, and only
-// where it is not in the process for `qlsupport.dll`; neither is ever loaded from here. A library
-// that was found but lacks the export ends the search. What the core library raises passes on.
+// Forwarders to the resource translation of the core library. They use qlcore.dll if it is in the
+// process, otherwise qlsupport.dll; they load neither. If the library that is found lacks the
+// export, the other one is not searched. Exceptions of the export pass on.
 #pragma once
 
-#include "hostsdk/win32/win32.h"
+#include "hostsdk/adapter/win32.h"
 
-// What the library's entry gives for the instance; 0 where there is none.
+// Call the export for the instance and return its result; 0 if there is no export.
 int ResTranslation_Init(HINSTANCE instance);
 int ResTranslation_DeInit(HINSTANCE instance);
 
-// The untranslated string `number` of the instance, written to `buffer` of `size` characters; gives
-// its length. Where the core library has no entry for it, the platform's LoadStringA does the work.
+// Loads the untranslated string `number` of the instance into `buffer`, which has `size`
+// characters, and returns its length. If there is no export, calls the system's LoadStringA, which
+// also states the results for a missing string, a null buffer and a null instance.
 int ResTranslation_LoadString(HINSTANCE instance, UINT number, char* buffer, int size);

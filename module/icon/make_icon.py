@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Makes the icon of the library from its one drawing: ten square images of 32 bits.
+"""Makes the icon of the library from one drawing: ten square images with 32 bits a pixel.
 
-The image of 256 pixels is stored as PNG, as Windows keeps one of that size, and all others as plain
-bitmaps, which every reader of icons knows.
+The image of 256 pixels is stored as PNG, which Windows expects for that size. All others are stored as
+bitmaps, which every reader of icons supports.
 Usage: make_icon.py RSVG_CONVERT DRAWING.svg ICON.ico
 """
 import struct
@@ -15,7 +15,7 @@ PNG_START = b"\x89PNG\r\n\x1a\n"
 
 
 def chunks(png):
-    """The chunks of a PNG file by their names; those of a name are joined."""
+    """Returns the chunks of a PNG file by name; the contents of equal names are joined."""
     assert png.startswith(PNG_START)
     found, at = {}, len(PNG_START)
     while at < len(png):
@@ -31,7 +31,7 @@ def paeth(left, up, corner):
 
 
 def pixel_rows(png, size):
-    """The rows of an RGBA image of eight bits, from the top, each four bytes a pixel."""
+    """Returns the rows of an RGBA image with 8 bits a channel, from the top, 4 bytes a pixel."""
     parts = chunks(png)
     header = struct.unpack(">IIBBBBB", parts[b"IHDR"])
     assert header == (size, size, 8, 6, 0, 0, 0), header
@@ -50,8 +50,8 @@ def pixel_rows(png, size):
 
 
 def bitmap(png, size):
-    """The image as an icon holds it: header, BGRA from the bottom up, and a mask that hides nothing,
-    since the alpha says it all."""
+    """Returns the image in the form of an icon: header, BGRA rows from the bottom, and an empty mask,
+    because the alpha channel holds the transparency."""
     header = struct.pack("<IiiHHIIiiII", 40, size, 2 * size, 1, 32, 0, 0, 0, 0, 0, 0)
     body = bytearray()
     for row in reversed(pixel_rows(png, size)):
@@ -69,10 +69,10 @@ def main():
                              capture_output=True, check=True).stdout
         images.append(png if size == 256 else bitmap(png, size))
     directory = struct.pack("<HHH", 0, 1, len(SIZES))
-    place = len(directory) + 16 * len(SIZES)
+    offset = len(directory) + 16 * len(SIZES)
     for size, image in zip(SIZES, images):
-        directory += struct.pack("<BBBBHHII", size % 256, size % 256, 0, 0, 1, 32, len(image), place)
-        place += len(image)
+        directory += struct.pack("<BBBBHHII", size % 256, size % 256, 0, 0, 1, 32, len(image), offset)
+        offset += len(image)
     with open(target, "wb") as file:
         file.write(directory + b"".join(images))
 

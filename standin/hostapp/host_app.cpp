@@ -8,6 +8,7 @@
 #include "core/iface/app.h"
 #include "core/iface/host_object.h"
 #include "core/iface/iparam.h"
+#include "core/type_record.h"
 #include "hostsdk/export.h"
 #include "hostsdk/qlcore/variant.h"
 #include "module/glue/exceptions.h"

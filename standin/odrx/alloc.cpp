@@ -23,11 +23,7 @@ std::atomic<std::uint64_t> liveBytes{0};
 std::atomic<std::uint64_t> calls{0};
 std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
 std::atomic<std::uint64_t> failEnd{0};    // number of the first call that is served again
-std::atomic<bool> overwriteFreed{false};
-
-// By a pointer that the compiler cannot see through: it drops writes to memory that is freed next.
-void* (*volatile overwrite)(void*, int, std::size_t) = std::memset;
-std::atomic<void (*)(const void* block, std::uint64_t bytes)> watchFreed{nullptr};
+std::atomic<void (*)(void* block, std::uint64_t bytes)> watchFreed{nullptr};
 
 // By a header's address alone: what it holds does not matter.
 std::uint64_t sealFor(std::uintptr_t header) noexcept { return kSeal ^ header; }
@@ -85,7 +81,6 @@ void odrxFree(void* block) noexcept {
   header->seal = 0;
   liveBlocks.fetch_sub(1);
   liveBytes.fetch_sub(header->bytes);
-  if (overwriteFreed.load()) overwrite(block, 0xDD, static_cast<std::size_t>(header->bytes));
   std::free(header);
 }
 
@@ -100,8 +95,7 @@ OdrxAllocCounts odrxAllocCounts() noexcept {
   return {liveBlocks.load(), liveBytes.load(), calls.load()};
 }
 
-void odrxAllocOverwriteFreed(bool on) noexcept { overwriteFreed.store(on); }
-void odrxAllocWatchFreed(void (*watch)(const void* block, std::uint64_t bytes)) noexcept {
+void odrxAllocWatchFreed(void (*watch)(void* block, std::uint64_t bytes)) noexcept {
   watchFreed.store(watch);
 }
 

@@ -17,15 +17,10 @@ ULM_ODRX_API OdrxAllocCounts odrxAllocCounts() noexcept;
 // stands before it.
 ULM_ODRX_API bool odrxAllocMade(const void* block) noexcept;
 
-// Whether a block is overwritten when it is given back, so that a use after that shows in every
-// build: off at the start.
-ULM_ODRX_API void odrxAllocOverwriteFreed(bool on) noexcept;
-
 // Makes `count` allocations in a row fail, after `after` more have been served; a later call
 // replaces this one, and a count of 0 ends it. Counts over all threads.
 ULM_ODRX_API void odrxAllocFail(std::uint64_t after, std::uint64_t count) noexcept;
 
 // Calls `watch` with each block and its size right before the block is freed, from the thread that
-// frees it; null ends this.
-ULM_ODRX_API void odrxAllocWatchFreed(void (*watch)(const void* block,
-                                                    std::uint64_t bytes)) noexcept;
+// frees it; null ends this. `watch` may read and overwrite the block.
+ULM_ODRX_API void odrxAllocWatchFreed(void (*watch)(void* block, std::uint64_t bytes)) noexcept;

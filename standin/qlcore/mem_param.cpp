@@ -4,6 +4,7 @@
 #include <new>
 #include <vector>
 
+#include "core/type_record.h"
 #include "hostsdk/odrx/alloc.h"
 #include "hostsdk/qlcore/services.h"
 #include "hostsdk/qlcore/variant.h"

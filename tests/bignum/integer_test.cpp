@@ -1,5 +1,5 @@
-// What the walk does not reach: words and their storage, order, primes, the constants, threads,
-// modern use.
+// What the walk does not reach: words and their storage, limits, order, bytes, primes, the
+// constants, threads, streams and hashes.
 #include "bignum/integer.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ TEST(Words, ComeZeroedAndKeepTheirContentWhenResized) {
   EXPECT_EQ(odrxAllocCounts().liveBytes - before.liveBytes, 8u);
   EXPECT_EQ(words[0] | words[1], 0u);
   words[1] = 2;
-  static bool handled = false;  // the allocator is asked itself: a new-handler has no say
+  static bool handled = false;  // a new-handler must not run
   const auto old = std::set_new_handler([] { handled = true; });
   odrxAllocFail(0, 1);
   EXPECT_THROW(ResizeWords(words, 4, 2), std::bad_alloc);
@@ -56,7 +56,7 @@ TEST(Words, ComeZeroedAndKeepTheirContentWhenResized) {
   EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
 }
 
-// Static initialisers without a priority may use the constants: this is what one of them finds.
+// The constants as a static initialiser without a priority reads them.
 const std::string kConstants = [] {
   std::ostringstream table;
   for (const QLInteger* value : {&Zero, &One, &Two, &MinusOne, &MinusTwo}) {
@@ -77,7 +77,7 @@ TEST(Integer, ConstantsComeBeforeOtherInitialisers) {
 // They are destroyed in the reverse of the order in which they were built.
 TEST(IntegerDeathTest, ConstantsGoBackInReverseOrder) {
   const auto leave = [] {
-    odrxAllocWatchFreed([](const void* block, std::uint64_t) {
+    odrxAllocWatchFreed([](void* block, std::uint64_t) {
       std::fprintf(stderr, "%u ", *static_cast<const Word*>(block));
     });
     std::exit(0);
@@ -86,7 +86,7 @@ TEST(IntegerDeathTest, ConstantsGoBackInReverseOrder) {
               "53 49 47 43 41 39 37 31 29 23 19 17 13 11 7 5 3 2 2 1 2 1 0 ");
 }
 
-// The words above count are old digits, or not there at all.
+// The words above count hold old digits, or are outside the storage.
 TEST(Integer, BitsEndWithTheWordsInUse) {
   QLInteger shrunk(33, 0xFFFFFFFF);
   shrunk.count = 32;
@@ -189,7 +189,7 @@ TEST(Integer, BytesComeAndGoInBothOrders) {
     const QLInteger low = fromBytesLowFirst(bytes), high = fromBytesHighFirst(highFirst);
     EXPECT_TRUE(low == expected && low.capacity == capacity) << length;
     EXPECT_TRUE(high == expected && high.capacity == capacity) << length;
-    const QLInteger negative = Zero - low;  // the sign is no part of the bytes
+    const QLInteger negative = Zero - low;  // the sign is not in the bytes
     const auto written = bytesLowFirst(negative), writtenHighFirst = bytesHighFirst(negative);
     EXPECT_TRUE(std::equal(written.begin(), written.end(), bytes.begin(), bytes.end())) << length;
     EXPECT_TRUE(std::equal(writtenHighFirst.begin(), writtenHighFirst.end(), highFirst.begin(),
@@ -210,7 +210,8 @@ TEST(Integer, ServesModernUse) {
   EXPECT_TRUE(set.size() == 3 && set.contains(QLInteger(-1)));
 }
 
-// SetBit can leave zero words on top; what follows is in normal form, and no loop runs on.
+// SetBit can leave zero words at the top. The results of later operations are in normal form, and
+// no loop runs forever.
 TEST(Integer, ZeroWordsOnTopDoNotLast) {
   for (const std::int32_t low : {0, 5}) {
     QLInteger value = PowerOfTwo(32) + QLInteger(low);
@@ -220,8 +221,8 @@ TEST(Integer, ZeroWordsOnTopDoNotLast) {
     Divide(value, 7, quotient, remainder);
     EXPECT_TRUE(quotient == 0 && remainder == -low) << low;
     EXPECT_TRUE(Gcd(value, 7, remainder)) << low;
-    const bool zero = low == 0 || ((value += low) == 0 && !value.IsNegative());
-    EXPECT_TRUE(zero);
+    value += low;
+    EXPECT_TRUE(value == 0 && isNormal(value)) << low;
   }
 }
 

@@ -1,5 +1,5 @@
-// Which types the operations on a small number take. All is decided at compile time: a row that
-// does not hold does not compile.
+// The types that operations on a small number take. The compiler decides all of it: a row that
+// fails does not compile.
 #include <array>
 #include <compare>
 #include <cstddef>
@@ -106,7 +106,7 @@ static_assert(!IsFromInt64<std::uint64_t> && !IsFromInt64<double>);
 static_assert(IsFromUint64<std::uint32_t> && IsFromUint64<unsigned long long>);
 static_assert(!IsFromUint64<std::int32_t> && !IsFromUint64<std::int64_t> && !IsFromUint64<float>);
 
-// Bytes are borrowed from what stays.
+// A range of bytes does not borrow a temporary.
 template <class T>
 concept LendsBytes = requires(T&& value) {
   bytesLowFirst(std::forward<T>(value));
@@ -122,7 +122,7 @@ concept LendsAnyBytes = requires(T&& value) {
 static_assert(LendsBytes<QLInteger&> && LendsBytes<const QLInteger&>);
 static_assert(!LendsAnyBytes<QLInteger> && !LendsAnyBytes<const QLInteger> && !LendsAnyBytes<int>);
 
-// Counts, shifts and indices are no operands: an int serves as it always did.
+// Counts, shifts and indices take an int.
 static_assert(requires(QLInteger & a, int n) {
   QLInteger(n, n);
   PowerOfTwo(n);

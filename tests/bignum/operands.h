@@ -1,4 +1,4 @@
-// Operands and states of values, as the tests of the big integers share them.
+// Operands and states of values for the tests of the big integers.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace ulm::bignum::test {
 
-// A value of `count` words of one of six patterns; make_walk.py makes the same.
+// A value of `count` words of one of six patterns; make_walk.py computes the same.
 inline QLInteger patterned(std::uint32_t count, int kind, std::uint64_t seed, bool negative) {
   QLInteger made(count, 0);
   std::uint64_t mixed = seed;
@@ -31,8 +31,8 @@ inline QLInteger patterned(std::uint32_t count, int kind, std::uint64_t seed, bo
   return made;
 }
 
-// "count capacity sign hex", a long magnitude as the FNV-1a step over its words. What breaks a rule
-// of the storage is told in its place.
+// "count capacity sign hex"; for a long magnitude the FNV-1a step over its words instead of hex. A
+// state that breaks a rule of the storage is a text that no row expects.
 inline std::string stateOf(const QLInteger& value) {
   std::ostringstream state;
   state << value.count << ' ' << value.capacity << ' ' << (value.negative != 0 ? '-' : '+');

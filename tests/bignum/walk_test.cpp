@@ -1,6 +1,6 @@
-// A long walk over eight values, made by an independent program, and a short one worked out by
-// hand. After each step every value has the count, capacity, sign and words that were foretold,
-// those that the step does not change as well; and so it is when memory runs out on the way.
+// Runs the steps of a long walk over eight values, which an independent program has computed, and
+// of a short one, which was written by hand. After each step all eight values have the expected
+// count, capacity, sign and words. Each step also runs with each of its allocations failing.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -17,8 +17,8 @@
 namespace ulm::bignum::test {
 namespace {
 
-// Runs the step on copies of the values, each of its allocations failing in turn: only what
-// it changes may then be another value than before.
+// Runs the step on copies of the values with each of its allocations failing in turn. Only values
+// that the step changes may then differ from before.
 void failEachAllocation(Walk& walk, Step step, const bool (&changes)[8]) {
   QLInteger kept[8];
   for (int i = 0; i < 8; ++i) kept[i].Swap(walk.registers[i]);
@@ -44,11 +44,11 @@ void failEachAllocation(Walk& walk, Step step, const bool (&changes)[8]) {
   for (int i = 0; i < 8; ++i) kept[i].Swap(walk.registers[i]);
 }
 
-// Gives a value the capacity of a foretold state, where its own is left open and holds the rules:
-// the steps that follow go on from there.
-void takeForetoldCapacity(QLInteger& value, const std::string& foretold) {
+// Gives a value the capacity of an expected state if its own is left open and keeps the rules,
+// since the next steps start from there.
+void takeExpectedCapacity(QLInteger& value, const std::string& state) {
   std::uint32_t count = 0, capacity = 0;
-  std::istringstream(foretold) >> count >> capacity;
+  std::istringstream(state) >> count >> capacity;
   if (!isNormal(value) || capacity == value.capacity || capacity < value.count) return;
   QLInteger fresh(kEmptyHolder);
   fresh.Reallocate(capacity, false);
@@ -56,10 +56,10 @@ void takeForetoldCapacity(QLInteger& value, const std::string& foretold) {
   value.Swap(fresh);
 }
 
-TEST(Walk, LeavesTheForetoldStates) {
+TEST(Walk, LeavesTheExpectedStates) {
   Walk walk;
   std::string expected[8];
-  for (const char* file : {ULM_TEST_DATA "/bignum/walk.txt", ULM_TEST_DATA "/bignum/edges.txt"}) {
+  for (const char* file : {ULM_TEST_WALK, ULM_TEST_DATA "/bignum/edges.txt"}) {
     for (ulm::test::VectorBlock& block : ulm::test::readVectorBlocks(file)) {
       const std::string name = block.text("Op");
       const Step step = walkSteps().at(name);
@@ -87,7 +87,7 @@ TEST(Walk, LeavesTheForetoldStates) {
       std::istringstream values(out.value_or(""));
       for (int i = 0; i < 8; ++i) {
         if (ULM_TEST_OPEN_CAPACITY && leavesCapacityOpen(name)) {
-          takeForetoldCapacity(walk.registers[i], expected[i]);
+          takeExpectedCapacity(walk.registers[i], expected[i]);
         }
         if (values >> text) {
           EXPECT_EQ(toString(walk.registers[i]), text) << "in register " << i;

@@ -9,7 +9,7 @@
 #include "clip/growable/polygon_array.h"
 #include "clip/segment.h"
 #include "clip/trace.h"
-#include "tests/support/clip_model.h"
+#include "tests/clip/clip_model.h"
 
 namespace ulm::clip {
 namespace {

@@ -1,6 +1,6 @@
-"""Runs `ulmira clip` on good input and on input that is at fault.
+"""Runs `ulmira clip` on valid and on faulty input.
 
-Usage: clip_command_check.py ULMIRA..., a program that runs it before it where one must
+Usage: clip_command_check.py COMMAND..., the program, after the emulator that runs it if there is one
 """
 import json
 import os
@@ -38,16 +38,16 @@ class ClipCommand(unittest.TestCase):
                  cut + "\nnull\n\nnull\n"),
                 (["--segments", "--float"], third, "0 0 0 1\n1 0.46666667 0.06666667 1\n"),
                 (["--float"], "1e-45 -1e-60 16777217 16777219\n", "1e-45 -0 16777216 16777220\n"),
-                # A byte order mark, and remarks after what they are about.
+                # A byte order mark and comments.
                 ([], "\ufeff# all\n0 0 0 1 # a\n0.1 0 -nan 1#b\n#c\n0 0.1 0 1\t#\n\nnull#d",
                  "0 0 0 1\n0.1 0 nan 1\n0 0.1 0 1\n\nnull\n"),
-                # Lists that change, the flag being for what comes before the first heading.
+                # Headings change the list; the flag is for the shapes before the first heading.
                 (["--segments"], f"{third}polygons\nnull\nsegments # more\n{third}",
                  "polygons\nnull\n\nsegments\n" + cut + "\n" + cut),
-                # Numbers of many digits, and too small for Real.
+                # Numbers of many digits, some of them too small for Real.
                 ([], f"0.{zeros}1 -0.{zeros}1 1{zeros}e-5000 1{zeros}e-4999\n", "0 -0 1 10\n"),
                 ([], f"0.{zeros}1e5001 1e-{zeros}99 1.{zeros}e-{2 ** 70} 1\n", "1 1e-99 0 1\n"),
-                # Millions of blank lines take no time; a vertex is found after them.
+                # Millions of blank lines are read in linear time.
                 ([], (1 << 22) * "\n" + "0 0 0 1", "0 0 0 1\n"),
                 ([], "", "")]:
             self.assertEqual(ulmira(arguments, text), (0, expected, ""), (arguments, text[:80]))
@@ -61,7 +61,7 @@ class ClipCommand(unittest.TestCase):
         self.assertEqual(read["segments"], [[[0, 0, 0, 1], [1, 0, 0, 1]], None])
         self.assertEqual(read["polygons"],
                          [None, None, [[0, 0, 0, 1], [0.1, 0, 0, 1], [0, 0, 0, 1]], None])
-        # The same numbers in either form, each of which reads back by itself.
+        # Both forms have the same numbers, and each can be read back without an option.
         text_out = ulmira(["--text"], text)[1]
         for arguments, given, expected in [([], out, out), (["--text"], out, text_out), ([], text_out, text_out),
                                            (["--json", "--segments"], text_out, out),
@@ -71,7 +71,7 @@ class ClipCommand(unittest.TestCase):
         self.assertIn("0.1,", ulmira(["--float"], text)[1])
         self.assertEqual(json.loads(ulmira([], '{"polygons":[]}')[1]), {"polygons": []})
 
-    def test_faults_are_told_by_line_and_column(self):
+    def test_faults_have_line_and_column(self):
         one = '{"polygons":[[[0,0,0,1],[0,0,0,1]'
         cases = [([], "{", "1:2"), ([], '{"polygon":[]}', "1:2"), ([], one, "1:34"),
                  ([], one + "]]} x", "1:38"), ([], '{"polygons":\n[[[1,2,3]]]}', "2:9"),
@@ -93,26 +93,26 @@ class ClipCommand(unittest.TestCase):
                  ([], "segments 3", "1:10"),
                  ([], "segments\n0 0 0 1\npolygons", "3:1"), ([], "polygon", "1:1")]
         with tempfile.TemporaryDirectory() as folder:
-            for arguments, text, place in cases:
+            for arguments, text, position in cases:
                 svg, written = os.path.join(folder, "a.svg"), os.path.join(folder, "out")
                 code, out, err = ulmira(arguments + ["--svg", svg, "-o", written], text)
                 self.assertEqual((code, out), (1, ""), text)
                 self.assertEqual(err.count("\n"), 1)
-                self.assertTrue(err.startswith(f"ulmira clip: standard input:{place}: "), (text, err))
+                self.assertTrue(err.startswith(f"ulmira clip: standard input:{position}: "), (text, err))
                 self.assertEqual(os.listdir(folder), [])
-        # A result that JSON has no number for.
+        # A result that JSON cannot represent.
         text = "1e308 0 0 1\n-1e308 0 0 1\n0 1 0 1\n"
         code, out, err = ulmira(["--json"], text)
         self.assertEqual((code, out), (1, ""))
         self.assertIn("polygons", err)
         self.assertEqual(ulmira([], text)[0], 0)
 
-    def test_planes_are_named_in_one_word(self):
+    def test_planes_are_one_argument(self):
         names = "xmin, xmax, ymin, ymax, zmin, zmax"
         for arguments, status, message in [
                 (["--planes", "xmin", "gone"], 1, "gone: cannot be read"),
                 (["--planes", "wmin"], 2, f"clip: --planes: 'wmin' is none of {names}\n"),
-                (["--rectangle", "--planes", "xmin,zmax"], 2, "--rectangle leaves out zmin and zmax"),
+                (["--rectangle", "--planes", "xmin,zmax"], 2, "--rectangle excludes zmin and zmax"),
                 (["--text", "--json"], 2, "--json excludes --text")]:
             code, out, err = ulmira(arguments, "")
             self.assertEqual((code, out), (status, ""), arguments)
@@ -129,13 +129,13 @@ class ClipCommand(unittest.TestCase):
             self.assertEqual(ulmira(["--svg", svg], text)[0], 0)
             tree = xml.etree.ElementTree.parse(svg)
         tags = [(e.get("class"), e.get("points")) for e in tree.iter() if e.get("points")]
-        # What lies far outside is cut off there, so that no dashed line is endless.
+        # Shapes are cut off far outside the visible part.
         self.assertEqual(tags, [("before", "0,0 2,0 0,0.5"), ("before", "3,3 2,3 2,2"),
                                 ("before", "0,0 4,0 4,0.999999996 0,1"), ("before", "-4,0.5 0,0.5"),
                                 ("after", "0,0 1,0 1,0.25 0,0.5"),
                                 ("after", "0,0 0,0.9999999999999999 1,1.0000000000000002 1,0 1,0"),
                                 ("after", "0,0 1,0 1,0.999999999 0,1"), ("after", "-1,0.5 0,0.5")])
-        # In the units of the picture, which is 3.2 wide.
+        # Widths are in units of the picture, which is 3.2 wide.
         style = tree.find("{*}style").text
         widths = [float(width) for width in re.findall(r"stroke-width: ([0-9.]+)", style)]
         self.assertEqual((len(widths), "vector-effect" in style), (3, False))

@@ -1,13 +1,15 @@
-"""Runs the command as its users do, by the rows of a file.
+"""Runs the command in a shell, as the rows of a file describe.
 
 Usage: command_rows.py ROWS [--files FOLDER] [--windows] COMMAND...
-ROWS holds blocks of "Key = value", parted by blank lines; '#' starts a line for people. Run is a line for
-the shell in a folder with a file abc of these three letters and copies of the files of FOLDER; $U is the
-command, and num and font are short for `$U num` and `$U font`. Prints is all that it prints, both streams
-together, without the last line end, \\n being a line end and \\\\ a backslash; Tells is a part of that,
-written the same way. Status is the exit code if it is not 0. With FOLDER a run that fails must leave all
-files as they were and, where only Tells says what it prints and the call is no wrong one, print one line.
-On = posix marks what Windows has no such thing for.
+ROWS contains blocks of "Key = value" lines, separated by blank lines. '#' starts a comment line.
+  Run     a shell command. The current folder contains a file abc with the text "abc" and copies of the
+          files of FOLDER. $U is COMMAND; num and font are short for `$U num` and `$U font`.
+  Prints  the complete output of both streams without the last line end. \\n is a line end, \\\\ a backslash.
+  Tells   a part of the output, in the same form. A row has either Prints or Tells.
+  Status  the exit code; 0 without this key.
+  On      posix for a row that needs a facility which Windows does not have.
+With FOLDER, a row with another Status than 0 must not change any file; if the row has Tells and is not a
+usage error, its output must be one line.
 """
 import pathlib
 import shlex
@@ -36,7 +38,7 @@ def contents(folder):
 
 
 def fault(row, command, files):
-    """What is wrong with a row, or nothing."""
+    """Returns a description of what is wrong with a row, or an empty text."""
     row = {key: value[1:] for key, value in row.items()}
     run, status = row.pop("Run"), int(row.pop("Status", "0"))
     with tempfile.TemporaryDirectory() as name:

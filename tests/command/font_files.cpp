@@ -1,4 +1,4 @@
-// Writes the fonts of the rows about `ulmira font` into a folder, which is emptied first.
+// Writes the fonts for the rows of `ulmira font` into a folder, which is emptied first.
 //
 // Usage: font_files FOLDER
 #include <cstdio>
@@ -12,7 +12,8 @@ namespace {
 using namespace ulm::test;
 namespace fs = std::filesystem;
 
-FontImage scattered() {  // every other code of 20,000
+// Maps every second character of a range of 20,000.
+FontImage scattered() {
   std::vector<Segment> segments;
   for (int code = 0x4E00; code < 0x4E00 + 20000; code += 2) {
     segments.push_back({code, code, 1 - code, 0});
@@ -27,7 +28,7 @@ struct Lookup {
   int times = 1;  // how often the lookup lists its subtable
 };
 
-// GSUB or GPOS with one feature, which leads to the first lookup.
+// GSUB or GPOS with one feature, which uses the first lookup.
 Bytes layoutTable(const std::string& feature, const std::vector<Lookup>& lookups) {
   Bytes table, list;
   table.u16({1, 0, 0, 10, 24});                    // no scripts, features, lookups
@@ -48,8 +49,8 @@ struct LayoutFont {
   std::vector<Lookup> lookups;
 };
 
-// Each acts on A and B, the glyphs 1 and 2, and not on A and R, the glyphs 1 and 3, unless its
-// remark says otherwise. Every subtable is given by its 16-bit words.
+// Each table acts on A and B, the glyphs 1 and 2, and not on A and R, the glyphs 1 and 3, unless a
+// comment gives another result. A subtable is a list of its 16-bit words.
 std::vector<LayoutFont> layoutFonts() {
   const auto words = [](std::initializer_list<int> values) { return Bytes().u16(values); };
   const Bytes single = words({1, 6, 1, 1, 1, 2});
@@ -57,12 +58,12 @@ std::vector<LayoutFont> layoutFonts() {
   const Lookup both{1, words({1, 6, 1, 2, 1, 1, 2, 0})};  // for lookups that call it
   Bytes unending = words({1, 8, 1, 16, 2, 1, 1, 1, 1000});
   for (int i = 0; i < 1000; ++i) unending.u16({2002});
-  unending.u16({3, 2, 4});  // a thousand times the ligature of A with a glyph that is not taken
+  unending.u16({3, 2, 4});  // 1,000 times the ligature of A with a glyph that is not in the subset
   return {
       {"single", "GSUB", "ccmp", {{1, single}}},
       {"ligature", "GSUB", "liga", {{4, ligature}}},
       {"extension", "GSUB", "liga", {{7, words({1, 4, 0, 8}).add(ligature)}}},
-      {"on demand", "GSUB", "dlig", {{4, ligature}}},  // acts on nothing by itself
+      {"on demand", "GSUB", "dlig", {{4, ligature}}},  // acts on nothing by default
       {"context 1",
        "GSUB",
        "calt",
@@ -117,7 +118,7 @@ void writeAll(const fs::path& folder) {
   write("out.ttf", Bytes().text("old"));
   write("bad", Bytes().text("A\xFF"));
   write("text", Bytes().text("\xEF\xBB\xBFR\r\nA\nA\r"));
-  // Two faces. A leads to glyph 1, B and P to 2, R to 3, a composite of 0 and 1; none to 4.
+  // Two faces. A maps to glyph 1, B and P to 2, R to 3, a composite of 0 and 1; nothing maps to 4.
   write("font.ttc", richFont().collection(2));
   write("font.ttf", richFont().build());
   write("scattered.ttf", scattered().build());
@@ -128,7 +129,7 @@ void writeAll(const fs::path& folder) {
   write("short_os2.ttf", richFont().table("OS/2", Bytes().zeros(76)).build());
   write("maxp_1.1.ttf", richFont().patch16("maxp", 2, 1).build());
   write("maxp_0.5.ttf", richFont().table("maxp", Bytes().u32(0x5000).u16({5})).build());
-  // A family and a style outside ASCII, and tags that would clear a terminal.
+  // A family and a style that are not ASCII, and tags that would clear a terminal.
   write("wide.ttf", richFont()
                         .table("name", nameTable({{1, 0, 0, 2, "\x8Et\x8E\n"},
                                                   {3, 1, 1033, 1, std::string("\4\x16\0A", 4)}}))

@@ -1,4 +1,4 @@
-// `ulmira host` as a user calls it.
+// `ulmira host`, run as a process.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -37,7 +37,7 @@ Json report(Arguments arguments) {
   return Json::parse(result.output);
 }
 
-TEST(HostCommand, ReportsOneLifeAsJson) {
+TEST(HostCommand, ReportsOneRunAsJson) {
   const Json whole = report({});
   std::vector<std::string> keys;
   for (const auto& [key, value] : whole.items()) keys.push_back(key);
@@ -77,14 +77,14 @@ TEST(HostCommand, OtherKindsOfHost) {
   EXPECT_EQ(unmanaged["wld"], "Ulmira.wld");
 }
 
-TEST(HostCommand, TellsWhatDidNotComeBack) {
+TEST(HostCommand, ReportsUnreleasedReferences) {
   const std::string leaky =
       textOf(programFolder() / ("leaky_module" + std::string(ulm::test::kLibraryEnding)));
   EXPECT_EQ(report({"--module", leaky})["unbalanced"], Json({"IParam", "memory", "ULM_Main"}));
 }
 
-// The whole report, line by line, is the same on every system but for its folder.
-TEST(HostCommand, TellsPeopleTheSame) {
+// The report is the same on every system except for its folder.
+TEST(HostCommand, PrintsTheWholeReport) {
   std::string text = ulmira({}).output;
   std::string folder = textOf(ulm::test::windowsName(programFolder()));
   for (std::size_t at = text.find(folder); at != std::string::npos; at = text.find(folder)) {
@@ -100,17 +100,19 @@ TEST(HostCommand, TellsPeopleTheSame) {
 struct RefusalCase {
   Arguments arguments;
   int exitCode;
-  const char* message;  // in what it prints, the error stream included
+  const char* message;  // a part of the output of both streams
 };
 
-// A copy of the module's file with its first `size` bytes, or made for another processor.
+// Writes the first `size` bytes of the module to a file; if `foreign`, with the number of another
+// processor. Returns the file's name.
 std::string damagedModule(const fs::path& folder, const char* name, std::size_t size,
                           bool foreign) {
   std::ifstream whole(programFolder() / (std::string("ULM_Main") + ulm::test::kLibraryEnding),
                       std::ios::binary);
   std::string bytes(std::istreambuf_iterator<char>(whole), {});
   bytes.resize(std::min(size, bytes.size()));
-  // The machine's number: in the file header, or after the mark "PE".
+  // The number of the processor is in the file header of ELF, and after the signature "PE"
+  // otherwise.
   const std::size_t machine = ulm::test::kOnLayer ? 18 : bytes.find(std::string("PE\0\0", 4)) + 4;
   if (foreign) bytes[machine] = static_cast<char>(bytes[machine] ^ 3);
   std::ofstream(folder / name, std::ios::binary) << bytes;

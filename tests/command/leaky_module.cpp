@@ -1,4 +1,4 @@
-// A module that keeps what it took: a record, memory, and a use of itself.
+// A module that does not release what it took: a record, memory, and a reference to itself.
 #include "hostsdk/export.h"
 #include "hostsdk/odrx/alloc.h"
 #include "hostsdk/odrx/win32_module.h"

@@ -1,6 +1,5 @@
 #include "core/cql_unknown_impl.h"
-#include "core/iface_holder.h"
-#include "core/query_checked.h"
+#include "core/interface_query.h"
 #include "core/string_number.h"
 #include "hostsdk/export.h"
 #include "module/glue/allocation.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/iface_holder.h"
+#include "core/interface_query.h"
 #include "core/param_value.h"
 #include "core/string_number.h"
 #include "core/wide_text.h"

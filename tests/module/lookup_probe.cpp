@@ -5,17 +5,17 @@
 #include <typeinfo>
 
 #include "core/iface/app.h"
+#include "core/type_record.h"
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 #include "module/glue/debug_switches.h"
 #include "module/glue/exceptions.h"
 #include "module/glue/instance.h"
-#include "module/glue/procedure.h"
 #include "module/glue/translation.h"
 #include "module/host_lookup.h"
 #include "standin/hostapp/control.h"
 #include "standin/win32/stand_in.h"
-#include "tests/support/script.h"
+#include "tests/module/script.h"
 
 namespace {
 

@@ -11,7 +11,6 @@
 #include "hostsdk/export.h"
 #include "module/glue/debug_switches.h"
 #include "module/glue/instance.h"
-#include "module/glue/load_order.h"
 #include "module/glue/switch_flags.h"
 #include "standin/odrx/alloc_control.h"
 #include "standin/win32/stand_in.h"

@@ -18,7 +18,7 @@
 #include "standin/win32/stand_in.h"
 #include "tests/module/heap_watch.h"
 #include "tests/module/main_variant.h"
-#include "tests/support/script.h"
+#include "tests/module/script.h"
 #include "tests/support/system_names.h"
 
 namespace {

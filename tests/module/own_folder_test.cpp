@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "command/support/program.h"
-#include "tests/support/probe_rows.h"
+#include "tests/module/probe_rows.h"
 #include "tests/support/system_names.h"
 
 namespace {

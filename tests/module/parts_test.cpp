@@ -28,13 +28,13 @@ TEST(ModuleObject, IsForgottenBeforeItIsDestroyed) {
   EXPECT_EQ(foundAtTheEnd, nullptr);
 }
 
-TEST(SearchPath, FolderOfAFile) {
+TEST(ModuleFolder, OfAFile) {
   const wchar_t* const cases[][2] = {{L"Z:\\a\\b\\ULM_Main.dll", L"Z:\\a\\b\\"},
                                      {L"Z:\\ULM_Main.dll", L"Z:\\"}};
   for (const auto& [file, folder] : cases) EXPECT_STREQ(ulm::module::folderOf(file).text, folder);
 }
 
-TEST(SearchPath, StaysAsItIsWithoutAFileName) {
+TEST(ModuleFolder, LeavesPathAloneWithoutAFileName) {
   _wputenv(L"PATH=/bin");
   ulm::glue::setInstance(reinterpret_cast<HINSTANCE>(8));  // no module, so it has no file
   addModuleFolderToPath();

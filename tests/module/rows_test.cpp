@@ -2,7 +2,7 @@
 // each in a process of its own.
 #include <gtest/gtest.h>
 
-#include "tests/support/probe_rows.h"
+#include "tests/module/probe_rows.h"
 
 namespace {
 

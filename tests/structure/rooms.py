@@ -21,15 +21,16 @@ CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b", re.MULTILINE)
 SAME_EVERYWHERE = ("module/", "core/")
 # Folders around the rooms: they may include any public header, and no room includes them.
 AROUND = ("tests", "bench", "fuzz", "examples")
-# The kinds that a kind may include, besides itself. A closed kind includes headers of any other kind
+# The kinds that a kind may include in addition to itself. A closed kind includes headers of any other kind
 # only where its line names them; facilities, moreover, only their own top folder.
 ALLOWED = {
     "interface": (),
     "declared": ("interface",),
-    "module": ("interface", "declared"),
+    "adapter": ("interface", "declared"),
+    "module": ("adapter",),
     "facility": (),
     "support": (),
-    "stand-in": ("interface", "declared", "module", "support"),
+    "stand-in": ("interface", "declared", "adapter", "module", "support"),
     "command": ("facility", "support"),
 }
 
@@ -64,7 +65,7 @@ def read_rooms(root):
 
 
 def room_of(path, rooms):
-    held = [name for name in rooms if path.startswith(name + "/")]
+    held = [name for name in rooms if (path + "/").startswith(name + "/")]
     return rooms[max(held, key=len)] if held else None
 
 
@@ -193,21 +194,21 @@ def check_definitions(texts, rooms, exceptions):
                 declared[full].add(source)
     faults, needed = [], set()
 
-    def compare(header, places, what):
+    def compare(header, definers, what):
         own = room_of(header, rooms)
-        if own.kind == "declared" or own in (room_of(place, rooms) for place in places):
+        if own.kind == "declared" or own in (room_of(definer, rooms) for definer in definers):
             return  # a library that takes part in the closed side defines what that declares
         needed.add(header)
         if header not in exceptions:
-            faults.append(f"{header}: declares {what}, which {sorted(places)[0]} defines")
+            faults.append(f"{header}: declares {what}, which {sorted(definers)[0]} defines")
 
     for full, headers in declared.items():
         if defined[full] and len(headers) == 1:
             compare(*headers, defined[full], full)
-    for full, places in list(defined.items()):
+    for full, definers in list(defined.items()):
         owner = full.rpartition("::")[0]
         if len(classes.get(owner, ())) == 1:
-            compare(*classes[owner], places, full)
+            compare(*classes[owner], definers, full)
     faults += [f"docs/rooms.txt: nothing needs the exception of {name}" for name in exceptions
                if name not in needed]
     return faults

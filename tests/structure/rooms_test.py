@@ -12,6 +12,7 @@ from pathlib import Path
 ROOMS = """
 interface core/iface
 declared  hostsdk
+adapter   hostsdk/adapter
 facility  bignum hostsdk/alloc.h
 facility  truetype
 facility  truetype/reader
@@ -30,7 +31,8 @@ TREE = {
     "truetype/view.cpp": '#include "truetype/detail/view.h"\n'
                          "namespace t {\nint View::size() const { return 0; }\nint peek() { return 1; }\n}",
     "truetype/reader/open.cpp": '#include "truetype/detail/view.h"',
-    "core/list.h": '#include "hostsdk/text.h"',
+    "hostsdk/adapter/text.h": '#include "hostsdk/text.h"',
+    "core/list.h": '#include "hostsdk/adapter/text.h"',
     "standin/text.cpp": '#include "hostsdk/text.h"\n#include "core/list.h"\nText::Text() {}',
     "command/main.cpp": '#include "bignum/words.h"\n// int peek() {}\nnamespace { int peek() { return 2; } }',
     "tests/truetype/view_test.cpp": '#include "truetype/detail/view.h"',
@@ -41,6 +43,7 @@ CHANGES = [
     ("bignum/words.h", '#include "hostsdk/text.h"', "a facility may not include hostsdk/text.h"),
     ("truetype/reader/open.cpp", '#include "bignum/words.h"', "a facility may not include"),
     ("core/list.h", '#include "truetype/font.h"', "is no file"),
+    ("core/list.h", '#include "hostsdk/text.h"', "module core may not include declared hostsdk"),
     ("core/list.h", '#include "bignum/words.h"', "module core may not include facility bignum"),
     ("standin/text.cpp", '#include "bignum/words.h"', "stand-in standin may not include facility"),
     ("command/main.cpp", '#include "core/list.h"', "command command may not include module core"),

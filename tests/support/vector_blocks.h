@@ -1,9 +1,11 @@
-// Test vectors from a file: blocks of `Key = value` lines with a blank line between them, and lines
-// that start with '#' for people. A key that a test does not ask for is a failure of its block.
+// Test vectors from a file: blocks of `Key = value` lines with a blank line between them. A line
+// with several of these, separated by " | ", is a block of its own. Lines that start with '#' are
+// comments. A key that a test does not ask for is a failure of its block.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -56,11 +58,16 @@ inline std::vector<VectorBlock> readVectorBlocks(const std::string& path) {
     if (line.empty()) open = false;
     if (line.empty() || line[0] == '#') continue;
     const std::string where = path + ":" + std::to_string(number);
-    const auto equals = line.find(" =");
-    if (equals == std::string::npos) throw std::runtime_error(where + ": no ' ='");
-    if (!open) blocks.emplace_back(where);
-    open = true;
-    blocks.back().add(line.substr(0, equals), line.substr(std::min(line.size(), equals + 3)));
+    const bool whole = line.find(" | ") != std::string::npos;
+    if (whole || !open) blocks.emplace_back(where);
+    open = !whole;
+    for (std::size_t begin = 0, end = 0; end != std::string::npos; begin = end + 3) {
+      end = line.find(" | ", begin);
+      const std::string entry = line.substr(begin, end - begin);
+      const auto equals = entry.find(" =");
+      if (equals == std::string::npos) throw std::runtime_error(where + ": no ' ='");
+      blocks.back().add(entry.substr(0, equals), entry.substr(std::min(entry.size(), equals + 3)));
+    }
   }
   return blocks;
 }

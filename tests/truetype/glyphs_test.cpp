@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <random>
 #include <sstream>
 
 #include "tests/support/font_image.h"
 #include "tests/support/vector_blocks.h"
+#include "tests/truetype/subset_check.h"
 #include "truetype/reader/fixed_point.h"
 
 namespace {
@@ -115,6 +118,71 @@ TEST(CompositeGlyph, PlacesPoints) {
   }
 }
 
+// The composite's arithmetic as it is told, one level after the other.
+struct Model {
+  std::int32_t a, b, c, d, e, f;
+
+  static std::int32_t larger(std::int32_t one, std::int32_t other) {
+    const std::int32_t p = std::abs(one), q = std::abs(other);
+    return std::max(p, q) * (std::abs(p - q) <= 33 ? 2 : 1);
+  }
+  static int coordinate(std::int32_t one, int x, std::int32_t other, int y, std::int32_t factor,
+                        std::int32_t offset) {
+    if (factor == 0) return static_cast<std::int16_t>(offset);
+    const std::int64_t sum = std::int64_t{fixedMultiplyDivide(one, x * 0x10000, factor)} +
+                             fixedMultiplyDivide(other, y * 0x10000, factor) +
+                             std::int64_t{offset} * 0x10000;
+    return static_cast<std::int16_t>(fixedMultiply(factor, static_cast<std::int32_t>(sum)) >> 16);
+  }
+  Point operator()(Point p) const {
+    const std::int32_t m = larger(a, b), n = larger(c, d);
+    return {coordinate(a, p.x, c, p.y, m, e), coordinate(b, p.x, d, p.y, n, f)};
+  }
+};
+
+TEST(CompositeGlyph, PlacesPointsThroughManyLevels) {
+  std::mt19937 random(9);
+  const auto word = [&random] { return static_cast<std::int16_t>(random() >> 7); };
+  for (int round = 0; round < 300; ++round) {
+    std::vector<Point> points;
+    // Ends of the range now and then; differences of coordinates wrap.
+    for (int i = 0; i < 5; ++i)
+      points.push_back({i == 0 ? -32768 : word(), i == 1 ? 32767 : word()});
+    std::vector<Bytes> glyphs{simpleGlyph({4}, points)};
+    std::string expected;
+    for (int level = 0; level < 6; ++level) {
+      Model model{0x10000, 0, 0, 0x10000, word(), word()};
+      Part part{0x0003, level, Bytes().u16({model.e, model.f})};
+      const auto kind = random() % 6;
+      // One in four is alike to another, or 0.
+      const auto scale = [&] {
+        const int stored = random() % 8 == 0 ? 0 : random() % 8 == 0 ? -32768 : word();
+        part.rest.u16({stored});
+        return stored * 4;
+      };
+      if (kind == 0) part.flags |= 0x08, model.a = model.d = scale();
+      if (kind == 1) part.flags |= 0x40, model.a = scale(), model.d = scale();
+      if (kind == 2) {
+        part.flags |= 0x80;
+        model.a = scale(), model.b = scale(), model.c = scale(), model.d = scale();
+      }
+      if (kind == 3) {
+        part.flags |= 0x80;
+        const int alike = word() / 2;
+        part.rest.u16({alike, -alike, alike + 8, alike});
+        model.a = model.d = alike * 4, model.b = -model.a, model.c = model.a + 32;
+      }
+      glyphs.push_back(compositeGlyph({part}));
+      for (Point& point : points) point = model(point);
+    }
+    for (const Point& point : points) {
+      expected +=
+          (expected.empty() ? "" : " ") + std::to_string(point.x) + ',' + std::to_string(point.y);
+    }
+    EXPECT_EQ(outlineOf(fontOf(glyphs), 6), expected + ';') << round;
+  }
+}
+
 TEST(FixedPoint, WrapsAndCuts) {
   struct Case {
     std::int32_t a, b, product, quotient;
@@ -139,7 +207,7 @@ TEST(CompositeGlyph, ComponentsAndMetrics) {
                 {},
                 compositeGlyph({moved(0, 5, 5, 0x0200), moved(1, 0, 0)}),
                 compositeGlyph({moved(9, 0, 0), moved(2, 0, 0), moved(3, 1, 1)}),
-                compositeGlyph({moved(9, 0, 0), moved(2, 0, 0)}),
+                compositeGlyph({moved(9, 0, 0, 0x0200), moved(2, 0, 0)}),
                 Bytes().u16({-2, 0, 0, 0, 0})});
   image.longMetrics("hhea", "hmtx", 4, Bytes().u16({500, 1, 600, 2, 700, 3, 800, 4, 5, 6, 7}));
   const OpenFont font(image);
@@ -159,6 +227,9 @@ TEST(CompositeGlyph, ComponentsAndMetrics) {
   listAppend(ancestry, reinterpret_cast<void*>(std::uintptr_t{0}));
   EXPECT_EQ(readCompositeGlyph(font.get(), 3, &points, nullptr, ancestry), 4);  // 0 is an ancestor
   std::free(points);
+  EXPECT_EQ(readCompositeGlyph(font.get(), 5, &points, &metrics, ancestry), 0);
+  std::free(points);
+  EXPECT_EQ(metrics.leftSideBearing, 6);  // its own: no glyph lends any
   listDispose(ancestry);
   EXPECT_EQ(readSimpleGlyph(font.get(), 0, &points, &metrics), 3);
   std::free(points);
@@ -245,6 +316,20 @@ TEST(Components, DeepChainsAndTowers) {
   EXPECT_EQ(countsOf(high, 59), row(26, 1, 0, 0));
   EXPECT_EQ(components(high, 59).size(), kMostComponentRecords + 1u);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+
+  // As many points as the counts of a font can name, under moves of any depth and many matrices.
+  Bytes most = Bytes().u16({1, 0, 0, 0, 0, 0xFFFE, 0});
+  for (int i = 0; i < 256; ++i) most.u8(0x39).u8(i < 255 ? 255 : 254);
+  std::vector<Bytes> nested{most.u8(0)};
+  for (int i = 1; i < 220; ++i) {
+    const Part turned{0x0083, i - 1, Bytes().u16({0, 0, 0, 0x4000, -0x4000, 0})};
+    nested.push_back(compositeGlyph({i <= 16 ? turned : moved(i - 1, 1, 0)}));
+  }
+  const OpenFont full = fontOf(nested);
+  const auto points = pointsOf(full.get(), 219);
+  ASSERT_EQ(points.size(), 0xFFFFu);
+  EXPECT_EQ(row(points[0].x, points[0xFFFE].x), row(203, 203));
+  EXPECT_EQ(countsOf(full, 219), row(18, 1, 0xFFFF, 1));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "tests/support/font_image.h"
 #include "tests/truetype/bisection.h"
 
@@ -118,11 +120,29 @@ TEST(Kerning, Requests) {
 
 TEST(Kerning, PairsThatLeaveTheImageAreSkipped) {
   Bytes last = subtable(1, {{1, 2, -80}});
-  last.put16(6, 2);  // one pair more than there is
-  const OpenFont font(kerned(kernTable({kTwoPairs, last})));
+  last.put16(6, 2);                                                   // one pair more than there is
+  const Bytes passedOver = Bytes(last).put16(4, 3).put16(6, 0xFFFF);  // no request reads its pairs
+  const OpenFont font(kerned(kernTable({kTwoPairs, passedOver, last})));
   ASSERT_EQ(font->kernType, 2);
-  EXPECT_EQ(font->kernTables[1], nullptr);
+  EXPECT_EQ(font->kernTables[1], font->tables[kSlotKern] + 4 + kTwoPairs.size());
+  EXPECT_EQ(font->kernTables[2], nullptr);
   EXPECT_EQ(pairOf(font, 0, 1, 2).first, -50);
+}
+
+// Subtables of length 0 are all at one place; a pair that none of them has is looked for once.
+TEST(Kerning, EqualSubtablesAreSearchedOnce) {
+  Bytes pairs = subtable(1, {});
+  for (int i = 0; i < 5000; ++i) pairs.u16({1, 2 * i, i + 1});
+  pairs.put16(2, 0).put16(6, 5000);
+  OpenFont font(kerned(kernTable({pairs}).put16(2, 0xFFFF)));
+  ASSERT_EQ(row(font->kernType, font->kernTableCount), row(2, 0xFFFF));
+  ASSERT_TRUE(analyseKernTable(font.mutableFont()));  // the array before is released
+  const std::vector<std::uint16_t> run(3000, 1);
+  std::vector<KernAdjustment> out(2999);
+  const std::clock_t start = std::clock();
+  getRunKerning(font.get(), run.data(), 3000, 0, out.data());
+  EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 1);
+  EXPECT_EQ(pairOf(font, 0, 1, 6).first, 4);
 }
 
 TEST(Kerning, AppleFormPrintsOnceACall) {

@@ -15,9 +15,7 @@ const Bytes kFormat12 = Bytes().u16({12, 0}).zeros(12);
 
 TEST(Mapping, ChoiceOfSubtable) {
   const Bytes other4 = cmapFormat4({{0x41, 0x50, 1, 0}, {-1, -1, 1, 0}});
-  const std::pair<std::vector<CmapEntry>, int> cases[] = {
-      {{{3, 0, other4}, {3, 1, kPlain4}}, 11},
-      {{{3, 1, kPlain4}, {3, 0, other4}}, 11},
+  std::vector<std::pair<std::vector<CmapEntry>, int>> cases = {
       {{{3, 0, kPlain4}}, 10},
       {{{1, 0, kPlain4}, {0, 3, kPlain4}}, -1},
       {{{3, 1, {}}, {3, 3, kPlain4}}, 13},
@@ -27,6 +25,13 @@ TEST(Mapping, ChoiceOfSubtable) {
       {{{3, 10, kPlain4}}, -1},
       {{}, -1},
   };
+  // Of two neighbours in rank the first, whichever comes first in the table.
+  const int ranks[] = {1, 2, 3, 4, 5, 6, 0};
+  for (std::size_t i = 0; i < 6; ++i) {
+    const CmapEntry chosen{3, ranks[i], kPlain4}, other{3, ranks[i + 1], other4};
+    cases.push_back({{chosen, other}, 10 + ranks[i]});
+    cases.push_back({{other, chosen}, 10 + ranks[i]});
+  }
   for (const auto& [entries, type] : cases) {
     const OpenFont font(FontImage().table("cmap", cmapTable(entries)));
     ASSERT_EQ(font.result, FontResultOk);
@@ -96,6 +101,10 @@ TEST(Mapping, SubtablesThatLeadOutsideAreNotUsable) {
   const Bytes closing = cmapFormat4({{0x41, 0x43, 0xFFE3, 0}, {-1, -1, 1, 0xFFFF}});
   expectLookups(closing, 0x41, {0x24});
   expectLookups(closing, 0xFFFF, {0});
+  // The furthest that values can lead.
+  const Bytes furthest = cmapFormat4({{0, 0xFFFE, 0, 0xFFFF}}).zeros(0xFFFF + 2 * 0xFFFE);
+  EXPECT_EQ(lookupOf(atEnd(furthest)), cmapLookupFormat4);
+  EXPECT_EQ(lookupOf(atEnd(shorter(furthest))), nullptr);
   // Codes beyond 16 bits are not asked for.
   EXPECT_EQ(lookupOf(atEnd(Bytes().u16({6, 0, 0, 0xFFFF, 9, 1}))), cmapLookupFormat6);
 }

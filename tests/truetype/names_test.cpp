@@ -110,6 +110,16 @@ TEST(Names, RecordsAndTexts) {
   releaseNameRecords(records, 3);
   releaseNameRecords(nullptr, 0);
 
+  // Strings that share their bytes, up to the bound and beyond it.
+  for (const int rest : {256, 257}) {
+    Bytes shared = Bytes().u16({0, 257, 6 + 12 * 257});
+    for (int i = 0; i < 257; ++i) shared.u16({1, 0, 0, 1, i < 256 ? 0xFFFF : rest, 0});
+    const OpenFont many(FontImage().table("name", shared.zeros(0xFFFF)));
+    const std::int32_t count = getNameRecords(many.get(), &records);
+    EXPECT_EQ(row(count, records != nullptr), rest == 256 ? row(257, 1) : row(0, 0));
+    releaseNameRecords(records, count);
+  }
+
   const OpenFont none{FontImage()};
   EXPECT_EQ(getNameRecords(none.get(), &records), 0);
   EXPECT_EQ(records, nullptr);
@@ -155,7 +165,7 @@ TEST(GlobalInfo, WhatIsMissingIsZero) {
     int typo, win, ranges, symbol;
   };
   Bytes os2 = countingTable(39);
-  os2.put16(74, 0xFFFF);
+  os2.put16(74, 0xFFFF).put16(76, 0xFFFF);
   const Bytes symbol = cmapTable({{3, 0, cmapFormat4({{-1, -1, 1, 0}})}});
   for (const Case& tested :
        {Case{FontImage(), 0, 0, 0, 0, 0},
@@ -167,9 +177,10 @@ TEST(GlobalInfo, WhatIsMissingIsZero) {
     const OpenFont font(tested.image);
     GlobalFontInfo info;
     getGlobalFontInfo(font.get(), &info);
-    EXPECT_EQ(row(info.weight, info.typoAscender, info.winAscent, info.unicodeRangesValid,
-                  info.symbolEncoded, info.ascender, info.italicAngle),
-              row(tested.weight, tested.typo, tested.win, tested.ranges, tested.symbol, 0, 0));
+    EXPECT_EQ(row(info.weight, info.typoAscender, info.winAscent, info.winDescent,
+                  info.unicodeRangesValid, info.symbolEncoded, info.ascender, info.italicAngle),
+              row(tested.weight, tested.typo, tested.win, tested.win, tested.ranges, tested.symbol,
+                  0, 0));
   }
   EXPECT_STREQ(unicodeRangeNames[69], "Specials");
 }

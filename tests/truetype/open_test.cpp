@@ -1,11 +1,10 @@
 // Opening, the record, single tables.
-#include "truetype/reader/open.h"
-
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/support/font_image.h"
-#include "truetype/bytes.h"
-#include "truetype/reader/tables.h"
+#include "truetype/truetype.h"
 
 namespace {
 
@@ -23,6 +22,9 @@ Bytes signed32(std::uint32_t signature) {
 Bytes cut(Bytes image, std::size_t size) {
   image.resize(size);
   return image;
+}
+Bytes ending(const char* table, const Bytes& bytes) {
+  return FontImage().table(table, bytes).last(table).build();
 }
 const Bytes kSixEntryDirectory = cut(FontImage().build(), 12 + 16 * 6);
 
@@ -56,13 +58,14 @@ const struct {
     {"NoEm", FontImage().patch16("head", 18, 0).build(), 0, kBad},
     {"EmptyGlyf", FontImage().table("glyf", {}).build(), 0, kOk},
     {"ShortHeadInside", FontImage().lie("head", 0, -54).build(), 0, kOk},
-    {"HeadCut", FontImage().table("head", Bytes().zeros(51).put16(18, 9)).last("head").build(), 0,
-     kBad},
+    {"HeadCut", ending("head", Bytes().zeros(51).put16(18, 9)), 0, kBad},
     {"GlyfTooLong", FontImage().last("glyf").lie("glyf", 0, 1).build(), 0, kBad},
     {"GlyfFarAway", FontImage().lie("glyf", 0x7FFFFFFF, 0).build(), 0, kBad},
-    {"NameRecordsCut", FontImage().patch16("name", 2, 300).last("name").build(), 0, kBad},
-    {"NameCountAlone", FontImage().table("name", Bytes().u16({0, 0})).last("name").build(), 0, kOk},
-    {"CmapRecordsCut", FontImage().patch16("cmap", 2, 300).last("cmap").build(), 0, kBad},
+    {"NameRecordCut", ending("name", Bytes().u16({0, 1, 18}).zeros(11)), 0, kBad},
+    {"NameRecordWhole", ending("name", Bytes().u16({0, 1, 18}).zeros(12)), 0, kOk},
+    {"NameCountAlone", ending("name", Bytes().u16({0, 0})), 0, kOk},
+    {"CmapRecordCut", ending("cmap", Bytes().u16({0, 1}).zeros(7)), 0, kBad},
+    {"CmapRecordWhole", ending("cmap", Bytes().u16({0, 1}).zeros(8)), 0, kOk},
 };
 
 TEST(OpenFontTest, Results) {
@@ -80,6 +83,21 @@ TEST(OpenFontTest, Arguments) {
   EXPECT_EQ(font, nullptr);
   EXPECT_EQ(openTrueTypeFont("x", image, 0, 0, &font), FontResultBadArgument);
   EXPECT_EQ(openTrueTypeFont("x", image, -1, 0, &font), FontResultBadArgument);
+}
+
+// Each code has a text of its own; one that is none has a text too.
+template <class Result>
+void expectTexts(int codes, std::size_t distinct) {
+  std::set<std::string> texts;
+  for (int code = -1; code <= codes; ++code) texts.insert(resultText(static_cast<Result>(code)));
+  EXPECT_EQ(texts.size(), distinct + 1);
+  EXPECT_EQ(texts.count(""), 0u);
+}
+TEST(OpenFontTest, ResultsHaveTexts) {
+  expectTexts<FontResult>(9, 5);
+  expectTexts<WriterResult>(13, 13);
+  EXPECT_STREQ(resultText(FontResultNoMemory), "memory ran out");
+  EXPECT_STREQ(resultText(WriterResultNoMemory), "memory ran out");
 }
 
 TEST(OpenFontTest, Record) {
@@ -140,21 +158,23 @@ TEST(Tables, FindAndCopy) {
   image.also("zzzz", Bytes().text("first")).also("zzzz", Bytes().text("second"));
   image.also("none", {}).also("post", {}).also("GSUB", Bytes().u8(1)).also("GSUB", Bytes().u8(2));
   image.also("away", Bytes().u8(0)).lie("away", 0, 1);
-  const OpenFont font(image);
-  ASSERT_EQ(font.result, FontResultOk);
   // What a copy of the table holds; no copy for null.
   const std::pair<std::uint32_t, const char*> cases[] = {
       {tag("zzzz"), "first"}, {tag("GSUB"), "\x02"},  {tag("none"), ""},     {tag("post"), nullptr},
       {tag("kern"), nullptr}, {tag("away"), nullptr}, {tag("gone"), nullptr}};
-  for (const auto& [wanted, bytes] : cases) {
-    std::uint32_t length = 99;
-    const auto copy = owned(copyTableByTag(font.get(), wanted, &length));
-    EXPECT_EQ(findTableByTag(font.get(), wanted) != nullptr, bytes != nullptr) << wanted;
-    EXPECT_EQ(copy != nullptr, bytes != nullptr);
-    EXPECT_EQ(std::string(copy.get(), copy.get() + length), bytes == nullptr ? "" : bytes);
+  for (const std::size_t faces : {0u, 2u}) {
+    const OpenFont font(image.collection(faces), 1);
+    ASSERT_EQ(font.result, FontResultOk);
+    for (const auto& [wanted, bytes] : cases) {
+      std::uint32_t length = 99;
+      const auto copy = owned(copyTableByTag(font.get(), wanted, &length));
+      EXPECT_EQ(findTableByTag(font.get(), wanted) != nullptr, bytes != nullptr) << wanted;
+      EXPECT_EQ(copy != nullptr, bytes != nullptr);
+      EXPECT_EQ(std::string(copy.get(), copy.get() + length), bytes == nullptr ? "" : bytes);
+    }
+    EXPECT_EQ(findTableByTag(font.get(), tag("cmap")), tableBySlot(font.get(), 7));
+    EXPECT_EQ(tableLengthBySlot(font.get(), 2), 54u);
   }
-  EXPECT_EQ(findTableByTag(font.get(), tag("cmap")), tableBySlot(font.get(), 7));
-  EXPECT_EQ(tableLengthBySlot(font.get(), 2), 54u);
 }
 
 TEST(Tables, Slots) {

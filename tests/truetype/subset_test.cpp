@@ -359,6 +359,28 @@ TEST(Subset, LimitsOfGlyphs) {
   EXPECT_EQ(row(request.glyphs[0xFFFE], request.glyphs[0x10000]), row(0xFFFE, 0xFFFF));
 }
 
+// The last of some composites, each of which names itself, has a point more than the others.
+TEST(Subset, CyclesAreCountedWithinBounds) {
+  const struct {
+    int depth, cycles, most;  // of the doubling beneath them; maxCompositePoints
+  } kRows[] = {{0, 256, 2}, {0, 257, 1}, {15, 10, 32769}, {15, 100, 32768}};
+  for (const auto& [depth, cycles, most] : kRows) {
+    std::vector<Bytes> glyphs{simpleGlyph({0}, {{0, 0}})};
+    for (int i = 0; i < depth; ++i) {
+      glyphs.push_back(compositeGlyph({moved(i, 0, 0), moved(i, 0, 0)}));
+    }
+    Request request;
+    for (int i = 0; i < cycles; ++i) {
+      request.glyphs.push_back(static_cast<std::uint16_t>(glyphs.size()));
+      std::vector<Part> parts{moved(request.glyphs.back(), 0, 0), moved(depth, 0, 0)};
+      if (i + 1 == cycles) parts.push_back(moved(0, 0, 0));
+      glyphs.push_back(compositeGlyph(parts));
+    }
+    const Bytes maxp = subset(OpenFont{FontImage().glyphs(glyphs)}, request).table("maxp");
+    EXPECT_EQ(readUInt16(maxp.data(), 10), most) << cycles;
+  }
+}
+
 // Made of parts by hand, which takes the other way to hold glyphs, the tables are the same. The
 // first round is large: wide and deep composites, and glyphs far apart. In the others some glyphs
 // are cut, so that what follows is read on from them, or have no such contours or components.
@@ -377,6 +399,8 @@ TEST(Subset, EqualsTheWriterByHand) {
       } else if (!isDeep && random() % 2 == 0) {
         glyphs.push_back(simpleGlyph({0}, {{i, 1}}).zeros(random() % 3));
         if (round != 0 && random() % 4 == 0) glyphs.back().put16(0, 256);
+        // The box is counted with the zero that makes its last byte even.
+        if (round != 0 && random() % 8 == 0) glyphs.back().put16(8, 0x700).resize(9);
       } else {
         Bytes made = compositeGlyph({moved(isDeep ? i - 1 : other, 1, i), moved(3, 2, 2)});
         if (round != 0 && random() % 4 == 0) {
@@ -412,6 +436,8 @@ TEST(Subset, EqualsTheWriterByHand) {
     for (const char* tag : {"glyf", "loca", "hmtx", "cmap", "maxp"}) {
       EXPECT_EQ(byHand.table(tag), file.table(tag)) << tag;
     }
+    const Bytes made = file.table("head"), head = byHand.table("head");
+    EXPECT_TRUE(std::equal(made.begin() + 36, made.begin() + 44, head.begin() + 36));
   }
 }
 

@@ -197,6 +197,10 @@ TEST(WriterTables, MappingsHaveTheirLimits) {
     EXPECT_EQ(image.result, length == 0 ? WriterResultCmapTooLarge : WriterResultOk) << count;
     EXPECT_EQ(image.length, length == 0 ? 0 : 12 + length) << count;
   }
+  // A segment that ends with the last code closes the subtable too.
+  std::vector<Mapping> closed = every(6552, 1, 1);
+  closed.push_back({0xFFFF, 5});
+  EXPECT_EQ(imageOf(cmapOf(closed)).length, 12u + 16 + 2 * 8);
   std::vector<Mapping> repeated = every(6552, 1, 1);
   repeated.insert(repeated.begin() + 5, {5, 999});  // the first of equal codes is found
   EXPECT_EQ(imageOf(cmapOf(repeated)).bytes, imageOf(cmapOf(every(6552, 1, 1))).bytes);
@@ -273,15 +277,30 @@ TEST(WriterTables, GlyphsBringTheirComponents) {
           .loca(Bytes().u32(0).u32(18).u32(37).u32(55).u32(54).u32(92).u32(111), 1));
   EXPECT_EQ(addGlyph(table.get(), getGlyphData(other.get(), 2), other.get()), 4);
   EXPECT_EQ(numbersOf(table), (std::vector<std::uint32_t>{1, 3, 0, 2, 2, 5}));
+
+  // Components that share their bytes, to far more than the image has.
+  std::vector<Part> parts;
+  Bytes loca;
+  for (int i = 0; i < 2000; ++i) parts.push_back(moved(2 * i + 2, 0, 0)), loca.u32(0).u32(40000);
+  const Bytes all = compositeGlyph(parts);
+  const OpenFont shared(FontImage()
+                            .table("glyf", Bytes(all).zeros(40000 - all.size()))
+                            .loca(loca.u32(0), 1)
+                            .patch16("maxp", 4, 4000));
+  EXPECT_EQ(addGlyph(table.get(), getGlyphData(shared.get(), 0), shared.get()), kGlyphTooLarge);
+  EXPECT_EQ(glyphCount(table.get()), 6u);
 }
 
 // Counts are those of the reader up to the bounds of its work, and beyond.
 TEST(WriterTables, CountsAreThoseOfTheReader) {
   const Bytes dot = simpleGlyph({0}, {{0, 0}}), seven = simpleGlyph({6}, std::vector<Point>(7));
-  const auto doubling = [](Bytes first, int depth, std::initializer_list<int> last) {
+  const auto doubling = [](Bytes first, int depth, std::initializer_list<int> last,
+                           bool scaled = false) {
     std::vector<Bytes> glyphs{std::move(first)};
-    for (int i = 0; i < depth; ++i)
-      glyphs.push_back(compositeGlyph({moved(i, 0, 0), moved(i, 0, 0)}));
+    for (int i = 0; i < depth; ++i) {
+      const Part part = scaled ? Part{0x0A, i, Bytes().u16({0, 0x4000})} : moved(i, 0, 0);
+      glyphs.push_back(compositeGlyph({part, part}));
+    }
     std::vector<Part> parts;
     for (const int glyph : last) parts.push_back(moved(glyph, 0, 0));
     glyphs.push_back(compositeGlyph(parts));
@@ -295,11 +314,11 @@ TEST(WriterTables, CountsAreThoseOfTheReader) {
     chain.push_back(compositeGlyph({moved(static_cast<int>(chain.size()) - 1, 0, 0)}));
   }
   const std::vector<Bytes> kFonts[] = {
-      doubling(dot, 16, {16, 0}),         // the most records
-      doubling(dot, 16, {16, 0, 0}),      // one more
-      doubling(dot, 16, {16, 0, 99}),     // one more that names no glyph
-      doubling(seven, 15, {15}),          // the work
-      doubling(seven, 14, {14, 14, 14}),  // beyond it
+      doubling(dot, 16, {16, 0}),               // the most records
+      doubling(dot, 16, {16, 0, 0}),            // one more
+      doubling(dot, 16, {16, 0, 99}),           // one more that names no glyph
+      doubling(seven, 14, {14, 12}, true),      // the work
+      doubling(seven, 14, {14, 12, 12}, true),  // beyond it
       {dot, compositeGlyph({moved(0, 0, 0), moved(3, 0, 0), moved(2, 0, 0)}), Bytes().u8(0),
        Bytes(dot).u8(0), compositeGlyph({moved(1, 0, 0), moved(2, 0, 0)})},
       {dot, compositeGlyph({moved(3, 0, 0), moved(0, 0, 0)}), cut},

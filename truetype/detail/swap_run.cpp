@@ -1,6 +1,6 @@
 #include "truetype/detail/swap_run.h"
 
-#include "truetype/bytes.h"
+#include "truetype/format/big_endian.h"
 
 // Not in a build for Windows without optimisation, where vectors go over a stack that is not
 // aligned for them.
@@ -12,6 +12,14 @@
 namespace ulm::truetype::detail {
 namespace {
 
+constexpr std::size_t k16 = sizeof(std::uint16_t), k32 = sizeof(std::uint32_t);
+
+// Number `index` of a run.
+template <class T>
+T at(const std::uint8_t* bytes, std::size_t index) noexcept {
+  return format::loadBigEndian<T>(bytes + index * sizeof(T));
+}
+
 #ifdef ULM_SWAP_BY_SHUFFLE
 
 constexpr std::size_t kLanes = 8;  // numbers in a vector
@@ -22,12 +30,12 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
   return _mm256_shuffle_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes)), order);
 }
 
-// All three give how many numbers they have dealt with, whole vectors of them.
+// All three return how many numbers they have dealt with, a multiple of the vector's.
 [[gnu::target("avx2")]] std::size_t shuffle32(const std::uint8_t* bytes, std::size_t count,
                                               std::uint32_t* out) noexcept {
   std::size_t done = 0;
   for (; count - done >= kLanes; done += kLanes) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), swapped32(bytes + 4 * done));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), swapped32(bytes + done * k32));
   }
   return done;
 }
@@ -37,8 +45,8 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
   __m256i even = _mm256_setzero_si256(), odd = even;
   std::size_t done = 0;
   for (; count - done >= 2 * kLanes; done += 2 * kLanes) {
-    even = _mm256_add_epi32(even, swapped32(bytes + 4 * done));
-    odd = _mm256_add_epi32(odd, swapped32(bytes + 4 * (done + kLanes)));
+    even = _mm256_add_epi32(even, swapped32(bytes + done * k32));
+    odd = _mm256_add_epi32(odd, swapped32(bytes + (done + kLanes) * k32));
   }
   std::uint32_t lanes[kLanes];
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), _mm256_add_epi32(even, odd));
@@ -52,7 +60,7 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
                                          1, 0, 2, 3, 5, 4, 6, 7, 9, 8, 10, 11, 13, 12, 14, 15);
   std::size_t done = 0;
   for (; count - done >= kLanes; done += kLanes) {
-    const auto* from = reinterpret_cast<const __m128i*>(bytes + 2 * done);
+    const auto* from = reinterpret_cast<const __m128i*>(bytes + done * k16);
     const __m256i number = _mm256_shuffle_epi8(_mm256_cvtepu16_epi32(_mm_loadu_si128(from)), order);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done), _mm256_slli_epi32(number, 1));
   }
@@ -72,22 +80,30 @@ bool canShuffle() noexcept { return false; }
 
 }  // namespace
 
-void storeRun32(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept {
-  for (std::size_t i = canShuffle() ? shuffle32(bytes, count, out) : 0; i < count; ++i) {
-    out[i] = readUInt32(bytes, 4 * i);
+bool storeRun32(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept {
+  if (count > bytes.size() / k32) return false;
+  const std::uint8_t* start = bytes.start();
+  for (std::size_t i = canShuffle() ? shuffle32(start, count, out) : 0; i < count; ++i) {
+    out[i] = at<std::uint32_t>(start, i);
   }
+  return true;
 }
 
-void storeDoubledRun16(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept {
-  for (std::size_t i = canShuffle() ? shuffle16(bytes, count, out) : 0; i < count; ++i) {
-    out[i] = 2u * readUInt16(bytes, 2 * i);
+bool storeDoubledRun16(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept {
+  if (count > bytes.size() / k16) return false;
+  const std::uint8_t* start = bytes.start();
+  for (std::size_t i = canShuffle() ? shuffle16(start, count, out) : 0; i < count; ++i) {
+    out[i] = 2u * at<std::uint16_t>(start, i);
   }
+  return true;
 }
 
-std::uint32_t sumRun32(const std::uint8_t* bytes, std::size_t count) noexcept {
+std::uint32_t sumRun32(format::ByteView bytes) noexcept {
+  const std::uint8_t* start = bytes.start();
+  const std::size_t count = bytes.size() / k32;
   std::uint32_t sum = 0;
-  for (std::size_t i = canShuffle() ? addUp32(bytes, count, &sum) : 0; i < count; ++i) {
-    sum += readUInt32(bytes, 4 * i);
+  for (std::size_t i = canShuffle() ? addUp32(start, count, &sum) : 0; i < count; ++i) {
+    sum += at<std::uint32_t>(start, i);
   }
   return sum;
 }

@@ -5,14 +5,16 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "truetype/format/byte_view.h"
+
 namespace ulm::truetype::detail {
 
-// `count` numbers of 32 bits, and of 16 bits each doubled. The caller vouches for the bytes, which
-// may lie at any alignment, and for room for `count` numbers.
-void storeRun32(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept;
-void storeDoubledRun16(const std::uint8_t* bytes, std::size_t count, std::uint32_t* out) noexcept;
+// The first `count` numbers of 32 bits, and of 16 bits each doubled. `out` takes `count` numbers.
+// False, with nothing stored, where they are not all there.
+bool storeRun32(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept;
+bool storeDoubledRun16(format::ByteView bytes, std::size_t count, std::uint32_t* out) noexcept;
 
-// The sum of `count` numbers of 32 bits, modulo 2^32. The caller vouches for the bytes.
-std::uint32_t sumRun32(const std::uint8_t* bytes, std::size_t count) noexcept;
+// The sum of all whole numbers of 32 bits in `bytes`, modulo 2^32.
+std::uint32_t sumRun32(format::ByteView bytes) noexcept;
 
 }  // namespace ulm::truetype::detail

@@ -1,50 +1,51 @@
 #include <cstring>
+#include <iterator>
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/bytes.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/os2.h"
+#include "truetype/format/post.h"
 #include "truetype/reader/names.h"
 
 namespace ulm::truetype {
 namespace {
 
-using detail::ByteView;
+using detail::RecordView;
+using format::Head, format::Hhea, format::Os2, format::Post, format::Vhea;
 
 constexpr std::int32_t kSymbolMap = 10, kUnicodeMap = 11;
-// An OS/2 table has to be longer than this for its last five metrics to count.
-constexpr std::uint32_t kOs2WithoutMetrics = 68;
 
-// Scaled values of one table.
-struct Scaled {
-  ByteView table;
-  std::int32_t unitsPerEm;
-  std::int32_t of(std::size_t offset) const noexcept {
-    return scaleToThousandths(unitsPerEm, table.readOrZero<std::int16_t>(offset));
-  }
-  std::int32_t ofUnsigned(std::size_t offset) const noexcept {
-    return scaleToThousandths(unitsPerEm, table.readOrZero<std::uint16_t>(offset));
-  }
-};
+// A field of a table in thousandths of the em; 0 where the image ends before it.
+template <class Table, class Field>
+std::int32_t scaled(const TrueTypeFont& font, RecordView<Table> table, Field field) noexcept {
+  return scaleToThousandths(font.unitsPerEm, table.readOrZero(field));
+}
 
 void readOs2(const TrueTypeFont& font, GlobalFontInfo& info) noexcept {
-  const ByteView os2 = detail::tableView(font, kSlotOs2);
-  info.weight = os2.readOrZero<std::uint16_t>(4);
-  info.width = os2.readOrZero<std::uint16_t>(6);
-  info.selection = os2.readOrZero<std::uint16_t>(62);
-  if (font.tableLengths[kSlotOs2] > kOs2WithoutMetrics) {
-    const Scaled scaled{os2, font.unitsPerEm};
-    info.typoAscender = scaled.of(68);
-    info.typoDescender = scaled.of(70);
-    info.typoLineGap = scaled.of(72);
-    info.winAscent = scaled.ofUnsigned(74);
-    info.winDescent = scaled.ofUnsigned(76);
+  const auto os2 = detail::tableOf<Os2>(font);
+  info.weight = os2.readOrZero(Os2::kWeightClass);
+  info.width = os2.readOrZero(Os2::kWidthClass);
+  info.selection = os2.readOrZero(Os2::kSelection);
+  // A table of just that size is one without the last five metrics.
+  if (font.tableLengths[kSlotOs2] > Os2::kShortSize) {
+    info.typoAscender = scaled(font, os2, Os2::kTypoAscender);
+    info.typoDescender = scaled(font, os2, Os2::kTypoDescender);
+    info.typoLineGap = scaled(font, os2, Os2::kTypoLineGap);
+    info.winAscent = scaled(font, os2, Os2::kWinAscent);
+    info.winDescent = scaled(font, os2, Os2::kWinDescent);
   }
   if (font.cmapType == kUnicodeMap) {
     info.unicodeRangesValid = 1;
-    for (std::size_t i = 0; i < 4; ++i) {
-      info.unicodeRanges[i] = os2.readOrZero<std::uint32_t>(42 + 4 * i);
+    for (std::size_t i = 0; i < std::size(info.unicodeRanges); ++i) {
+      info.unicodeRanges[i] = os2.readOrZero(Os2::kUnicodeRanges, i);
     }
   }
-  for (std::size_t i = 0; i < 10; ++i) info.panose[i] = os2.readOrZero<std::uint8_t>(32 + i);
-  info.typeFlags = os2.readOrZero<std::uint16_t>(8);
+  for (std::size_t i = 0; i < std::size(info.panose); ++i) {
+    info.panose[i] = os2.readOrZero(Os2::kPanose, i);
+  }
+  info.typeFlags = os2.readOrZero(Os2::kType);
 }
 
 }  // namespace
@@ -60,21 +61,21 @@ void getGlobalFontInfo(const TrueTypeFont* font, GlobalFontInfo* outInfo) noexce
 
   // An absent table reads as zeros, which is what its fields are to be.
   if (font->tables[kSlotOs2] != nullptr) readOs2(*font, info);
-  const ByteView post = detail::tableView(*font, kSlotPost);
-  info.pitch = post.readOrZero<std::uint32_t>(12);
-  info.italicAngle = post.readOrZero<std::int32_t>(4);
-  const Scaled head{detail::tableView(*font, kSlotHead), font->unitsPerEm};
-  info.xMin = head.of(36);
-  info.yMin = head.of(38);
-  info.xMax = head.of(40);
-  info.yMax = head.of(42);
-  const Scaled hhea{detail::tableView(*font, kSlotHhea), font->unitsPerEm};
-  info.ascender = hhea.of(4);
-  info.descender = hhea.of(6);
-  info.lineGap = hhea.of(8);
-  const Scaled vhea{detail::tableView(*font, kSlotVhea), font->unitsPerEm};
-  info.verticalAscender = vhea.of(4);
-  info.verticalDescender = vhea.of(6);
+  const auto post = detail::tableOf<Post>(*font);
+  info.pitch = post.readOrZero(Post::kIsFixedPitch);
+  info.italicAngle = post.readOrZero(Post::kItalicAngle);
+  const auto head = detail::tableOf<Head>(*font);
+  info.xMin = scaled(*font, head, Head::kXMin);
+  info.yMin = scaled(*font, head, Head::kYMin);
+  info.xMax = scaled(*font, head, Head::kXMax);
+  info.yMax = scaled(*font, head, Head::kYMax);
+  const auto hhea = detail::tableOf<Hhea>(*font);
+  info.ascender = scaled(*font, hhea, Hhea::kAscender);
+  info.descender = scaled(*font, hhea, Hhea::kDescender);
+  info.lineGap = scaled(*font, hhea, Hhea::kLineGap);
+  const auto vhea = detail::tableOf<Vhea>(*font);
+  info.verticalAscender = scaled(*font, vhea, Vhea::kAscender);
+  info.verticalDescender = scaled(*font, vhea, Vhea::kDescender);
 }
 
 const char* const unicodeRangeNames[kUnicodeRangeNameCount] = {

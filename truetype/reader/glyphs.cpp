@@ -1,8 +1,16 @@
 #include "truetype/reader/glyphs.h"
 
-#include "truetype/detail/byte_view.h"
+#include <cstdlib>
+#include <utility>
+
 #include "truetype/detail/c_buffer.h"
-#include "truetype/reader/detail/outline.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/format/glyf.h"
+#include "truetype/glyph/component_path.h"
+#include "truetype/glyph/component_records.h"
+#include "truetype/glyph/composite_glyph.h"
+#include "truetype/glyph/description.h"
+#include "truetype/glyph/simple_glyph.h"
 #include "truetype/reader/metrics.h"
 
 namespace ulm::truetype {
@@ -11,85 +19,95 @@ namespace {
 using detail::ByteView;
 using detail::CBuffer;
 using detail::ComponentPath;
+using detail::ComponentRecords;
 
 constexpr std::int32_t kNoSuchGlyph = -1;
 
-// Where the points of a glyph go: gives an array with room for `count` points, or null.
-struct Allocated {
+// Where the points of a glyph go. `reserve` returns an array for `count` points, or null.
+struct NewArray {
   GlyphPoint** outPoints;
   CBuffer<GlyphPoint> points;
-  GlyphPoint* room(std::uint32_t count) noexcept {
+  GlyphPoint* reserve(std::uint32_t count) noexcept {
     points = detail::makeBuffer<GlyphPoint>(count);
     return points.get();
   }
-  std::int32_t done(std::uint32_t count) noexcept {
+  std::int32_t finish(std::uint32_t count) noexcept {
     *outPoints = points.release();
     return static_cast<std::int32_t>(count);
   }
-  std::int32_t refused() const noexcept { return 0; }  // no memory
+  std::int32_t refuse() const noexcept { return 0; }  // no memory
 };
 
-struct Borrowed {
+struct CallersArray {
   GlyphPoint* points;
   std::uint32_t* inOutCount;
   std::uint32_t needed = 0;
-  GlyphPoint* room(std::uint32_t count) noexcept {
+  GlyphPoint* reserve(std::uint32_t count) noexcept {
     needed = count;
     return count <= *inOutCount ? points : nullptr;
   }
-  std::int32_t done(std::uint32_t count) noexcept {
+  std::int32_t finish(std::uint32_t count) noexcept {
     *inOutCount = count;
     return static_cast<std::int32_t>(count);
   }
-  std::int32_t refused() noexcept {
+  std::int32_t refuse() noexcept {
     *inOutCount = needed;
     return kCapacityTooSmall;
   }
 };
 
-template <class Place>
-std::int32_t readSimple(ByteView glyph, std::uint32_t contours, Place& place) noexcept {
+template <class Target>
+std::int32_t readSimple(ByteView glyph, std::uint32_t contours, Target& target) noexcept {
   const std::uint32_t count = detail::simplePointCount(glyph, contours);
   if (count == 0) return 0;
-  GlyphPoint* points = place.room(count);
-  if (points == nullptr) return place.refused();
-  return detail::decodeSimplePoints(glyph, contours, count, points) ? place.done(count) : 0;
+  GlyphPoint* points = target.reserve(count);
+  if (points == nullptr) return target.refuse();
+  return detail::decodeSimplePoints(glyph, contours, count, {}, points) ? target.finish(count) : 0;
 }
 
-template <class Place>
+template <class Target>
 std::int32_t readComposite(const TrueTypeFont& font, std::uint32_t glyphIndex,
-                           const TTList* ancestry, Place& place) noexcept {
+                           const TTList* ancestry, Target& target) noexcept {
   ComponentPath path(font, ancestry, ancestry == nullptr);
-  std::uint32_t most = 0;
-  if (detail::measureComposite(font, glyphIndex, path, &most) != detail::WalkEnd::kWhole) return 0;
-  GlyphPoint* points = place.room(most);
-  // An empty outline needs no room of its caller's.
-  if (points == nullptr && most != 0) return place.refused();
-  return place.done(detail::decodeCompositePoints(font, glyphIndex, path, points));
+  std::uint32_t capacity = 0;
+  if (detail::measureComposite(font, glyphIndex, path, &capacity) != detail::WalkEnd::Whole) {
+    return 0;
+  }
+  GlyphPoint* points = target.reserve(capacity);
+  // An empty outline needs no array of its caller's.
+  if (points == nullptr && capacity != 0) return target.refuse();
+  return target.finish(detail::decodeCompositePoints(font, glyphIndex, path, points));
 }
 
-template <class Place>
+template <class Target>
 std::int32_t readOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, const TTList* ancestry,
-                         Place& place) noexcept {
+                         Target& target) noexcept {
   if (glyphIndex >= font.numGlyphs) return kNoSuchGlyph;
   const ByteView glyph = detail::glyphView(font, glyphIndex);
-  const std::int32_t contours = glyph.readOrZero<std::int16_t>(0);
-  if (contours > 0) return readSimple(glyph, static_cast<std::uint32_t>(contours), place);
-  return contours == -1 ? readComposite(font, glyphIndex, ancestry, place) : 0;
+  const std::int32_t contours = detail::contourCount(glyph);
+  if (contours > 0) return readSimple(glyph, static_cast<std::uint32_t>(contours), target);
+  return contours == format::GlyphHeader::kComposite
+             ? readComposite(font, glyphIndex, ancestry, target)
+             : 0;
 }
 
-// The metrics of a composite's own components that are marked to lend them, one after the other.
-void readLentMetrics(const TrueTypeFont& font, ByteView glyph, GlyphMetrics* metrics) noexcept {
-  std::uint16_t flags = detail::kMoreComponents;
-  std::size_t record = detail::kFirstComponent;
-  for (; (flags & detail::kMoreComponents) != 0; record += detail::componentSize(flags)) {
-    if (!glyph.holds(record, 4)) return;
-    flags = glyph.readOrZero<std::uint16_t>(record);
-    const std::uint16_t index = glyph.readOrZero<std::uint16_t>(record + 2);
-    if ((flags & detail::kLendsMetrics) != 0 && index < font.numGlyphs) {
-      readGlyphMetrics(&font, index, metrics);
+// The metrics of a composite's own components that are marked for it, each over the one before.
+void readComponentMetrics(const TrueTypeFont& font, ByteView glyph,
+                          GlyphMetrics* metrics) noexcept {
+  for (ComponentRecords records(glyph); const auto record = records.next();) {
+    if ((record->flags & format::Component::kUsesMyMetrics) != 0 &&
+        record->glyphIndex < font.numGlyphs) {
+      readGlyphMetrics(&font, record->glyphIndex, metrics);
     }
   }
+}
+
+// Appends a plain number; false without memory.
+bool appendIndex(TTList* list, std::uint32_t glyphIndex) noexcept {
+  const std::uint32_t before = list->count;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): this list's items are plain numbers
+  listAppend(list, reinterpret_cast<void*>(std::uintptr_t{glyphIndex}));
+  return list->count != before;
 }
 
 }  // namespace
@@ -101,8 +119,8 @@ std::int32_t getGlyphPoints(const TrueTypeFont* font, std::uint32_t glyphIndex,
 
 std::int32_t decodeGlyphPoints(const TrueTypeFont* font, std::uint32_t glyphIndex,
                                GlyphPoint* points, std::uint32_t* inOutCount) noexcept {
-  Borrowed place{points, inOutCount};
-  const std::int32_t result = readOutline(*font, glyphIndex, nullptr, place);
+  CallersArray target{points, inOutCount};
+  const std::int32_t result = readOutline(*font, glyphIndex, nullptr, target);
   if (result <= 0 && result != kCapacityTooSmall) *inOutCount = 0;
   return result;
 }
@@ -110,8 +128,8 @@ std::int32_t decodeGlyphPoints(const TrueTypeFont* font, std::uint32_t glyphInde
 std::int32_t readGlyphOutline(const TrueTypeFont* font, std::uint32_t glyphIndex,
                               GlyphPoint** outPoints, TTList* ancestry) noexcept {
   *outPoints = nullptr;
-  Allocated place{outPoints, nullptr};
-  return readOutline(*font, glyphIndex, ancestry, place);
+  NewArray target{outPoints, nullptr};
+  return readOutline(*font, glyphIndex, ancestry, target);
 }
 
 std::int32_t readSimpleGlyph(const TrueTypeFont* font, std::uint32_t glyphIndex,
@@ -119,14 +137,14 @@ std::int32_t readSimpleGlyph(const TrueTypeFont* font, std::uint32_t glyphIndex,
   *outPoints = nullptr;
   if (glyphIndex >= font->numGlyphs) return 0;
   const ByteView glyph = detail::glyphView(*font, glyphIndex);
-  const std::int32_t contours = glyph.readOrZero<std::int16_t>(0);
+  const std::int32_t contours = detail::contourCount(glyph);
   if (contours < 1) return 0;
   if (metrics != nullptr) {
     readGlyphBox(font, glyphIndex, metrics);
     readGlyphMetrics(font, glyphIndex, metrics);
   }
-  Allocated place{outPoints, nullptr};
-  return readSimple(glyph, static_cast<std::uint32_t>(contours), place);
+  NewArray target{outPoints, nullptr};
+  return readSimple(glyph, static_cast<std::uint32_t>(contours), target);
 }
 
 std::int32_t readCompositeGlyph(const TrueTypeFont* font, std::uint32_t glyphIndex,
@@ -139,10 +157,58 @@ std::int32_t readCompositeGlyph(const TrueTypeFont* font, std::uint32_t glyphInd
   if (metrics != nullptr) {
     readGlyphBox(font, glyphIndex, metrics);
     readGlyphMetrics(font, glyphIndex, metrics);
-    readLentMetrics(*font, glyph, metrics);
+    readComponentMetrics(*font, glyph, metrics);
   }
-  Allocated place{outPoints, nullptr};
-  return readComposite(*font, glyphIndex, ancestry, place);
+  NewArray target{outPoints, nullptr};
+  return readComposite(*font, glyphIndex, ancestry, target);
+}
+
+GlyphData* getGlyphData(const TrueTypeFont* font, std::uint32_t glyphIndex) noexcept {
+  const detail::GlyphDescription described = detail::describeGlyph(*font, glyphIndex);
+  detail::OutlineSize size;
+  if (described.refusal != detail::GlyphRefusal::None ||
+      !detail::countOutline(*font, glyphIndex, &size)) {
+    return nullptr;
+  }
+  CBuffer<GlyphData> made = detail::makeBuffer<GlyphData>(1);
+  CBuffer<std::uint8_t> data;
+  if (made != nullptr && described.length > 0) {
+    data = detail::makeZeroedBuffer<std::uint8_t>(described.byteCount());
+  }
+  if (made == nullptr || (described.length > 0 && data == nullptr)) return nullptr;
+  described.glyph.copy(0, described.length, data.get());
+  made[0] = described.record(glyphIndex);
+  made[0].data = data.release();
+  made[0].pointCount = static_cast<std::uint16_t>(size.points);
+  made[0].contourCount = static_cast<std::uint16_t>(size.contours);
+  return made.release();
+}
+
+std::int32_t collectGlyphComponents(const TrueTypeFont* font, std::uint32_t glyphIndex,
+                                    TTList* list) noexcept {
+  if (glyphIndex >= font->numGlyphs || !appendIndex(list, glyphIndex)) return 0;
+  std::int32_t appended = 1;
+  ComponentPath path(*font, nullptr, true);
+  detail::ComponentFrame now =
+      detail::frameOf(detail::compositeView(*font, glyphIndex), glyphIndex);
+  for (std::uint32_t count = 0;;) {
+    const auto record = now.records.next();
+    if (!record) {
+      if (path.empty()) return appended;
+      now = path.pop();
+      continue;
+    }
+    if (++count > kMostComponentRecords) return appended;
+    const std::uint32_t index = record->glyphIndex;
+    if (index >= font->numGlyphs) continue;
+    if (!appendIndex(list, index)) return appended;
+    ++appended;
+    if (path.leadsBack(now, index)) continue;
+    const ByteView glyph = detail::compositeView(*font, index);
+    if (glyph.size() == 0) continue;
+    if (!path.push(now)) return appended;
+    now = detail::frameOf(glyph, index);
+  }
 }
 
 }  // namespace ulm::truetype

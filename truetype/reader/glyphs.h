@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "truetype/font.h"
+#include "truetype/glyph/limits.h"
 #include "truetype/list.h"
 #include "truetype/records.h"
 
@@ -13,14 +14,12 @@ namespace ulm::truetype {
 // offset is. It has no data where the two offsets are equal, or where it starts outside glyf. Data
 // or a chain of components that is cut by the end of glyf gives 0 points.
 //
-// Of a composite each component's points are placed as its record says; arguments are always
-// offsets. A component that names a glyph on the path that leads to it adds no points, as one
-// without data or with an index beyond the glyphs. Nesting is followed to any depth, and the work
-// on one glyph is bounded, so that composites that name each other over and over end: beyond either
-// of these an outline has 0 points and a list of components ends. Real glyphs stay below 10,000.
-inline constexpr std::uint32_t kMostComponentRecords = 1u << 17;  // records read, repeats counted
-// Points and contours read, and points placed, counted again at each level of nesting.
-inline constexpr std::uint32_t kMostOutlineWork = 1u << 22;
+// Each component's points of a composite are placed as its record says. Arguments are always
+// offsets, and they are multiplied by the factors of the record's scale or matrix, whatever its
+// flags say; engines that do neither draw some composites otherwise. A component that names a glyph
+// on the path that leads to it adds no points, and so does one without data or with an index beyond
+// the glyphs. Nesting is followed to any depth. The work on one glyph has the bounds of
+// truetype/glyph/limits.h.
 
 // The number of points of the resolved outline in font units; 0 for a glyph without outline, -1 for
 // an index that is not below numGlyphs. `outPoints` receives an array to be given back with free,

@@ -1,63 +1,82 @@
 #include "truetype/reader/kerning.h"
 
+#include <compare>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/bytes.h"
+#include "truetype/detail/bisect.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/format/kern.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::ByteView;
+using detail::RecordView;
+using format::AppleKern, format::AppleKernSubtable, format::Kern, format::KernPair;
+using format::KernSubtable;
 
 constexpr std::int32_t kNone = 0, kApple = 1, kMicrosoft = 2;
-constexpr std::uint32_t kLeastTableLength = 32;
-constexpr std::size_t kCoverage = 4, kPairCount = 6, kPairs = 14, kPairSize = 6;
-constexpr std::uint16_t kHorizontal = 0x0001;
+constexpr std::uint32_t kMinTableLength = 32;
 
 void printUnimplemented() noexcept {
   std::fputs("MacOS kerning tables have not been implemented yet!\n", stderr);
 }
 
-// Whether a request may be led through the subtable: one whose pairs leave the image is not, one
-// that no request searches needs only its coverage.
-bool staysInside(ByteView subtable) noexcept {
-  const std::optional<std::uint16_t> coverage = subtable.read<std::uint16_t>(kCoverage);
+// True if searching this subtable stays inside the image. Subtables with other coverage are never
+// searched, so only their coverage has to be there.
+bool staysInside(RecordView<KernSubtable> subtable) noexcept {
+  const std::optional<std::uint16_t> coverage = subtable.read(KernSubtable::kCoverage);
   if (!coverage) return false;
-  if ((*coverage & ~kHorizontal) != 0) return true;
-  const std::optional<std::uint16_t> pairs = subtable.read<std::uint16_t>(kPairCount);
-  return pairs && (*pairs == 0 || subtable.holds(kPairs, *pairs * kPairSize));
+  if ((*coverage & ~KernSubtable::kHorizontal) != 0) return true;
+  const std::optional<std::uint16_t> pairs = subtable.read(KernSubtable::kPairCount);
+  return pairs && (*pairs == 0 || subtable.holds(KernSubtable::kPairs, *pairs));
 }
 
-// The place of the key among the pairs. Equal keys end a bisection that moves both of its bounds.
-const std::uint8_t* findPair(const std::uint8_t* subtable, std::uint32_t key) noexcept {
-  const std::uint8_t* first = subtable + kPairs;
-  for (std::size_t size = readUInt16(subtable, kPairCount); size > 0;) {
-    const std::size_t half = (size - 1) / 2;
-    const std::uint8_t* pair = first + half * kPairSize;
-    const std::uint32_t stored = readUInt32(pair, 0);
-    if (stored == key) return pair;
-    if (stored < key) {
-      first = pair + kPairSize;
-      size -= half + 1;
-    } else {
-      size = half;
-    }
+// What a request reads of a subtable that staysInside has passed: the coverage first, and of one
+// that is searched the pairs.
+class SearchableSubtable {
+ public:
+  explicit SearchableSubtable(const std::uint8_t* start) noexcept : start_(start) {}
+
+  std::uint16_t coverage() const noexcept { return get(KernSubtable::kCoverage); }
+  // The value of the pair, in font units; nothing if it is not there.
+  std::optional<std::int16_t> find(std::uint32_t key) const noexcept {
+    const auto pair = [this](std::size_t index) {
+      return format::FixedView<KernPair>::vouched(start_ + KernSubtable::kPairs.at(index));
+    };
+    const detail::Bisected found =
+        detail::bisect({0, get(KernSubtable::kPairCount)}, 0,
+                       [&](std::size_t index) { return pair(index).get(KernPair::kKey) <=> key; });
+    if (found.size == 0) return std::nullopt;
+    return pair(found.low).get(KernPair::kValue);
   }
-  return nullptr;
-}
 
-// The scaled value of the last subtable that holds the pair.
+ private:
+  template <class Field>
+  typename Field::Value get(Field field) const noexcept {
+    return format::FixedView<KernSubtable, Field::kEnd>::vouched(start_).get(field);
+  }
+
+  const std::uint8_t* start_;
+};
+
+// The scaled value of the last subtable that holds the pair. Subtables of length 0 follow each
+// other at one address, which is searched once.
 std::optional<std::int32_t> searchAll(std::uint32_t count, const std::uint8_t* const* tables,
                                       std::int32_t unitsPerEm, std::int32_t vertical,
                                       std::uint32_t key) noexcept {
-  const std::uint16_t coverage = vertical == 0 ? kHorizontal : std::uint16_t{0};
+  const std::uint16_t coverage = vertical == 0 ? KernSubtable::kHorizontal : std::uint16_t{0};
+  const std::uint8_t* searched = nullptr;
   for (std::uint32_t i = count; i-- > 0;) {
-    if (tables[i] == nullptr || readUInt16(tables[i], kCoverage) != coverage) continue;
-    if (const std::uint8_t* pair = findPair(tables[i], key)) {
-      return scaleToThousandths(unitsPerEm, readInt16(pair, 4));
-    }
+    if (tables[i] == searched || tables[i] == nullptr) continue;
+    searched = tables[i];
+    const SearchableSubtable subtable(searched);
+    if (subtable.coverage() != coverage) continue;
+    if (const auto value = subtable.find(key)) return scaleToThousandths(unitsPerEm, *value);
   }
   return std::nullopt;
 }
@@ -65,31 +84,36 @@ std::optional<std::int32_t> searchAll(std::uint32_t count, const std::uint8_t* c
 }  // namespace
 
 bool analyseKernTable(TrueTypeFont* font) noexcept {
+  std::free(font->kernTables);  // those of an analysis before
   font->kernType = kNone;
   font->kernTableCount = 0;
   font->kernTables = nullptr;
-  if (font->tables[kSlotKern] == nullptr || font->tableLengths[kSlotKern] < kLeastTableLength) {
+  if (font->tables[kSlotKern] == nullptr || font->tableLengths[kSlotKern] < kMinTableLength) {
     return true;
   }
-  const ByteView kern = detail::tableView(*font, kSlotKern);
-  const bool apple = kern.readOrZero<std::uint16_t>(0) != 0;
-  if (apple && kern.readOrZero<std::uint32_t>(0) != 0x00010000) return true;
+  const auto kern = detail::tableOf<Kern>(*font);
+  const RecordView<AppleKern> appleKern(kern.bytes());
+  const bool apple = kern.readOrZero(Kern::kVersion) != 0;
+  if (apple && appleKern.readOrZero(AppleKern::kVersion) != AppleKern::kVersion1) return true;
   const std::uint32_t count =
-      apple ? kern.readOrZero<std::uint32_t>(4) : kern.readOrZero<std::uint16_t>(2);
+      apple ? appleKern.readOrZero(AppleKern::kCount) : kern.readOrZero(Kern::kCount);
   font->kernTableCount = count;
-  std::size_t position = apple ? 8 : 4;
-  if (apple && count > (kern.size() - position) / 4) return true;
+  std::size_t position = apple ? AppleKern::kSize : Kern::kSize;
+  if (apple && count > (kern.bytes().size() - position) / AppleKernSubtable::kLength.kEnd) {
+    return true;
+  }
 
   auto tables = detail::makeZeroedBuffer<const std::uint8_t*>(count);
   if (tables == nullptr) return false;
   for (std::uint32_t i = 0; i < count; ++i) {
-    const ByteView subtable = kern.from(position);
-    if (!subtable.holds(0, 4)) return true;
-    const std::uint32_t length =
-        apple ? subtable.readOrZero<std::uint32_t>(0) : subtable.readOrZero<std::uint16_t>(2);
-    if (length > subtable.size()) return true;
-    if (apple || staysInside(subtable)) tables[i] = subtable.start();
-    position += length;
+    const ByteView bytes = kern.bytes().from(position);
+    const RecordView<KernSubtable> subtable(bytes);
+    const auto stored = apple
+                            ? RecordView<AppleKernSubtable>(bytes).read(AppleKernSubtable::kLength)
+                            : std::optional<std::uint32_t>(subtable.read(KernSubtable::kLength));
+    if (!stored || *stored > bytes.size()) return true;
+    if (apple || staysInside(subtable)) tables[i] = bytes.start();
+    position += *stored;
   }
   font->kernType = apple ? kApple : kMicrosoft;
   font->kernTables = tables.release();

@@ -12,6 +12,7 @@ namespace ulm::truetype {
 // out; anything wrong with the table is kernType 0. The chain of subtables may leave the table but
 // not the image, and an Apple count has to fit into the image by the length fields alone. A
 // subtable whose pairs leave the image becomes a null entry, so that requests never lead outside.
+// `font` is a record of open, or one whose kernTables is null: an array that it has is released.
 bool analyseKernTable(TrueTypeFont* font) noexcept;
 
 // Kerning of `count` glyphs into the caller's count - 1 adjustments, element i between the glyphs i

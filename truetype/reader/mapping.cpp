@@ -1,123 +1,135 @@
 #include "truetype/reader/mapping.h"
 
 #include <bit>
+#include <iterator>
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/detail/bisect.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/format/cmap.h"
 #include "truetype/reader/detail/below_window.h"
 
 namespace ulm::truetype {
 namespace {
 
+using detail::Bisected;
 using detail::ByteView;
+using detail::RecordView;
+using format::Cmap, format::EncodingRecord;
+using format::Cmap0, format::Cmap2, format::Cmap4, format::Cmap4Arrays, format::Cmap6;
 
 constexpr std::uint16_t kNotFound = 0xFFFF;
-constexpr std::uint16_t kLastCode = 0xFFFF;
+constexpr std::uint16_t kLastCode = Cmap4::kLastCode;
+constexpr std::int32_t kFirstType = 10;  // of cmapType: the number for encoding 0
+constexpr std::size_t kCodeSize = format::kElementSize<std::uint16_t>;
 
-// What a bisection has come down to: the numbers of an array in [low, low + size).
-struct Bisected {
-  std::size_t low, size;
-};
-
-// Bisects with middle = (low + high) / 2 until no more than `most` numbers are left. When none is,
-// `low` stands on the last middle that was not below the key, for after it only `low` could move.
+// Bisects sorted numbers of 16 bits at `array` until at most `maximum` are left. With none left,
+// `low` is the index of the first that is not below the key.
 template <class Bytes>
-Bisected bisect(Bytes bytes, std::size_t array, Bisected left, std::size_t most,
-                std::uint16_t key) noexcept {
-  while (left.size > most) {
-    const std::size_t half = (left.size - 1) / 2;
-    if (bytes.read16(array + 2 * (left.low + half)) < key) {
-      left.low += half + 1;
-      left.size -= half + 1;
-    } else {
-      left.size = half;
-    }
-  }
-  return left;
+Bisected bisectNumbers(Bytes bytes, std::size_t array, Bisected range, std::size_t maximum,
+                       std::uint16_t key) noexcept {
+  return detail::bisect(range, maximum, [&](std::size_t index) {
+    const std::uint16_t number = bytes.template read<std::uint16_t>(array + index * kCodeSize);
+    return number < key ? -1 : 1;
+  });
 }
 
 // Each format's lookup is written once, over a source of bytes: a subtable that open has tested, or
-// one under test, which notes that a read left the image and goes on with zeros. firstNotBelow
-// gives `count` where all numbers are below the key.
+// one under test. firstNotBelow returns `count` if all numbers are below the key.
 struct TrustedBytes {
   const std::uint8_t* start;
-  std::uint8_t read8(std::size_t offset) const noexcept { return start[offset]; }
-  std::uint16_t read16(std::size_t offset) const noexcept { return readUInt16(start, offset); }
+  template <class T>
+  T read(std::size_t offset) const noexcept {
+    return format::loadBigEndian<T>(start + offset);
+  }
   std::size_t firstNotBelow(std::size_t array, std::size_t count,
                             std::uint16_t key) const noexcept {
     constexpr std::size_t kWindow = detail::kBelowWindow;
     Bisected left{0, count};
     if (count >= kWindow) {
-      left = bisect(*this, array, left, kWindow, key);
+      left = bisectNumbers(*this, array, left, kWindow, key);
       // The window holds all that is left. Where in it no number below the key follows one that is
-      // not, any bisection of what is left ends in the same place.
+      // not, any bisection of what is left ends at the same index.
       const std::size_t first = left.low < count - kWindow ? left.low : count - kWindow;
-      const std::uint32_t below = detail::belowInWindow(start + array + 2 * first, key);
+      const std::uint32_t below = detail::belowInWindow(start + array + first * kCodeSize, key);
       if ((below & (below + 1)) == 0) {
         return first + static_cast<std::size_t>(std::countr_zero(below + 1));
       }
     }
-    return bisect(*this, array, left, 0, key).low;
+    return bisectNumbers(*this, array, left, 0, key).low;
   }
 };
 
+// Notes that a read left the image, and goes on with zeros.
 struct TestedBytes {
   ByteView view;
   bool* left;
-  std::uint8_t read8(std::size_t offset) const noexcept {
-    if (!view.holds(offset, 1)) *left = true;
-    return view.readOrZero<std::uint8_t>(offset);
-  }
-  std::uint16_t read16(std::size_t offset) const noexcept {
-    if (!view.holds(offset, 2)) *left = true;
-    return view.readOrZero<std::uint16_t>(offset);
+  template <class T>
+  T read(std::size_t offset) const noexcept {
+    if (!view.holds(offset, sizeof(T))) *left = true;
+    return view.readOrZero<T>(offset);
   }
   std::size_t firstNotBelow(std::size_t array, std::size_t count,
                             std::uint16_t key) const noexcept {
-    return bisect(*this, array, {0, count}, 0, key).low;
+    return bisectNumbers(*this, array, {0, count}, 0, key).low;
   }
 };
 
+// A field of the record at an offset, and an element of an array at the subtable's start.
+template <class Bytes, class Record, class T, std::size_t Offset>
+T get(Bytes bytes, format::Field<Record, T, Offset>, std::size_t record = 0) noexcept {
+  return bytes.template read<T>(record + Offset);
+}
+template <class Bytes, class Record, class T, std::size_t Offset>
+T get(Bytes bytes, format::Array<Record, T, Offset> array, std::size_t index) noexcept {
+  return bytes.template read<T>(array.at(index));
+}
+
 template <class Bytes>
 std::uint16_t lookup0(Bytes bytes, std::uint16_t code) noexcept {
-  return code > 255 ? std::uint16_t{0} : std::uint16_t{bytes.read8(6 + std::size_t{code})};
+  return code < Cmap0::kCodeCount ? get(bytes, Cmap0::kGlyphs, code) : std::uint16_t{0};
 }
 
 template <class Bytes>
 std::uint16_t lookup2(Bytes bytes, std::uint16_t code) noexcept {
+  using Header = format::Cmap2SubHeader;
   const std::size_t high = code >> 8;
   const std::size_t low = code & 0xFF;
-  const std::size_t header = 518 + 8 * std::size_t{bytes.read16(6 + 2 * high) / 8u};
-  const std::size_t firstCode = bytes.read16(header);
-  if (low < firstCode || low >= firstCode + bytes.read16(header + 2)) return 0;
-  const std::size_t rangeOffset = bytes.read16(header + 6);
-  const std::uint16_t value = bytes.read16(header + 6 + rangeOffset + 2 * (low - firstCode));
+  const std::size_t key = get(bytes, Cmap2::kKeys, high);
+  const std::size_t header = Cmap2::kSubHeaders.at(key / Header::kSize);
+  const std::size_t firstCode = get(bytes, Header::kFirstCode, header);
+  if (low < firstCode || low >= firstCode + get(bytes, Header::kEntryCount, header)) return 0;
+  const std::size_t rangeOffset = get(bytes, Header::kRangeOffset, header);
+  const std::uint16_t value = bytes.template read<std::uint16_t>(
+      format::rangeGlyph(header + Header::kRangeOffset.kOffset, rangeOffset, low - firstCode));
   if (value == 0) return 0;
-  return static_cast<std::uint16_t>(value + bytes.read16(header + 4));
+  return static_cast<std::uint16_t>(value + get(bytes, Header::kDelta, header));
 }
 
 template <class Bytes>
 std::uint16_t lookup4(Bytes bytes, std::uint16_t code) noexcept {
-  const std::size_t count = bytes.read16(6) / 2u;
-  const std::size_t segment = bytes.firstNotBelow(14, count, code);
-  if (segment == count) return 0;
-  const std::size_t startCode = 16 + 2 * (count + segment);
-  const std::uint16_t first = bytes.read16(startCode);
+  const auto read = [bytes](std::size_t offset) {
+    return bytes.template read<std::uint16_t>(offset);
+  };
+  const auto arrays = Cmap4Arrays::ofSegmentBytes(get(bytes, Cmap4::kSegmentBytes));
+  const std::size_t segment = bytes.firstNotBelow(arrays.endCode(0), arrays.segments, code);
+  if (segment == arrays.segments) return 0;
+  const std::uint16_t first = read(arrays.startCode(segment));
   if (first > code) return 0;
-  const std::uint16_t delta = bytes.read16(startCode + 2 * count);
-  const std::size_t rangePlace = startCode + 4 * count;
-  const std::uint16_t rangeOffset = bytes.read16(rangePlace);
+  const std::uint16_t delta = read(arrays.delta(segment));
+  const std::size_t rangeField = arrays.rangeOffset(segment);
+  const std::uint16_t rangeOffset = read(rangeField);
   if (rangeOffset == 0) return static_cast<std::uint16_t>(code + delta);
-  const std::size_t step = 2 * static_cast<std::size_t>(code - first);
-  const std::uint16_t value = bytes.read16(rangePlace + rangeOffset + step);
+  const auto index = static_cast<std::size_t>(code - first);
+  const std::uint16_t value = read(format::rangeGlyph(rangeField, rangeOffset, index));
   return value == 0 ? std::uint16_t{0} : static_cast<std::uint16_t>(value + delta);
 }
 
 template <class Bytes>
 std::uint16_t lookup6(Bytes bytes, std::uint16_t code) noexcept {
-  const std::uint16_t first = bytes.read16(6);
+  const std::uint16_t first = get(bytes, Cmap6::kFirstCode);
   if (code < first) return 0;
   const std::size_t index = static_cast<std::size_t>(code - first);
-  return index < bytes.read16(8) ? bytes.read16(10 + 2 * index) : std::uint16_t{0};
+  return index < get(bytes, Cmap6::kCount) ? get(bytes, Cmap6::kGlyphs, index) : std::uint16_t{0};
 }
 
 template <std::uint16_t (*Lookup)(const std::uint8_t*, std::uint16_t) noexcept>
@@ -138,20 +150,23 @@ constexpr Format kFormats[] = {
     {lookup6<TestedBytes>, cmapLookupFormat6, withoutLastCode<cmapLookupFormat6>},
 };
 
-// Whether no segment can lead a code below the last outside, whatever code leads to it. Some of
-// what this finds to lead outside no code reaches, so its no is a reason to look closer.
+// True if no segment leads a code below the last outside. False may be a false alarm, since it may
+// be that no code reaches the segment: the caller then tests every code.
 bool segmentsStayInside(ByteView subtable) noexcept {
-  const std::size_t count = subtable.readOrZero<std::uint16_t>(6) / 2u;
-  const std::size_t starts = 16 + 2 * count;
-  if (!subtable.holds(0, starts + 6 * count)) return false;
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t rangePlace = starts + 4 * count + 2 * i;
-    const std::size_t rangeOffset = subtable.readOrZero<std::uint16_t>(rangePlace);
+  const RecordView<Cmap4> header(subtable);
+  const auto arrays = Cmap4Arrays::ofSegmentBytes(header.readOrZero(Cmap4::kSegmentBytes));
+  if (!subtable.holds(0, arrays.glyph(0))) return false;
+  const auto read = [subtable](std::size_t offset) -> std::size_t {
+    return subtable.readHeld<std::uint16_t>(offset);
+  };
+  for (std::size_t i = 0; i < arrays.segments; ++i) {
+    const std::size_t rangeField = arrays.rangeOffset(i);
+    const std::size_t rangeOffset = read(rangeField);
     if (rangeOffset == 0) continue;
-    const std::size_t first = subtable.readOrZero<std::uint16_t>(starts + 2 * i);
-    const std::size_t last = subtable.readOrZero<std::uint16_t>(14 + 2 * i);
+    const std::size_t first = read(arrays.startCode(i));
+    const std::size_t last = read(arrays.endCode(i));
     if (first <= last && first < kLastCode &&
-        !subtable.holds(rangePlace + rangeOffset, 2 * (last - first) + 2)) {
+        !subtable.holds(format::rangeGlyph(rangeField, rangeOffset, last - first), kCodeSize)) {
       return false;
     }
   }
@@ -160,26 +175,29 @@ bool segmentsStayInside(ByteView subtable) noexcept {
 
 // No value of a subtable of the format leads further than this.
 std::size_t furthestReach(std::size_t format, ByteView subtable) noexcept {
-  constexpr std::size_t kAnyOffset = 0x10000 + 2 * 0x10000;
+  constexpr std::size_t kNumbers = 0x10000;  // values of 16 bits
+  constexpr std::size_t kAnyRange = format::rangeGlyph(0, kNumbers, kNumbers);
   switch (format) {
     case 0:
-      return 6 + 256;
+      return Cmap0::kGlyphs.at(Cmap0::kCodeCount);
     case 2:
-      return 518 + 8 * 0x2000 + kAnyOffset;
-    case 4:
-      return 16 + 8 * std::size_t{subtable.readOrZero<std::uint16_t>(6) / 2u} + kAnyOffset;
+      return Cmap2::kSubHeaders.at(kNumbers / format::Cmap2SubHeader::kSize) + kAnyRange;
+    case 4: {
+      const auto segmentBytes = RecordView<Cmap4>(subtable).readOrZero(Cmap4::kSegmentBytes);
+      return Cmap4Arrays::ofSegmentBytes(segmentBytes).glyph(0) + kAnyRange;
+    }
     default:
-      return 10 + 2 * std::size_t{subtable.readOrZero<std::uint16_t>(8)};
+      return Cmap6::kGlyphs.at(RecordView<Cmap6>(subtable).readOrZero(Cmap6::kCount));
   }
 }
 
-// The operation by which no code leads outside the image, or null.
+// The lookup that keeps every code inside the image, or null if there is none.
 CmapLookup usableLookup(std::size_t format, ByteView subtable) noexcept {
   const Format& operations = kFormats[format];
   if (subtable.holds(0, furthestReach(format, subtable))) return operations.lookup;
   bool left = false;
   const TestedBytes bytes{subtable, &left};
-  const bool isKnown = format == 4 && segmentsStayInside(subtable);
+  const bool isKnown = format == Cmap4::kFormatNumber && segmentsStayInside(subtable);
   for (std::uint32_t code = 0; code < kLastCode && !isKnown; ++code) {
     operations.tested(bytes, static_cast<std::uint16_t>(code));
     if (left) return nullptr;
@@ -218,25 +236,28 @@ void selectCmapSubtable(TrueTypeFont* font) noexcept {
   font->cmapType = -1;
   font->cmapLookup = nullptr;
 
-  constexpr std::size_t kWindows = 3, kEncodings = 7;
-  const ByteView cmap = detail::tableView(*font, kSlotCmap);
+  constexpr std::size_t kEncodings = 7;
+  const auto cmap = detail::tableOf<Cmap>(*font);
   std::uint32_t offsets[kEncodings] = {};
-  const std::size_t count = cmap.readOrZero<std::uint16_t>(2);
-  for (std::size_t record = 4; record < 4 + 8 * count; record += 8) {
-    const std::size_t encoding = cmap.readOrZero<std::uint16_t>(record + 2);
-    if (cmap.readOrZero<std::uint16_t>(record) == kWindows && encoding < kEncodings) {
-      offsets[encoding] = cmap.readOrZero<std::uint32_t>(record + 4);
+  const std::size_t count = cmap.readOrZero(Cmap::kCount);
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto record = cmap.at(Cmap::kRecords, i);
+    const std::size_t encoding = record.readOrZero(EncodingRecord::kEncodingID);
+    if (record.readOrZero(EncodingRecord::kPlatformID) == Cmap::kWindowsPlatform &&
+        encoding < kEncodings) {
+      offsets[encoding] = record.readOrZero(EncodingRecord::kOffset);
     }
   }
   for (const std::size_t encoding : {1u, 2u, 3u, 4u, 5u, 6u, 0u}) {
     if (offsets[encoding] == 0) continue;
-    const ByteView subtable = cmap.from(offsets[encoding]);
-    const std::optional<std::uint16_t> format = subtable.read<std::uint16_t>(0);
-    if (!format || *format > 6 || *format % 2 != 0) return;
+    const ByteView subtable = cmap.bytes().from(offsets[encoding]);
+    const auto format =
+        RecordView<format::CmapSubtable>(subtable).read(format::CmapSubtable::kFormat);
+    if (!format || *format >= std::size(kFormats) || kFormats[*format].lookup == nullptr) return;
     const CmapLookup lookup = usableLookup(*format, subtable);
     if (lookup == nullptr) return;
     font->cmapSubtable = subtable.start();
-    font->cmapType = static_cast<std::int32_t>(encoding) + 10;
+    font->cmapType = static_cast<std::int32_t>(encoding) + kFirstType;
     font->cmapLookup = lookup;
     return;
   }

@@ -1,8 +1,14 @@
 #include "truetype/reader/metrics.h"
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/bytes.h"
 #include "truetype/detail/c_buffer.h"
-#include "truetype/detail/metric.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/detail/long_metrics.h"
+#include "truetype/format/cmap.h"
+#include "truetype/format/glyf.h"
+#include "truetype/format/hmtx.h"
+#include "truetype/format/kern.h"
+#include "truetype/format/name.h"
 
 namespace ulm::truetype {
 namespace {
@@ -10,6 +16,7 @@ namespace {
 using detail::ByteView;
 using detail::Metric;
 using detail::metricOf;
+using format::Cmap, format::GlyphHeader, format::Kern, format::Name;
 
 std::uint16_t lowHalf(std::int32_t value) noexcept { return static_cast<std::uint16_t>(value); }
 
@@ -18,25 +25,19 @@ ScaledAdvance scale(std::int32_t unitsPerEm, Metric metric) noexcept {
           static_cast<std::int16_t>(scaleToThousandths(unitsPerEm, metric.sideBearing))};
 }
 
-// All that a raw table of these counts may be read at, as its caller vouches.
+// The bytes of a raw table with these counts, for which the caller vouches.
 ByteView rawView(const std::uint8_t* table, std::size_t longCount,
                  std::size_t glyphCount) noexcept {
-  return {table, 4 * longCount + (glyphCount > longCount ? 2 * (glyphCount - longCount) : 0)};
+  return {table, format::LongMetrics{longCount}.size(glyphCount)};
 }
 
 }  // namespace
 
 void readGlyphMetrics(const TrueTypeFont* font, std::uint32_t glyphIndex,
                       GlyphMetrics* metrics) noexcept {
-  Metric across = {0, 0}, down = {0, 0};
-  if (font->tables[kSlotHmtx] != nullptr && font->numberOfHMetrics != 0) {
-    across = metricOf(detail::tableView(*font, kSlotHmtx), font->numberOfHMetrics, font->numGlyphs,
-                      glyphIndex);
-    if (font->tables[kSlotVmtx] != nullptr && font->numOfLongVerMetrics != 0) {
-      down = metricOf(detail::tableView(*font, kSlotVmtx), font->numOfLongVerMetrics,
-                      font->numGlyphs, glyphIndex);
-    }
-  }
+  const bool hasHorizontal = font->tables[kSlotHmtx] != nullptr && font->numberOfHMetrics != 0;
+  const Metric across = detail::horizontalMetric(*font, glyphIndex);
+  const Metric down = hasHorizontal ? detail::verticalMetric(*font, glyphIndex) : Metric{0, 0};
   metrics->advanceWidth = across.advance;
   metrics->leftSideBearing = across.sideBearing;
   metrics->advanceHeight = down.advance;
@@ -46,12 +47,12 @@ void readGlyphMetrics(const TrueTypeFont* font, std::uint32_t glyphIndex,
 bool readGlyphBox(const TrueTypeFont* font, std::uint32_t glyphIndex,
                   GlyphMetrics* metrics) noexcept {
   if (glyphIndex >= font->numGlyphs) return false;
-  const ByteView glyph = detail::glyphView(*font, glyphIndex);
-  if (glyph.size() == 0) return false;
-  metrics->xMin = glyph.readOrZero<std::int16_t>(2);
-  metrics->yMin = glyph.readOrZero<std::int16_t>(4);
-  metrics->xMax = glyph.readOrZero<std::int16_t>(6);
-  metrics->yMax = glyph.readOrZero<std::int16_t>(8);
+  const detail::RecordView<GlyphHeader> glyph(detail::glyphView(*font, glyphIndex));
+  if (glyph.bytes().size() == 0) return false;
+  metrics->xMin = glyph.readOrZero(GlyphHeader::kXMin);
+  metrics->yMin = glyph.readOrZero(GlyphHeader::kYMin);
+  metrics->xMax = glyph.readOrZero(GlyphHeader::kXMax);
+  metrics->yMax = glyph.readOrZero(GlyphHeader::kYMax);
   return true;
 }
 
@@ -118,7 +119,11 @@ ScaledMetrics* getScaledMetricsFromTables(const std::uint8_t* hmtx, const std::u
 }
 
 std::uint16_t rawTableCount(const std::uint8_t* table) noexcept {
-  return table == nullptr ? std::uint16_t{0} : readUInt16(table, 2);
+  static_assert(Name::kCount.kOffset == Cmap::kCount.kOffset &&
+                Name::kCount.kOffset == Kern::kCount.kOffset);
+  constexpr std::size_t kRead = Name::kCount.kEnd;
+  return table == nullptr ? std::uint16_t{0}
+                          : detail::FixedView<Name, kRead>::vouched(table).get(Name::kCount);
 }
 
 }  // namespace ulm::truetype

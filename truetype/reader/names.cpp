@@ -3,29 +3,23 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "truetype/detail/byte_view.h"
+#include "truetype/detail/bisect.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/detail/name_entry.h"
+#include "truetype/format/name.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::ByteView;
 using detail::CBuffer;
+using detail::RecordView;
+using format::Name, format::NameEntry, format::Utf16;
 
-constexpr std::size_t kRecords = 6, kRecordSize = 12;
 constexpr std::uint16_t kFamilyName = 1, kSubfamilyName = 2, kPostScriptName = 6;
 constexpr std::uint16_t kUnicode = 0, kMacintosh = 1, kWindows = 3;
 constexpr std::uint16_t kEnglish = 1033, kJapanese = 1041;
-
-std::size_t recordOffset(std::size_t index) noexcept { return kRecords + index * kRecordSize; }
-
-// The bytes of a record's string; none where they leave the image.
-ByteView stringOf(ByteView names, std::size_t index) noexcept {
-  const std::size_t record = recordOffset(index);
-  const std::size_t start = std::size_t{names.readOrZero<std::uint16_t>(4)} +
-                            names.readOrZero<std::uint16_t>(record + 10);
-  return names.sub(start, names.readOrZero<std::uint16_t>(record + 8)).value_or(ByteView());
-}
 
 CBuffer<char> makeText(const void* characters, std::size_t length) noexcept {
   CBuffer<char> text = detail::makeBuffer<char>(length + 1);
@@ -44,12 +38,13 @@ struct NameText {
 // neither.
 NameText makeTexts(ByteView string, bool isUtf16, bool wantsWide) noexcept {
   if (!isUtf16) return {makeText(string.start(), string.size()), nullptr};
-  const std::size_t units = string.size() / 2;
+  const std::size_t units = string.size() / sizeof(std::uint16_t);
   NameText texts{detail::makeBuffer<char>(units + 1), nullptr};
   if (wantsWide) texts.wide = detail::makeBuffer<std::uint16_t>(units + 1);
   if (texts.narrow == nullptr || (wantsWide && texts.wide == nullptr)) return {};
+  const RecordView<Utf16> text(string);
   for (std::size_t i = 0; i < units; ++i) {
-    const std::uint16_t unit = string.readOrZero<std::uint16_t>(2 * i);
+    const std::uint16_t unit = text.readOrZero(Utf16::kUnits, i);
     texts.narrow[i] = static_cast<char>(unit & 0xFF);
     if (wantsWide) texts.wide[i] = unit;
   }
@@ -73,15 +68,16 @@ constexpr NameKey kSubfamilyKeys[] = {{kMacintosh, 0, 0, false}, {kWindows, 1, k
 
 // What the first key found leads to; `found` tells a lack of records from one of memory.
 template <std::size_t Count>
-NameText findText(ByteView names, const NameKey (&keys)[Count], std::uint16_t nameID,
+NameText findText(RecordView<Name> names, const NameKey (&keys)[Count], std::uint16_t nameID,
                   bool wantsWide, bool& found) noexcept {
-  const std::uint16_t count = names.readOrZero<std::uint16_t>(2);
+  const std::uint16_t count = names.readOrZero(Name::kCount);
   for (const NameKey& key : keys) {
-    const std::int32_t index = findNameRecord(names.start(), count, key.platformID, key.encodingID,
-                                              key.languageID, nameID);
+    const std::int32_t index = findNameRecord(names.bytes().start(), count, key.platformID,
+                                              key.encodingID, key.languageID, nameID);
     if (index < 0) continue;
     found = true;
-    return makeTexts(stringOf(names, static_cast<std::size_t>(index)), key.isUtf16, wantsWide);
+    return makeTexts(detail::nameString(names, static_cast<std::size_t>(index)), key.isUtf16,
+                     wantsWide);
   }
   found = false;
   return {};
@@ -101,31 +97,22 @@ CBuffer<char> nameOfFile(const char* fileName) noexcept {
 std::int32_t findNameRecord(const std::uint8_t* nameTable, std::uint32_t recordCount,
                             std::uint16_t platformID, std::uint16_t encodingID,
                             std::uint16_t languageID, std::uint16_t nameID) noexcept {
-  const auto key = std::uint64_t{platformID} << 48 | std::uint64_t{encodingID} << 32 |
-                   std::uint64_t{languageID} << 16 | nameID;
-  std::size_t low = 0, end = recordCount;
-  while (low < end) {
-    const std::size_t middle = (low + end - 1) / 2;
-    const std::size_t record = recordOffset(middle);
-    const auto stored =
-        std::uint64_t{readUInt32(nameTable, record)} << 32 | readUInt32(nameTable, record + 4);
-    if (stored == key) return static_cast<std::int32_t>(middle);
-    if (stored < key) {
-      low = middle + 1;
-    } else {
-      end = middle;
-    }
-  }
-  return -1;
+  const std::uint64_t key = NameEntry::key(platformID, encodingID, languageID, nameID);
+  const RecordView<Name> names(ByteView(nameTable, Name::kEntries.at(recordCount)));
+  const detail::Bisected found = detail::bisect({0, recordCount}, 0, [&](std::size_t index) {
+    return names.held(Name::kEntries, index).get(NameEntry::kKey) <=> key;
+  });
+  return found.size == 0 ? -1 : static_cast<std::int32_t>(found.low);
 }
 
 char* nameRecordText(const std::uint8_t* nameTable, std::uint32_t index, std::int32_t isUtf16,
                      std::uint16_t** outWide) noexcept {
   if (outWide != nullptr) *outWide = nullptr;
-  const std::size_t record = recordOffset(index);
+  const RecordView<Name> names(ByteView(nameTable, Name::kEntries.at(index + std::size_t{1})));
+  const auto entry = names.held(Name::kEntries, index);
   const std::size_t start =
-      std::size_t{readUInt16(nameTable, 4)} + readUInt16(nameTable, record + 10);
-  const ByteView string(nameTable + start, readUInt16(nameTable, record + 8));
+      std::size_t{names.readOrZero(Name::kStringOffset)} + entry.get(NameEntry::kOffset);
+  const ByteView string(nameTable + start, entry.get(NameEntry::kLength));
   NameText texts = makeTexts(string, isUtf16 != 0, outWide != nullptr);
   if (outWide != nullptr) *outWide = texts.wide.release();
   return texts.narrow.release();
@@ -133,8 +120,8 @@ char* nameRecordText(const std::uint8_t* nameTable, std::uint32_t index, std::in
 
 std::int32_t getNameRecords(const TrueTypeFont* font, NameRecord** outRecords) noexcept {
   *outRecords = nullptr;
-  const ByteView names = detail::tableView(*font, kSlotName);
-  const std::int32_t count = names.readOrZero<std::uint16_t>(2);
+  const auto names = detail::tableOf<Name>(*font);
+  const std::int32_t count = names.readOrZero(Name::kCount);
   if (count == 0) return 0;
   CBuffer<NameRecord> records =
       detail::makeZeroedBuffer<NameRecord>(static_cast<std::size_t>(count));
@@ -142,8 +129,7 @@ std::int32_t getNameRecords(const TrueTypeFont* font, NameRecord** outRecords) n
   std::size_t total = 0;
   for (std::int32_t i = 0; i < count; ++i) {
     const std::size_t index = static_cast<std::size_t>(i);
-    const std::size_t record = recordOffset(index);
-    const ByteView string = stringOf(names, index);
+    const ByteView string = detail::nameString(names, index);
     CBuffer<std::uint8_t> data;
     total += string.size();
     if (string.size() != 0) {
@@ -154,10 +140,9 @@ std::int32_t getNameRecords(const TrueTypeFont* font, NameRecord** outRecords) n
       }
       string.copy(0, string.size(), data.get());
     }
-    records[index] = {
-        names.readOrZero<std::uint16_t>(record),     names.readOrZero<std::uint16_t>(record + 2),
-        names.readOrZero<std::uint16_t>(record + 4), names.readOrZero<std::uint16_t>(record + 6),
-        static_cast<std::uint16_t>(string.size()),   data.release()};
+    records[index] = detail::nameKeys(names, index);
+    records[index].length = static_cast<std::uint16_t>(string.size());
+    records[index].data = data.release();
   }
   *outRecords = records.release();
   return count;
@@ -169,7 +154,7 @@ void releaseNameRecords(NameRecord* records, std::int32_t count) noexcept {
 }
 
 bool readFontNames(TrueTypeFont* font) noexcept {
-  const ByteView names = detail::tableView(*font, kSlotName);
+  const auto names = detail::tableOf<Name>(*font);
   bool found = false;
 
   NameText postScript = findText(names, kPostScriptKeys, kPostScriptName, false, found);

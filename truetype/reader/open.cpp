@@ -5,21 +5,28 @@
 #include <memory>
 #include <optional>
 
-#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/detail/swap_run.h"
+#include "truetype/format/cmap.h"
+#include "truetype/format/directory.h"
+#include "truetype/format/glyf.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/maxp.h"
+#include "truetype/format/name.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/mapping.h"
 #include "truetype/reader/names.h"
-#include "truetype/reader/tables.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::ByteView;
+using detail::RecordView;
+using format::CollectionHeader;
+using format::OffsetTable;
 
-constexpr std::uint32_t kPlainVersion = 0x00010000;
-constexpr std::uint32_t kTagTrue = 0x74727565;
-constexpr std::uint32_t kTagTtcf = 0x74746366;
 constexpr TableSlot kRequired[] = {kSlotMaxp, kSlotHead, kSlotGlyf,
                                    kSlotLoca, kSlotName, kSlotCmap};
 
@@ -42,16 +49,19 @@ struct Release {
 
 // Finds the face's offset table.
 FontResult findFace(ByteView image, std::uint32_t faceIndex, TrueTypeFont& font) noexcept {
-  const std::optional<std::uint32_t> kind = image.read<std::uint32_t>(0);
-  if (kind == kPlainVersion || kind == kTagTrue) return FontResultOk;  // directoryOffset is 0
-  if (kind != kTagTtcf) return FontResultBadFormat;
-  const std::optional<std::uint32_t> version = image.read<std::uint32_t>(4);
-  if (version != 0x00010000u && version != 0x00020000u) return FontResultBadFormat;
-  const std::optional<std::uint32_t> faceCount = image.read<std::uint32_t>(8);
-  if (!faceCount) return FontResultBadFormat;
-  if (faceIndex >= *faceCount) return FontResultBadFaceIndex;
-  const std::optional<std::uint32_t> offset =
-      image.read<std::uint32_t>(12 + 4 * std::size_t{faceIndex});
+  const auto version = RecordView<OffsetTable>(image).read(OffsetTable::kVersion);
+  if (version == OffsetTable::kTrueType || version == OffsetTable::kAppleTrueType) {
+    return FontResultOk;  // directoryOffset is 0
+  }
+  if (version != CollectionHeader::kCollection) return FontResultBadFormat;
+  const RecordView<CollectionHeader> collection(image);
+  const auto header = collection.holding(CollectionHeader::kVersion, CollectionHeader::kFaceCount);
+  if (!header || (header->get(CollectionHeader::kVersion) != CollectionHeader::kVersion1 &&
+                  header->get(CollectionHeader::kVersion) != CollectionHeader::kVersion2)) {
+    return FontResultBadFormat;
+  }
+  if (faceIndex >= header->get(CollectionHeader::kFaceCount)) return FontResultBadFaceIndex;
+  const auto offset = collection.read(CollectionHeader::kOffsets, faceIndex);
   if (!offset) return FontResultBadFormat;
   font.directoryOffset = *offset;
   return FontResultOk;
@@ -59,26 +69,27 @@ FontResult findFace(ByteView image, std::uint32_t faceIndex, TrueTypeFont& font)
 
 // Notes each table that has a slot, the last of a tag, and holds all to the image.
 bool findTables(ByteView image, TrueTypeFont& font) noexcept {
-  const ByteView face = image.from(font.directoryOffset);
-  const std::optional<std::uint16_t> count = face.read<std::uint16_t>(4);
-  if (!count || !face.holds(12, 16 * std::size_t{*count})) return false;
+  using format::TableEntry;
+  const RecordView<OffsetTable> face(image.from(font.directoryOffset));
+  const auto count = face.read(OffsetTable::kTableCount);
+  if (!count || !face.holds(OffsetTable::kTables, *count)) return false;
   font.tableCount = *count;
-  struct Place {
+  struct Location {
     bool present;
     std::uint32_t offset, length;
   };
-  Place places[kTableSlotCount] = {};
-  for (std::size_t entry = 12; entry < 12 + 16 * std::size_t{*count}; entry += 16) {
-    const std::int32_t slot = tableSlotForTag(face.readOrZero<std::uint32_t>(entry));
+  Location locations[kTableSlotCount] = {};
+  for (std::size_t i = 0; i < *count; ++i) {
+    const auto entry = face.held(OffsetTable::kTables, i);
+    const std::int32_t slot = detail::slotForTag(entry.get(TableEntry::kTag));
     if (slot < 0) continue;
-    places[slot] = {true, face.readOrZero<std::uint32_t>(entry + 8),
-                    face.readOrZero<std::uint32_t>(entry + 12)};
+    locations[slot] = {true, entry.get(TableEntry::kOffset), entry.get(TableEntry::kLength)};
   }
   for (std::int32_t slot = 0; slot < kTableSlotCount; ++slot) {
-    const Place& place = places[slot];
-    if (!place.present || !image.holds(place.offset, place.length)) continue;
-    font.tables[slot] = font.image + place.offset;
-    font.tableLengths[slot] = place.length;
+    const Location& table = locations[slot];
+    if (!table.present || !image.holds(table.offset, table.length)) continue;
+    font.tables[slot] = font.image + table.offset;
+    font.tableLengths[slot] = table.length;
   }
   for (const TableSlot slot : kRequired) {
     if (font.tables[slot] == nullptr) return false;
@@ -86,30 +97,32 @@ bool findTables(ByteView image, TrueTypeFont& font) noexcept {
   return true;
 }
 
-// Whether the records that a header counts lie in the image with it. Without any no more than the
-// count is read.
-bool holdsRecords(ByteView table, std::size_t countOffset, std::size_t header,
-                  std::size_t recordSize) noexcept {
-  const std::optional<std::uint16_t> count = table.read<std::uint16_t>(countOffset);
-  return count && (*count == 0 || table.holds(0, header + *count * recordSize));
+// Whether the records that a header counts are in the image. Without any no more than the count is
+// read.
+template <class Table, std::size_t CountOffset, class Element, std::size_t Offset>
+bool holdsRecords(RecordView<Table> table, format::Field<Table, std::uint16_t, CountOffset> field,
+                  format::Array<Table, Element, Offset> records) noexcept {
+  const std::optional<std::uint16_t> count = table.read(field);
+  return count && (*count == 0 || table.holds(records, *count));
 }
 
-// The entries of loca as byte offsets into glyf.
+// The first `count` entries of loca as byte offsets into glyf. False where they are not all there.
 bool decodeLoca(ByteView loca, std::size_t count, bool isLong, std::uint32_t* out) noexcept {
-  return isLong ? loca.readRun32(count, out) : loca.readDoubledRun16(count, out);
+  return isLong ? detail::storeRun32(loca, count, out)
+                : detail::storeDoubledRun16(loca, count, out);
 }
 
-FontResult readGlyphPlaces(TrueTypeFont& font) noexcept {
-  const auto glyphs = detail::tableView(font, kSlotMaxp).read<std::uint16_t>(4);
-  const ByteView head = detail::tableView(font, kSlotHead);
-  const auto unitsPerEm = head.read<std::uint16_t>(18);
-  const auto locaFormat = head.read<std::int16_t>(50);
-  if (!glyphs || !unitsPerEm || *unitsPerEm == 0) return FontResultBadFormat;
-  if (locaFormat != std::int16_t{0} && locaFormat != std::int16_t{1}) return FontResultBadFormat;
-  font.unitsPerEm = *unitsPerEm;
+FontResult readGlyphOffsets(TrueTypeFont& font) noexcept {
+  using format::Head, format::Loca;
+  const auto glyphs = detail::tableOf<format::Maxp>(font).read(format::Maxp::kGlyphCount);
+  const auto head = detail::tableOf<Head>(font).holding(Head::kUnitsPerEm, Head::kIndexToLocFormat);
+  if (!glyphs || !head || head->get(Head::kUnitsPerEm) == 0) return FontResultBadFormat;
+  const std::int16_t locaFormat = head->get(Head::kIndexToLocFormat);
+  const bool isLong = locaFormat == Loca::kLongFormat;
+  if (!isLong && locaFormat != Loca::kShortFormat) return FontResultBadFormat;
+  font.unitsPerEm = head->get(Head::kUnitsPerEm);
 
-  const bool isLong = *locaFormat == 1;
-  const std::uint32_t entries = font.tableLengths[kSlotLoca] >> (isLong ? 2 : 1);
+  const std::uint32_t entries = Loca::entriesIn(font.tableLengths[kSlotLoca], isLong);
   if (entries == 0) {
     font.glyphOffsets = detail::makeZeroedBuffer<std::uint32_t>(1).release();
     return font.glyphOffsets != nullptr ? FontResultOk : FontResultNoMemory;
@@ -123,13 +136,14 @@ FontResult readGlyphPlaces(TrueTypeFont& font) noexcept {
              : FontResultBadFormat;
 }
 
-// The count of long metrics, at byte 34 of both headers.
-std::uint32_t readLongMetrics(TrueTypeFont& font, TableSlot slot) noexcept {
-  if (font.tables[slot] == nullptr) return 0;
-  const auto count = detail::tableView(font, slot).read<std::uint16_t>(34);
+// The count of long metrics of hhea or vhea. A table too short to have one is dropped.
+template <class Table>
+std::uint32_t readLongMetricCount(TrueTypeFont& font) noexcept {
+  constexpr TableSlot kSlot = detail::kSlotOf<Table>;
+  const auto count = detail::tableOf<Table>(font).read(Table::kLongMetricCount);
   if (count) return *count;
-  font.tables[slot] = nullptr;
-  font.tableLengths[slot] = 0;
+  font.tables[kSlot] = nullptr;
+  font.tableLengths[kSlot] = 0;
   return 0;
 }
 
@@ -161,11 +175,13 @@ FontResult openTrueTypeFont(const char* name, const std::uint8_t* image, std::in
   }
   font->signature = kFontSignature;
   if (!findTables(bytes, *font)) return FontResultBadFormat;
-  if (const FontResult result = readGlyphPlaces(*font); result != FontResultOk) return result;
-  font->numberOfHMetrics = readLongMetrics(*font, kSlotHhea);
-  font->numOfLongVerMetrics = readLongMetrics(*font, kSlotVhea);
-  if (!holdsRecords(detail::tableView(*font, kSlotName), 2, 6, 12) ||
-      !holdsRecords(detail::tableView(*font, kSlotCmap), 2, 4, 8)) {
+  if (const FontResult result = readGlyphOffsets(*font); result != FontResultOk) return result;
+  font->numberOfHMetrics = readLongMetricCount<format::Hhea>(*font);
+  font->numOfLongVerMetrics = readLongMetricCount<format::Vhea>(*font);
+  if (!holdsRecords(detail::tableOf<format::Name>(*font), format::Name::kCount,
+                    format::Name::kEntries) ||
+      !holdsRecords(detail::tableOf<format::Cmap>(*font), format::Cmap::kCount,
+                    format::Cmap::kRecords)) {
     return FontResultBadFormat;
   }
   if (!readFontNames(font.get())) return FontResultNoMemory;

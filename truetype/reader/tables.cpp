@@ -2,19 +2,16 @@
 
 #include <optional>
 
-#include "truetype/detail/byte_view.h"
 #include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/format/directory.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::ByteView;
-
-consteval std::uint32_t tagOf(const char (&text)[5]) {
-  std::uint32_t tag = 0;
-  for (int i = 0; i < 4; ++i) tag = tag << 8 | static_cast<std::uint8_t>(text[i]);
-  return tag;
-}
+using format::OffsetTable;
+using format::TableEntry;
 
 std::optional<ByteView> findTable(const TrueTypeFont& font, std::uint32_t tag) noexcept {
   const ByteView image = detail::imageView(font);
@@ -23,57 +20,18 @@ std::optional<ByteView> findTable(const TrueTypeFont& font, std::uint32_t tag) n
     if (font.tableLengths[slot] == 0) return std::nullopt;
     return ByteView(font.tables[slot], font.tableLengths[slot]);
   }
-  const ByteView directory = image.from(std::size_t{font.directoryOffset} + 12);
+  const detail::RecordView<OffsetTable> face(image.from(font.directoryOffset));
   for (std::size_t i = 0; i < font.tableCount; ++i) {
-    if (directory.readOrZero<std::uint32_t>(16 * i) != tag) continue;
-    return image.sub(directory.readOrZero<std::uint32_t>(16 * i + 8),
-                     directory.readOrZero<std::uint32_t>(16 * i + 12));
+    const auto entry = face.at(OffsetTable::kTables, i);
+    if (entry.readOrZero(TableEntry::kTag) != tag) continue;
+    return image.sub(entry.readOrZero(TableEntry::kOffset), entry.readOrZero(TableEntry::kLength));
   }
   return std::nullopt;
 }
 
 }  // namespace
 
-std::int32_t tableSlotForTag(std::uint32_t tag) noexcept {
-  switch (tag) {
-    case tagOf("maxp"):
-      return kSlotMaxp;
-    case tagOf("glyf"):
-      return kSlotGlyf;
-    case tagOf("head"):
-      return kSlotHead;
-    case tagOf("loca"):
-      return kSlotLoca;
-    case tagOf("name"):
-      return kSlotName;
-    case tagOf("hhea"):
-      return kSlotHhea;
-    case tagOf("hmtx"):
-      return kSlotHmtx;
-    case tagOf("cmap"):
-      return kSlotCmap;
-    case tagOf("vhea"):
-      return kSlotVhea;
-    case tagOf("vmtx"):
-      return kSlotVmtx;
-    case tagOf("OS/2"):
-      return kSlotOs2;
-    case tagOf("post"):
-      return kSlotPost;
-    case tagOf("kern"):
-      return kSlotKern;
-    case tagOf("cvt "):
-      return kSlotCvt;
-    case tagOf("prep"):
-      return kSlotPrep;
-    case tagOf("fpgm"):
-      return kSlotFpgm;
-    case tagOf("GSUB"):
-      return kSlotGsub;
-    default:
-      return -1;
-  }
-}
+std::int32_t tableSlotForTag(std::uint32_t tag) noexcept { return detail::slotForTag(tag); }
 
 const std::uint8_t* tableBySlot(const TrueTypeFont* font, std::int32_t slot) noexcept {
   return font->tables[slot];

@@ -18,7 +18,12 @@ enum WriterResult : std::int32_t {
   WriterResultNameOutOfRange = 9,  // the strings of so many name records lie too far off
   WriterResultTooManyGlyphs = 10,  // more than 65,535
   WriterResultGlyphTooLarge = 11,  // a glyph of 65,535 bytes or more
-  WriterResultFileTooLarge = 12,   // a table or the file past 32 bits, or more than 4,095 tables
+  // A table or the file past 32 bits, more than 4,095 tables, or glyphs that come to far more bytes
+  // than their font has.
+  WriterResultFileTooLarge = 12,
 };
+
+// A short English text, as that of a FontResult.
+const char* resultText(WriterResult result) noexcept;
 
 }  // namespace ulm::truetype

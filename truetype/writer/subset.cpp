@@ -1,7 +1,22 @@
 #include "truetype/writer/subset.h"
 
-#include "truetype/detail/byte_view.h"
-#include "truetype/writer/detail/payloads.h"
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "truetype/detail/c_buffer.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/detail/name_entry.h"
+#include "truetype/detail/table_slot.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/name.h"
+#include "truetype/format/post.h"
+#include "truetype/writer/detail/assembly.h"
+#include "truetype/writer/detail/cmap_table.h"
+#include "truetype/writer/detail/name_table.h"
+#include "truetype/writer/detail/subset_glyphs.h"
 #include "truetype/writer/writer.h"
 
 namespace ulm::truetype {
@@ -9,6 +24,7 @@ namespace {
 
 using detail::ByteView;
 using detail::CBuffer;
+using format::Head, format::Hhea, format::Name, format::Post;
 
 constexpr std::uint8_t kGenericText[] = {'T', 'r', 'u', 'e', 'T', 'y', 'p',
                                          'e', 'S', 'u', 'b', 's', 'e', 't'};
@@ -34,18 +50,14 @@ bool appendGeneric(WriterTable* names) noexcept {
 // The records of the source in their order. Once their strings are too long for any name table, the
 // rest makes no difference.
 bool appendSource(WriterTable* names, const TrueTypeFont& font) noexcept {
-  const ByteView table = detail::tableView(font, kSlotName);
-  const std::uint32_t count = table.readOrZero<std::uint16_t>(2);
-  const std::size_t strings = table.readOrZero<std::uint16_t>(4);
+  constexpr std::uint32_t kTooLong = 0x10000;
+  const auto table = detail::tableOf<Name>(font);
+  const std::uint32_t count = table.readOrZero(Name::kCount);
   std::uint32_t total = 0;
-  for (std::uint32_t i = 0; i < count && total < 0x10000; ++i) {
-    const ByteView record = table.from(6 + std::size_t{12} * i);
-    const NameRecord keys{record.readOrZero<std::uint16_t>(0), record.readOrZero<std::uint16_t>(2),
-                          record.readOrZero<std::uint16_t>(4), record.readOrZero<std::uint16_t>(6),
-                          record.readOrZero<std::uint16_t>(8), nullptr};
-    const ByteView string =
-        table.sub(strings + record.readOrZero<std::uint16_t>(10), keys.length).value_or(ByteView());
+  for (std::uint32_t i = 0; i < count && total < kTooLong; ++i) {
+    const ByteView string = detail::nameString(table, i);
     const auto length = static_cast<std::uint16_t>(string.size());
+    const NameRecord keys = detail::nameKeys(table, i);
     if (!detail::appendNameRecord(names, keys, string.start(), length)) return false;
     total += length;
   }
@@ -64,30 +76,41 @@ OwnedTable makeNames(const TrueTypeFont& font, std::uint32_t count, const NameRe
       whole = detail::appendNameRecord(names.get(), records[i], records[i].data, records[i].length);
     }
   }
-  if (detail::listOf(names.get())->count == 0) whole = whole && appendGeneric(names.get());
+  if (detail::namesOf(names.get()).records.count == 0) whole = whole && appendGeneric(names.get());
   return whole ? std::move(names) : nullptr;
 }
 
+OwnedTable makeMaxp(const TrueTypeFont& font) noexcept {
+  return OwnedTable(createMaxpTable(font.tables[kSlotMaxp], font.tableLengths[kSlotMaxp]));
+}
+
 OwnedTable makeHhea(const TrueTypeFont& font) noexcept {
-  const ByteView hhea = detail::tableView(font, kSlotHhea);
-  const auto at = [hhea](std::size_t offset) { return hhea.readOrZero<std::uint16_t>(offset); };
-  return OwnedTable(createHheaTable(at(4), at(6), at(8), at(18), at(20)));
+  const auto hhea = detail::tableOf<Hhea>(font);
+  const auto get = [hhea](auto field) {
+    return static_cast<std::uint16_t>(hhea.readOrZero(field));
+  };
+  return OwnedTable(createHheaTable(get(Hhea::kAscender), get(Hhea::kDescender),
+                                    get(Hhea::kLineGap), get(Hhea::kCaretSlopeRise),
+                                    get(Hhea::kCaretSlopeRun)));
 }
 
 OwnedTable makeHead(const TrueTypeFont& font) noexcept {
-  const ByteView head = detail::tableView(font, kSlotHead);
-  const auto at = [head](std::size_t offset) { return head.readOrZero<std::uint16_t>(offset); };
-  std::uint8_t created[8] = {};
-  head.copy(20, sizeof created, created);
-  return OwnedTable(createHeadTable(head.readOrZero<std::uint32_t>(4), at(16), at(18), created,
-                                    at(44), at(46), at(48)));
+  const auto head = detail::tableOf<Head>(font);
+  std::uint8_t created[sizeof(decltype(Head::kCreated)::Value)];
+  format::storeBigEndian(created, head.readOrZero(Head::kCreated));
+  return OwnedTable(createHeadTable(
+      head.readOrZero(Head::kFontRevision), head.readOrZero(Head::kFlags),
+      head.readOrZero(Head::kUnitsPerEm), created, head.readOrZero(Head::kMacStyle),
+      head.readOrZero(Head::kLowestRecPPEM), head.readOrZero(Head::kFontDirectionHint)));
 }
 
 OwnedTable makePost(const TrueTypeFont& font) noexcept {
-  const ByteView post = detail::tableView(font, kSlotPost);
+  const auto post = detail::tableOf<Post>(font);
   return OwnedTable(
-      createPostTable(post.readOrZero<std::uint32_t>(4), post.readOrZero<std::uint16_t>(8),
-                      post.readOrZero<std::uint16_t>(10), post.readOrZero<std::uint32_t>(12)));
+      createPostTable(static_cast<std::uint32_t>(post.readOrZero(Post::kItalicAngle)),
+                      static_cast<std::uint16_t>(post.readOrZero(Post::kUnderlinePosition)),
+                      static_cast<std::uint16_t>(post.readOrZero(Post::kUnderlineThickness)),
+                      post.readOrZero(Post::kIsFixedPitch)));
 }
 
 WriterResult add(TrueTypeWriter* writer, OwnedTable table) noexcept {
@@ -95,11 +118,35 @@ WriterResult add(TrueTypeWriter* writer, OwnedTable table) noexcept {
   return static_cast<WriterResult>(addWriterTable(writer, table.release()));
 }
 
-// A copy of the source's table, if it has one.
-WriterResult addCopy(TrueTypeWriter* writer, const TrueTypeFont& font, TableSlot slot,
-                     std::uint32_t tag) noexcept {
-  if (font.tables[slot] == nullptr) return WriterResultOk;
-  return add(writer, OwnedTable(createRawTable(tag, font.tableLengths[slot], font.tables[slot])));
+// The tables that are made from the source's.
+WriterResult addMadeTables(TrueTypeWriter* writer, const TrueTypeFont& font) noexcept {
+  for (const auto make : {makeMaxp, makeHhea, makeHead, makePost}) {
+    const WriterResult result = add(writer, make(font));
+    if (result != WriterResultOk) return result;
+  }
+  return WriterResultOk;
+}
+
+// Copies of the source's tables, of those that it has.
+WriterResult addCopies(TrueTypeWriter* writer, const TrueTypeFont& font,
+                       std::uint32_t flags) noexcept {
+  for (const TableSlot slot : {kSlotCvt, kSlotPrep, kSlotFpgm, kSlotOs2}) {
+    if (slot == kSlotOs2 && (flags & SubsetKeepOS2) == 0) continue;
+    if (font.tables[slot] == nullptr) continue;
+    const WriterResult result =
+        add(writer, OwnedTable(createRawTable(detail::kSlotTags[slot], font.tableLengths[slot],
+                                              font.tables[slot])));
+    if (result != WriterResultOk) return result;
+  }
+  return WriterResultOk;
+}
+
+// The mapping of each code to the glyph with the same index.
+WriterResult addCmap(TrueTypeWriter* writer, const std::uint16_t* charCodes,
+                     const std::int32_t* newIndices, std::size_t count) noexcept {
+  OwnedTable cmap(createCmapTable());
+  if (cmap != nullptr) detail::appendMappings(cmap.get(), charCodes, newIndices, count);
+  return add(writer, std::move(cmap));
 }
 
 }  // namespace
@@ -114,48 +161,26 @@ WriterResult createTrueTypeSubset(const TrueTypeFont* font, std::uint8_t** outIm
   createTrueTypeWriter(&made);
   const OwnedWriter writer(made);
   if (writer == nullptr) return WriterResultNoMemory;
-  const auto addTable = [&](WriterResult& result, OwnedTable table) {
-    if (result == WriterResultOk) result = add(writer.get(), std::move(table));
-  };
-  const auto addCopyOf = [&](WriterResult& result, TableSlot slot, std::uint32_t tag) {
-    if (result == WriterResultOk) result = addCopy(writer.get(), *font, slot, tag);
-  };
+  WriterResult result = add(writer.get(), makeNames(*font, nameRecordCount, nameRecords, flags));
+  if (result == WriterResultOk) result = addMadeTables(writer.get(), *font);
+  if (result == WriterResultOk) result = addCopies(writer.get(), *font, flags);
+  if (result != WriterResultOk) return result;
 
-  WriterResult result = WriterResultOk;
-  addTable(result, makeNames(*font, nameRecordCount, nameRecords, flags));
-  addTable(result,
-           OwnedTable(createMaxpTable(font->tables[kSlotMaxp], font->tableLengths[kSlotMaxp])));
-  addTable(result, makeHhea(*font));
-  addTable(result, makeHead(*font));
-  const auto wanted = static_cast<std::uint32_t>(glyphCount);
-  OwnedTable glyf(
-      detail::createBorrowingGlyfTable(*font, wanted < font->numGlyphs ? wanted : font->numGlyphs));
   const auto count = static_cast<std::size_t>(glyphCount);
+  detail::SubsetGlyphs glyphs(*font);
   const CBuffer<std::int32_t> newIndices = detail::makeBuffer<std::int32_t>(count);
-  if (result != WriterResultOk || glyf == nullptr || newIndices == nullptr) {
+  const auto wanted = static_cast<std::uint32_t>(glyphCount);
+  if (newIndices == nullptr || !glyphs.expect(std::min(wanted, font->numGlyphs))) {
     return WriterResultNoMemory;
   }
-
-  // Any failure is one that leaves the caller's list as it was.
-  const std::int32_t taken =
-      detail::addFontGlyphs(glyf.get(), *font, glyphIds, count, newIndices.get());
-  if (taken == kGlyphTooLarge) return WriterResultGlyphTooLarge;
-  if (taken != 0) return WriterResultNoMemory;
+  result = glyphs.take(glyphIds, count, newIndices.get());
+  if (result != WriterResultOk) return result;  // the caller's list is as it was
   for (std::size_t k = 0; k < count; ++k) glyphIds[k] = static_cast<std::uint16_t>(newIndices[k]);
-  if (truetype::glyphCount(glyf.get()) == 0) return WriterResultNoData;
+  if (glyphs.count() == 0) return WriterResultNoData;
 
-  OwnedTable cmap(createCmapTable());
-  if (cmap != nullptr) {
-    detail::addCharMappings(cmap.get(), charCodes, newIndices.get(), count);
-  }
-  addTable(result, std::move(glyf));
-  addTable(result, std::move(cmap));
-  addCopyOf(result, kSlotCvt, 0x63767420);
-  addCopyOf(result, kSlotPrep, 0x70726570);
-  addCopyOf(result, kSlotFpgm, 0x6670676D);
-  addTable(result, makePost(*font));
-  if ((flags & SubsetKeepOS2) != 0) addCopyOf(result, kSlotOs2, 0x4F532F32);
-  return result == WriterResultOk ? assembleFont(writer.get(), outImage, outLength) : result;
+  result = addCmap(writer.get(), charCodes, newIndices.get(), count);
+  if (result != WriterResultOk) return result;
+  return detail::assemble(writer.get(), glyphs, nullptr, outImage, outLength);
 }
 
 }  // namespace ulm::truetype

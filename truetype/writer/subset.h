@@ -33,9 +33,14 @@ enum SubsetFlag : std::uint32_t {
 // font the rest of the list counts as glyphs that could not be taken, and the result is
 // WriterResultTooManyGlyphs. glyphIds is replaced before WriterResultNoData and before whatever the
 // assembly refuses; it is as it was where memory ran out, or a glyph was too large, before that.
-// The counts in maxp are those of addGlyph's records.
-// Time grows with the bytes that are taken, the glyphs and their components; of a damaged outline
-// that runs on past its own bytes, also with how far.
+// WriterResultFileTooLarge comes early, with glyphIds as it was, where the glyphs come to more than
+// 32 MiB and four times the image: those of a damaged font can share their bytes, and a list can
+// name a large one many times.
+// The counts in maxp are those of addGlyph's records, so that in a damaged font they may be too
+// small: composites that draw on a cycle of components count as empty beyond the 256th, and so do
+// the others that addGlyph names.
+// Time grows with the bytes that are taken, the glyphs and their components. Glyphs are copied once
+// all other tables have been made.
 WriterResult createTrueTypeSubset(const TrueTypeFont* font, std::uint8_t** outImage,
                                   std::uint32_t* outLength, std::uint16_t* glyphIds,
                                   const std::uint16_t* charCodes, std::int32_t glyphCount,

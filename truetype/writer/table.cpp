@@ -1,39 +1,36 @@
 #include "truetype/writer/table.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <new>
+#include <utility>
 
-#include "truetype/writer/detail/payloads.h"
+#include "truetype/detail/c_buffer.h"
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/directory.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/maxp.h"
+#include "truetype/format/post.h"
+#include "truetype/writer/detail/cmap_table.h"
+#include "truetype/writer/detail/glyf_table.h"
+#include "truetype/writer/detail/name_table.h"
+#include "truetype/writer/detail/table_object.h"
 
 namespace ulm::truetype {
 namespace {
 
 using detail::CBuffer;
-using detail::put16;
-using detail::put32;
+using detail::makeTable;
 using detail::TableImage;
+using format::FixedSink;
+using format::Head, format::Hhea, format::Maxp, format::Post;
 
-constexpr std::uint32_t kHeadLength = 54;
-constexpr std::uint32_t kHheaLength = 36;
-constexpr std::uint32_t kMaxpLength = 32;
-constexpr std::uint32_t kPostLength = 32;
-constexpr std::uint32_t kVersion1 = 0x00010000;
-constexpr std::uint32_t kHeadMagic = 0x5F0F3CF5;
-constexpr std::uint32_t kFirstSubtables = 10;
-
-// An object that takes over its payload; null, the payload being freed, where either is missing.
-template <class Payload>
-WriterTable* makeTable(std::uint32_t tag, CBuffer<Payload> payload) noexcept {
-  if (payload == nullptr) return nullptr;
-  auto* table = static_cast<WriterTable*>(std::malloc(sizeof(WriterTable)));
-  if (table != nullptr) *table = {tag, nullptr, payload.release()};
-  return table;
-}
-
-// Room for the bytes of a table that is its own payload, all zero.
-CBuffer<std::uint8_t> makeBytes(std::uint32_t length) noexcept {
-  return detail::makeZeroedBuffer<std::uint8_t>(static_cast<std::size_t>(detail::padded(length)));
+// Memory for the bytes of a table that is its own payload, all zero.
+template <class Table>
+CBuffer<std::uint8_t> makeBytes() noexcept {
+  return detail::makeZeroedBuffer<std::uint8_t>(
+      static_cast<std::size_t>(format::padded(Table::kSize)));
 }
 
 WriterResult giveRaw(WriterTable* table, TableImage* out) noexcept {
@@ -42,9 +39,9 @@ WriterResult giveRaw(WriterTable* table, TableImage* out) noexcept {
   return WriterResultOk;
 }
 
-template <std::uint32_t kTag, std::uint32_t kLength>
+template <class Table>
 WriterResult giveBytes(WriterTable* table, TableImage* out) noexcept {
-  *out = {static_cast<const std::uint8_t*>(table->data), kLength, kTag};
+  *out = {static_cast<const std::uint8_t*>(table->data), Table::kSize, Table::kTag};
   return WriterResultOk;
 }
 
@@ -62,16 +59,16 @@ WriterResult makePostImage(WriterTable* table, TableImage* out) noexcept {
     std::fprintf(stderr, "Unrecognized format of a post table: %08X.\n", post.format);
     return WriterResultBadTable;
   }
-  std::uint8_t* image = detail::makeImage(table, kPostLength);
-  if (image == nullptr) return WriterResultNoMemory;
-  std::memset(image, 0, kPostLength);
-  put32(image, 0, post.format);
-  put32(image, 4, post.italicAngle);
-  put16(image, 8, post.underlinePosition);
-  put16(image, 10, post.underlineThickness);
-  put32(image, 12, post.isFixedPitch);
-  *out = {image, kPostLength, kTagPost};
-  return WriterResultOk;
+  detail::NewBytes image(Post::kSize);
+  if (!image.hasMemory()) return WriterResultNoMemory;
+  image.sink().clear(0, Post::kSize);
+  const auto fields = image.sink().record<Post>(0);
+  fields.put(Post::kVersion, post.format);
+  fields.put(Post::kItalicAngle, static_cast<std::int32_t>(post.italicAngle));
+  fields.put(Post::kUnderlinePosition, static_cast<std::int16_t>(post.underlinePosition));
+  fields.put(Post::kUnderlineThickness, static_cast<std::int16_t>(post.underlineThickness));
+  fields.put(Post::kIsFixedPitch, post.isFixedPitch);
+  return image.becomeImage(table, kTagPost, out);
 }
 
 // The disposal handlers: each releases what a payload owns, and the payload.
@@ -88,25 +85,6 @@ void disposeLoca(WriterTable* table) noexcept {
   std::free(table->data);
 }
 
-void disposeGlyf(WriterTable* table) noexcept {
-  detail::disposeGlyphs(static_cast<detail::GlyfPayload*>(table->data));
-}
-
-void disposeCmap(WriterTable* table) noexcept {
-  auto* cmap = static_cast<CmapTableData*>(table->data);
-  for (std::uint32_t i = 0; i < cmap->subtableCount; ++i) {
-    std::free(cmap->subtables[i].charCodes);
-    std::free(cmap->subtables[i].glyphIds);
-  }
-  std::free(cmap->subtables);
-  std::free(cmap);
-}
-
-void disposeName(WriterTable* table) noexcept {
-  listClear(detail::listOf(table));
-  std::free(table->data);
-}
-
 void disposePost(WriterTable* table) noexcept {
   const std::uint32_t format = static_cast<PostTableData*>(table->data)->format;
   if (format != kPostFormat) {
@@ -118,22 +96,17 @@ void disposePost(WriterTable* table) noexcept {
 using ImageHandler = WriterResult (*)(WriterTable* table, TableImage* out) noexcept;
 using DisposalHandler = void (*)(WriterTable* table) noexcept;
 
-// Three tables of nine rows, indexed alike.
+// Tables of nine rows, indexed alike.
 constexpr std::size_t kKinds = 9;
 constexpr std::uint32_t kTags[kKinds] = {kTagRaw,  kTagHead, kTagHhea, kTagLoca, kTagMaxp,
                                          kTagGlyf, kTagCmap, kTagName, kTagPost};
-constexpr ImageHandler kImageHandlers[kKinds] = {giveRaw,
-                                                 giveBytes<kTagHead, kHeadLength>,
-                                                 giveBytes<kTagHhea, kHheaLength>,
-                                                 giveLoca,
-                                                 giveBytes<kTagMaxp, kMaxpLength>,
-                                                 detail::makeGlyfImage,
-                                                 detail::makeCmapImage,
-                                                 detail::makeNameImage,
-                                                 makePostImage};
-constexpr DisposalHandler kDisposalHandlers[kKinds] = {disposeRaw,  disposeBytes, disposeBytes,
-                                                       disposeLoca, disposeBytes, disposeGlyf,
-                                                       disposeCmap, disposeName,  disposePost};
+constexpr ImageHandler kImageHandlers[kKinds] = {
+    giveRaw,         giveBytes<Head>,       giveBytes<Hhea>,       giveLoca,
+    giveBytes<Maxp>, detail::makeGlyfImage, detail::makeCmapImage, detail::makeNameImage,
+    makePostImage};
+constexpr DisposalHandler kDisposalHandlers[kKinds] = {
+    disposeRaw,          disposeBytes,        disposeBytes,         disposeLoca, disposeBytes,
+    detail::disposeGlyf, detail::disposeCmap, detail::disposeNames, disposePost};
 
 std::size_t kindOf(std::uint32_t tag) noexcept {
   std::size_t kind = 0;
@@ -147,42 +120,44 @@ WriterTable* createRawTable(std::uint32_t tag, std::uint32_t length,
                             const std::uint8_t* bytes) noexcept {
   CBuffer<std::uint8_t> copy;
   if (length != 0) {
-    copy = detail::makeBuffer<std::uint8_t>(static_cast<std::size_t>(detail::padded(length)));
+    copy = detail::makeBuffer<std::uint8_t>(static_cast<std::size_t>(format::padded(length)));
     if (copy == nullptr) return nullptr;
     std::memcpy(copy.get(), bytes, length);
   }
-  return detail::adoptRawTable(tag, length, std::move(copy));
+  return detail::makeRawTable(tag, length, std::move(copy));
 }
 
 WriterTable* createHeadTable(std::uint32_t fontRevision, std::uint16_t flags,
                              std::uint16_t unitsPerEm, const std::uint8_t* created,
                              std::uint16_t macStyle, std::uint16_t lowestRecPPEM,
                              std::uint16_t fontDirectionHint) noexcept {
-  CBuffer<std::uint8_t> head = makeBytes(kHeadLength);
-  if (head == nullptr) return nullptr;
-  put32(head.get(), 0, kVersion1);
-  put32(head.get(), 4, fontRevision);
-  put32(head.get(), 12, kHeadMagic);
-  put16(head.get(), 16, flags);
-  put16(head.get(), 18, unitsPerEm);
-  std::memcpy(head.get() + 20, created, 8);
-  put16(head.get(), 44, macStyle);
-  put16(head.get(), 46, lowestRecPPEM);
-  put16(head.get(), 48, fontDirectionHint);
-  return makeTable(kTagHead, std::move(head));
+  CBuffer<std::uint8_t> bytes = makeBytes<Head>();
+  if (bytes == nullptr) return nullptr;
+  const auto head = FixedSink<Head>::vouched(bytes.get());
+  head.put(Head::kVersion, Head::kVersion1);
+  head.put(Head::kFontRevision, fontRevision);
+  head.put(Head::kMagicNumber, Head::kMagic);
+  head.put(Head::kFlags, flags);
+  head.put(Head::kUnitsPerEm, unitsPerEm);
+  head.put(Head::kCreated, format::loadBigEndian<std::uint64_t>(created));
+  head.put(Head::kMacStyle, macStyle);
+  head.put(Head::kLowestRecPPEM, lowestRecPPEM);
+  head.put(Head::kFontDirectionHint, fontDirectionHint);
+  return makeTable(kTagHead, std::move(bytes));
 }
 
 WriterTable* createHheaTable(std::uint16_t ascender, std::uint16_t descender, std::uint16_t lineGap,
                              std::uint16_t caretSlopeRise, std::uint16_t caretSlopeRun) noexcept {
-  CBuffer<std::uint8_t> hhea = makeBytes(kHheaLength);
-  if (hhea == nullptr) return nullptr;
-  put32(hhea.get(), 0, kVersion1);
-  put16(hhea.get(), 4, ascender);
-  put16(hhea.get(), 6, descender);
-  put16(hhea.get(), 8, lineGap);
-  put16(hhea.get(), 18, caretSlopeRise);
-  put16(hhea.get(), 20, caretSlopeRun);
-  return makeTable(kTagHhea, std::move(hhea));
+  CBuffer<std::uint8_t> bytes = makeBytes<Hhea>();
+  if (bytes == nullptr) return nullptr;
+  const auto hhea = FixedSink<Hhea>::vouched(bytes.get());
+  hhea.put(Hhea::kVersion, Hhea::kVersion1);
+  hhea.put(Hhea::kAscender, static_cast<std::int16_t>(ascender));
+  hhea.put(Hhea::kDescender, static_cast<std::int16_t>(descender));
+  hhea.put(Hhea::kLineGap, static_cast<std::int16_t>(lineGap));
+  hhea.put(Hhea::kCaretSlopeRise, static_cast<std::int16_t>(caretSlopeRise));
+  hhea.put(Hhea::kCaretSlopeRun, static_cast<std::int16_t>(caretSlopeRun));
+  return makeTable(kTagHhea, std::move(bytes));
 }
 
 WriterTable* createLocaTable() noexcept {
@@ -190,37 +165,19 @@ WriterTable* createLocaTable() noexcept {
 }
 
 WriterTable* createMaxpTable(const std::uint8_t* bytes, std::uint32_t length) noexcept {
-  CBuffer<std::uint8_t> maxp = makeBytes(kMaxpLength);
-  if (maxp != nullptr && bytes != nullptr && length == kMaxpLength) {
-    std::memcpy(maxp.get(), bytes, kMaxpLength);
+  CBuffer<std::uint8_t> maxp = makeBytes<Maxp>();
+  if (maxp != nullptr && bytes != nullptr && length == Maxp::kSize) {
+    std::memcpy(maxp.get(), bytes, Maxp::kSize);
   }
   return makeTable(kTagMaxp, std::move(maxp));
 }
 
-WriterTable* createGlyfTable() noexcept {
-  CBuffer<std::uint8_t> room = detail::makeBuffer<std::uint8_t>(sizeof(detail::GlyfPayload));
-  if (room == nullptr) return nullptr;
-  auto* payload = new (room.get()) detail::GlyfPayload{};  // owns nothing yet
-  listSetDestructor(&payload->glyphs, detail::freeGlyphData);
-  return makeTable(kTagGlyf, std::move(room));
-}
+WriterTable* createGlyfTable() noexcept { return detail::makeEmptyGlyfTable(); }
 
-WriterTable* createCmapTable() noexcept {
-  auto payload = detail::makeZeroedBuffer<CmapTableData>(1);
-  auto subtables = detail::makeZeroedBuffer<CmapSubtable>(kFirstSubtables);
-  if (payload == nullptr || subtables == nullptr) return nullptr;
-  CmapTableData& cmap = payload[0];
-  cmap.capacity = kFirstSubtables;
-  WriterTable* table = makeTable(kTagCmap, std::move(payload));
-  if (table != nullptr) cmap.subtables = subtables.release();
-  return table;
-}
+WriterTable* createCmapTable() noexcept { return detail::makeEmptyCmapTable(); }
 
 WriterTable* createNameTable(std::int32_t count, const NameRecord* records) noexcept {
-  auto payload = detail::makeZeroedBuffer<detail::NamePayload>(1);
-  if (payload == nullptr) return nullptr;
-  listSetDestructor(&payload[0].records, detail::freeNameRecord);
-  WriterTable* table = makeTable(kTagName, std::move(payload));
+  WriterTable* table = detail::makeEmptyNameTable();
   for (std::int32_t i = 0; table != nullptr && i < count; ++i) {
     if (!detail::appendNameRecord(table, records[i], records[i].data, records[i].length)) {
       disposeWriterTable(table);
@@ -239,10 +196,33 @@ WriterTable* createPostTable(std::uint32_t italicAngle, std::uint16_t underlineP
   return makeTable(kTagPost, std::move(payload));
 }
 
+void addCharMapping(WriterTable* cmapTable, std::uint32_t charCode,
+                    std::uint32_t glyphId) noexcept {
+  detail::appendMapping(cmapTable, charCode, glyphId);
+}
+
+std::int32_t addGlyph(WriterTable* glyfTable, GlyphData* glyph, const TrueTypeFont* font) noexcept {
+  return detail::appendGlyph(detail::glyfOf(glyfTable), glyph, *font);
+}
+
+std::uint32_t glyphCount(const WriterTable* glyfTable) noexcept {
+  return detail::glyfOf(glyfTable).glyphs.count;
+}
+
+void addNameRecord(WriterTable* nameTable, const NameRecord* record) noexcept {
+  if (!detail::appendNameRecord(nameTable, *record, record->data, record->length)) {
+    detail::namesOf(nameTable).incomplete = true;
+  }
+}
+
 WriterResult getTableImage(WriterTable* table, const std::uint8_t** outBytes,
                            std::uint32_t* outLength, std::uint32_t* outTag) noexcept {
-  TableImage image;
-  const WriterResult result = detail::makeTableImage(table, &image);
+  std::free(table->image);
+  table->image = nullptr;
+  TableImage image{nullptr, 0, 0};
+  const std::size_t kind = kindOf(table->tag);
+  const WriterResult result =
+      kind < kKinds ? kImageHandlers[kind](table, &image) : WriterResultUnknownTable;
   *outBytes = image.bytes;
   *outLength = image.length;
   *outTag = image.tag;
@@ -257,36 +237,4 @@ void disposeWriterTable(WriterTable* table) noexcept {
   std::free(table);
 }
 
-namespace detail {
-
-WriterTable* adoptRawTable(std::uint32_t tag, std::uint32_t length,
-                           CBuffer<std::uint8_t> bytes) noexcept {
-  auto payload = makeBuffer<RawTableData>(1);
-  if (payload == nullptr) return nullptr;
-  for (std::size_t i = length; i < padded(length); ++i) bytes[i] = 0;
-  RawTableData& raw = payload[0];
-  raw = {tag, length, nullptr};
-  WriterTable* table = makeTable(kTagRaw, std::move(payload));
-  if (table != nullptr) raw.bytes = bytes.release();
-  return table;
-}
-
-WriterResult makeTableImage(WriterTable* table, TableImage* out) noexcept {
-  *out = {nullptr, 0, 0};
-  std::free(table->image);
-  table->image = nullptr;
-  const std::size_t kind = kindOf(table->tag);
-  return kind < kKinds ? kImageHandlers[kind](table, out) : WriterResultUnknownTable;
-}
-
-std::uint8_t* makeImage(WriterTable* table, std::uint32_t length) noexcept {
-  const auto room = static_cast<std::size_t>(padded(length));
-  CBuffer<std::uint8_t> image = makeBuffer<std::uint8_t>(room);
-  if (image == nullptr) return nullptr;
-  std::memset(image.get() + length, 0, room - length);
-  table->image = image.release();
-  return table->image;
-}
-
-}  // namespace detail
 }  // namespace ulm::truetype

@@ -5,6 +5,13 @@
 #include <cstdint>
 
 #include "truetype/font.h"
+#include "truetype/format/cmap.h"
+#include "truetype/format/glyf.h"
+#include "truetype/format/head.h"
+#include "truetype/format/hhea.h"
+#include "truetype/format/maxp.h"
+#include "truetype/format/name.h"
+#include "truetype/format/post.h"
 #include "truetype/list.h"
 #include "truetype/records.h"
 #include "truetype/writer/result.h"
@@ -12,14 +19,14 @@
 namespace ulm::truetype {
 
 inline constexpr std::uint32_t kTagRaw = 0;  // a raw table; its own tag is in its payload
-inline constexpr std::uint32_t kTagHead = 0x68656164;
-inline constexpr std::uint32_t kTagHhea = 0x68686561;
-inline constexpr std::uint32_t kTagLoca = 0x6C6F6361;
-inline constexpr std::uint32_t kTagMaxp = 0x6D617870;
-inline constexpr std::uint32_t kTagGlyf = 0x676C7966;
-inline constexpr std::uint32_t kTagCmap = 0x636D6170;
-inline constexpr std::uint32_t kTagName = 0x6E616D65;
-inline constexpr std::uint32_t kTagPost = 0x706F7374;
+inline constexpr std::uint32_t kTagHead = format::Head::kTag;
+inline constexpr std::uint32_t kTagHhea = format::Hhea::kTag;
+inline constexpr std::uint32_t kTagLoca = format::Loca::kTag;
+inline constexpr std::uint32_t kTagMaxp = format::Maxp::kTag;
+inline constexpr std::uint32_t kTagGlyf = format::GlyphHeader::kGlyfTag;
+inline constexpr std::uint32_t kTagCmap = format::Cmap::kTag;
+inline constexpr std::uint32_t kTagName = format::Name::kTag;
+inline constexpr std::uint32_t kTagPost = format::Post::kTag;
 
 // One table. An object belongs to one thread at a time.
 //   data  by tag: RawTableData, LocaTableData, CmapTableData, PostTableData; the 54, 36 and 32
@@ -66,7 +73,7 @@ struct PostTableData {
   std::uint16_t underlineThickness;  // font units
   std::uint32_t isFixedPitch;
 };
-inline constexpr std::uint32_t kPostFormat = 0x00030000;  // without glyph names
+inline constexpr std::uint32_t kPostFormat = format::Post::kVersion3;  // without glyph names
 
 // Constructors: null without memory. What is made is given back with disposeWriterTable, or handed
 // to a writer.
@@ -103,10 +110,16 @@ void addCharMapping(WriterTable* cmapTable, std::uint32_t charCode, std::uint32_
 // descend, is left out. Otherwise one of these, with the table as it was:
 inline constexpr std::int32_t kNoGlyph = -1;  // `glyph` is null
 inline constexpr std::int32_t kGlyphNoMemory = -2;
-inline constexpr std::int32_t kGlyphTooLarge = -3;  // a component of 65,535 bytes or more
-// Components get the counts of getGlyphData, but for composites that draw on a cycle of components:
-// beyond 256 of those in a table they are 0. The number 0xFFFF is in no font, and a reference to it
-// finds no record.
+// A component of 65,535 bytes or more, or components that come to more than 32 MiB and four times
+// the font's image, as glyphs can that share their bytes.
+inline constexpr std::int32_t kGlyphTooLarge = -3;
+// Components get the counts of getGlyphData, but in damaged fonts some get 0:
+//   - composites that draw on a cycle of components, beyond 256 of those in a table, and as soon as
+//     counting them has taken four times kMostOutlineWork
+//   - simple glyphs whose outline runs on past their own bytes, and composites whose chain of
+//     components does, as soon as 64 MiB have been read in that way. Such a chain then ends where
+//     the glyph's own bytes do.
+// The number 0xFFFF is in no font, and a reference to it finds no record.
 // Time grows with the component records not seen in earlier calls for the same font. `byteCount` is
 // even; `font` stays open until the table has all its glyphs.
 std::int32_t addGlyph(WriterTable* glyfTable, GlyphData* glyph, const TrueTypeFont* font) noexcept;

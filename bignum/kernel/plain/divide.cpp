@@ -1,4 +1,4 @@
-// Division by the restoring shift-and-subtract method, one bit of the quotient at a time.
+// Division by the restoring shift-and-subtract method, one quotient bit at a time.
 #include <algorithm>
 
 #include "bignum/detail/storage.h"
@@ -8,13 +8,14 @@ namespace ulm::bignum::kernel {
 inline namespace ULM_BIGNUM_KERNEL {
 namespace {
 
-// The divisor under alignment: its words, and the stretch of them that takes part in the loop.
+// The words of the shifted divisor that take part in the loop.
 struct Span {
   Word* words;
   std::uint32_t length;
 };
 
-// Leaves out the low zero words but one, which takes the bits that fall out of the word above it.
+// Skips the zero words at the low end except one, which receives the bits that are shifted out of
+// the word above it.
 Span workingSpan(Word* words, std::uint32_t count) noexcept {
   while (words[count - 1] == 0) --count;
   std::uint32_t low = 0;
@@ -25,7 +26,7 @@ Span workingSpan(Word* words, std::uint32_t count) noexcept {
 
 }  // namespace
 
-// The divisor's copy, with room for a shift by up to 63 bits.
+// Room for a copy of the divisor, shifted by up to 63 bits.
 std::size_t divideScratch(std::uint32_t, std::uint32_t bCount) noexcept {
   return std::size_t{bCount} + 2;
 }
@@ -34,11 +35,12 @@ void divide(Word* quotient, Word* remainder, std::uint32_t aCount, const Word* d
             std::uint32_t bCount, Word* scratch) noexcept {
   const std::uint64_t diff =
       detail::bitLengthOf(remainder, aCount) - detail::bitLengthOf(divisor, bCount);
-  // In the wide case both get a spare low word, so that the divisor loses no bit while it moves
-  // down 32 places bit by bit; it then moves up a word and the remainder's stretch down one.
+  // In the wide case divisor and remainder get a spare low word. The divisor can then be shifted
+  // right by 32 bits, one by one, without a loss; after these it moves up by a word, and the window
+  // on the remainder moves down by one.
   const bool wide = diff >= kWordBits;
 
-  // Alignment: the divisor's top bit comes under the remainder's, in the same place of its word.
+  // Alignment: the top bits of the divisor and of the remainder get the same index in their words.
   Word* shifted = scratch;
   std::uint32_t shiftedCount = bCount + 1;
   std::copy_n(divisor, bCount, shifted);
@@ -50,20 +52,20 @@ void divide(Word* quotient, Word* remainder, std::uint32_t aCount, const Word* d
     ShiftLeftWords(remainder, remainderCount++, 1);
   }
   const Span span = workingSpan(shifted, shiftedCount);
-  Word* stretch = remainder + (remainderCount - span.length);
+  Word* window = remainder + (remainderCount - span.length);
 
   std::uint32_t shiftsDone = 0;
   for (std::uint64_t i = diff;; --i) {
-    if (compare(stretch, span.words, span.length) >= 0) {
+    if (compare(window, span.words, span.length) >= 0) {
       if (quotient != nullptr) quotient[i / kWordBits] |= Word{1} << (i % kWordBits);
-      // The words above the stretch are zero already, so no borrow leaves it.
-      subtract(stretch, span.words, span.length);
+      // The words above the window are zero, so no borrow leaves it.
+      subtract(window, span.words, span.length);
     }
     if (i == 0) break;
     if (wide && shiftsDone == kWordBits) {
-      // The span's top word has become zero; what moves out of it is nothing.
+      // The top word of the span is zero by now, so no digit is lost.
       ShiftLeftWords(span.words, span.length - 1, 1);
-      --stretch;
+      --window;
       shiftsDone = 0;
     }
     shiftRight(span.words, span.length, 1);

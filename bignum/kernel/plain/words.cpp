@@ -1,5 +1,5 @@
-// The plain kernel: schoolbook arithmetic, a step at a time. It is the reference that every faster
-// kernel has to equal word for word, so it is written to be read, not to be fast.
+// The plain kernel: schoolbook arithmetic, one step at a time. Every faster kernel has to equal it
+// word for word, so it is written to be read, not to be fast.
 #include "bignum/kernel/kernel.h"
 
 namespace ulm::bignum::kernel {
@@ -18,7 +18,7 @@ Word add(Word* dst, const Word* src, std::uint32_t n) noexcept {
 Word subtract(Word* dst, const Word* src, std::uint32_t n) noexcept {
   std::uint64_t borrow = 0;
   for (std::uint32_t i = 0; i < n; ++i) {
-    // Meant to wrap: below zero the high half becomes all ones, and its low bit is the borrow.
+    // Wraps on purpose: below zero the high half is all ones, and its low bit is the borrow.
     const std::uint64_t difference = std::uint64_t{dst[i]} - src[i] - borrow;
     dst[i] = static_cast<Word>(difference);
     borrow = (difference >> kWordBits) & 1;
@@ -28,7 +28,7 @@ Word subtract(Word* dst, const Word* src, std::uint32_t n) noexcept {
 
 Word addWord(Word* dst, Word v, std::uint32_t n) noexcept {
   for (std::uint32_t i = 0; i < n && v != 0; ++i) {
-    dst[i] += v;  // wraps when there is a carry
+    dst[i] += v;  // wraps if there is a carry
     v = dst[i] < v ? 1 : 0;
   }
   return v;
@@ -37,7 +37,7 @@ Word addWord(Word* dst, Word v, std::uint32_t n) noexcept {
 Word subtractWord(Word* dst, Word v, std::uint32_t n) noexcept {
   for (std::uint32_t i = 0; i < n && v != 0; ++i) {
     const Word before = dst[i];
-    dst[i] -= v;  // wraps when there is a borrow
+    dst[i] -= v;  // wraps if there is a borrow
     v = before < v ? 1 : 0;
   }
   return v;
@@ -45,7 +45,7 @@ Word subtractWord(Word* dst, Word v, std::uint32_t n) noexcept {
 
 void rippleAdd(Word* dst, Word v) noexcept {
   for (; v != 0; ++dst) {
-    *dst += v;  // wraps when there is a carry
+    *dst += v;  // wraps if there is a carry
     v = *dst < v ? 1 : 0;
   }
 }

@@ -15,7 +15,7 @@ extern char** environ;
 namespace ulm::tools {
 namespace {
 
-// The two ends of a pipe, closed on every path.
+// Owns the two ends of a pipe.
 struct Pipe {
   std::array<int, 2> ends{-1, -1};
   Pipe() {
@@ -57,7 +57,7 @@ ProcessResult runProcess(const std::filesystem::path& program,
   argv.reserve(texts.size() + 1);
   for (std::string& text : texts) argv.push_back(text.data());
   argv.push_back(nullptr);
-  // The first of two equal names counts, so what is added comes first.
+  // The C library uses the first of two equal names, so the added entries come first.
   std::vector<std::string> added = extraEnvironment;
   std::vector<char*> environment;
   environment.reserve(added.size() + 1);

@@ -12,8 +12,9 @@ namespace ulm::tools {
 ProgramArguments::ProgramArguments(int argc, char** argv) : texts_(argv, argv + argc) {
   for (std::string& text : texts_) pointers_.push_back(text.data());
   pointers_.push_back(nullptr);
-  // A standard stream that the caller closed must not become the next file that is opened. What
-  // takes its number cannot be used in its direction, so that reading or writing it still fails.
+  // If the caller closed a standard stream, the next opened file would get its descriptor. The
+  // descriptor is taken by a file opened for the opposite direction, so that reading standard input
+  // or writing standard output still fails.
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
     (void)::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);

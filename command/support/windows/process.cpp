@@ -10,10 +10,10 @@
 namespace ulm::tools {
 namespace {
 
-// Exit codes from here on are exceptions that nobody handled.
+// Exit codes from this one up are codes of unhandled exceptions.
 constexpr DWORD kFirstException = 0xC0000000;
 
-// A handle of the system, closed on every path.
+// Owns a handle of the system.
 class Handle {
  public:
   explicit Handle(HANDLE handle = nullptr) noexcept : handle_(handle) {}
@@ -31,9 +31,9 @@ class Handle {
   HANDLE handle_;
 };
 
-// An argument as the language's run-time reads it back: a quote is escaped, and so are the
-// backslashes that stand before one.
-std::wstring asArgument(const std::wstring& argument) {
+// Quotes an argument so that the C run-time of the program reads the same text: a quotation mark is
+// escaped, and so is each backslash directly before one.
+std::wstring quotedArgument(const std::wstring& argument) {
   if (!argument.empty() && argument.find_first_of(L" \t\n\v\"") == std::wstring::npos) {
     return argument;
   }
@@ -47,10 +47,10 @@ std::wstring asArgument(const std::wstring& argument) {
   return text.append(backslashes, L'\\') + L'"';
 }
 
-// "NAME=" of an entry; the system's own entries "=C:=..." keep their first sign.
+// Returns "NAME=" of an entry. The name of the system's own entries, as "=C:=...", starts with '='.
 std::wstring nameOf(const std::wstring& entry) { return entry.substr(0, entry.find(L'=', 1) + 1); }
 
-// The caller's environment, but for the names that are added.
+// Returns an environment block: the added entries, then the caller's entries with other names.
 std::wstring environmentWith(const std::vector<std::string>& added) {
   std::wstring block;
   std::vector<std::wstring> entries;
@@ -88,8 +88,8 @@ ProcessResult runProcess(const std::filesystem::path& program,
                          const std::filesystem::path& folder) {
   std::wstring file = program.wstring();
   if (!program.has_extension()) file += L".exe";
-  std::wstring line = asArgument(file);
-  for (const std::string& argument : arguments) line += L' ' + asArgument(wideOf(argument));
+  std::wstring line = quotedArgument(file);
+  for (const std::string& argument : arguments) line += L' ' + quotedArgument(wideOf(argument));
   std::wstring environment = environmentWith(extraEnvironment);
 
   SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};

@@ -8,7 +8,8 @@
 
 #include "command/support/windows/wide_text.h"
 
-// The C run-time's own cut of the command line; its headers keep it to themselves.
+// Splits the command line as the C run-time does. The run-time exports this function without
+// declaring it in a header.
 struct UlmStartupInfo {
   int newMode;
 };
@@ -19,7 +20,7 @@ extern "C" __declspec(dllimport) int __wgetmainargs(int* argc, wchar_t*** argv,
 namespace ulm::tools {
 
 ProgramArguments::ProgramArguments(int /*argc*/, char** /*argv*/) {
-  // main's own arguments have lost the letters that the ANSI code page lacks.
+  // The arguments of main are in the ANSI code page, which cannot represent every character.
   int count = 0;
   wchar_t** values = nullptr;
   wchar_t** environment = nullptr;
@@ -34,7 +35,7 @@ ProgramArguments::ProgramArguments(int /*argc*/, char** /*argv*/) {
 std::FILE* openToRead(const std::string& name) { return _wfopen(wideOf(name).c_str(), L"rb"); }
 
 std::FILE* openFresh(const std::filesystem::path& name) {
-  // The C run-time's streams have no way of their own to ask for a file that is not there.
+  // fopen modes of the C run-time cannot request a file that does not exist yet.
   const int file =
       _wopen(name.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
   return file >= 0 ? _fdopen(file, "wb") : nullptr;

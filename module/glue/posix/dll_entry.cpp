@@ -1,26 +1,20 @@
-// The entry of a library on a system that has none: calls the library's DllMain where Windows
-// would.
+// Calls a library's DllMain at process attach and detach, on a system that does not do so itself.
 //
-// This source is compiled into each library that has a DllMain. Its one object has the default
-// initialisation priority, which the linker places behind every explicit priority, and all other
-// static initialisers of such a library carry an explicit one (module/glue/load_order.h). So it is
-// built last, at process attach, and, since destruction runs backwards, taken down first, at
-// process detach.
-#include "hostsdk/win32/win32.h"
+// This source is compiled into each library that has a DllMain. Its object has the default
+// initialisation priority, which the linker sorts after every explicit priority. All other static
+// initialisers of such a library have an explicit one (module/glue/switch_flags.h). So this object
+// is built last and, because destruction is in reverse order, destroyed first.
+#include "module/glue/instance.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 
 namespace {
 
-HINSTANCE libraryOf(const void* address) noexcept {
-  MEMORY_BASIC_INFORMATION information{};
-  if (VirtualQuery(address, &information, sizeof information) == 0) return nullptr;
-  return static_cast<HINSTANCE>(information.AllocationBase);
-}
-
 class DllEntry {
  public:
-  DllEntry() : instance_(libraryOf(this)) { DllMain(instance_, DLL_PROCESS_ATTACH, nullptr); }
+  DllEntry() : instance_(ulm::glue::moduleHolding(this)) {
+    DllMain(instance_, DLL_PROCESS_ATTACH, nullptr);
+  }
   ~DllEntry() { DllMain(instance_, DLL_PROCESS_DETACH, nullptr); }
   DllEntry(const DllEntry&) = delete;
   DllEntry& operator=(const DllEntry&) = delete;

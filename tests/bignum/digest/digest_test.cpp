@@ -1,4 +1,4 @@
-// Both hashes on both transforms: published answers, a model, and what an object shows.
+// Both hashes on both transforms: published answers, a model, and the fields of an object.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <tuple>
 
 #include "bignum/digest/detail/sha_transform.h"
-#include "bignum/digest/sha.h"
+#include "bignum/digest/digest.h"
 #include "bignum/text.h"
 #include "standin/odrx/alloc_control.h"
 #include "tests/bignum/digest/sha_model.h"
@@ -23,14 +23,14 @@ namespace {
 
 using detail::ShaPath;
 
-// As a user does, in one call and out of and into heap blocks of the exact sizes.
+// In one call, with heap blocks of the exact sizes.
 Bytes digestOf(QLSHA& sha, const Bytes& message) {
   Bytes digest(20);
   sha.Digest(message.data(), static_cast<std::uint32_t>(message.size()), digest.data());
   return digest;
 }
 
-// Each hash on each transform that there is.
+// Each hash on each transform that the processor can run.
 class Digests : public testing::TestWithParam<std::tuple<ShaPath, bool>> {
  protected:
   void SetUp() override {
@@ -61,12 +61,12 @@ TEST_P(Digests, PublishedAnswers) {
   }
 }
 
-// Each length, cut at each place and in slices, at all alignments; one object serves for all.
+// Each length, cut at each index and in slices, at all alignments, with one object.
 TEST_P(Digests, EverySplitOfEveryLength) {
   for (std::uint32_t length = 0; length <= 300; ++length) {
     const Bytes message = messageOf(length);
     const Bytes expected = modelDigest(message, rotate);
-    Bytes moved(length % 17 + length), digest(20);  // ends where its heap block does
+    Bytes moved(length % 17 + length), digest(20);  // ends at the end of its heap block
     std::copy(message.begin(), message.end(), moved.end() - length);
     const std::uint8_t* bytes = moved.data() + length % 17;
     for (std::uint32_t cut = 0; cut <= length; ++cut) {
@@ -88,7 +88,7 @@ TEST_P(Digests, EverySplitOfEveryLength) {
 }
 
 TEST_P(Digests, CountsBeyond32Bits) {
-  sha.bitCountLow = 0xFFFFFE00;  // as after 2^29 - 64 bytes that left the state as it was
+  sha.bitCountLow = 0xFFFFFE00;  // as after 2^29 - 64 bytes that did not change the state
   sha.bitCountHigh = 7;
   EXPECT_EQ(digestOf(sha, messageOf(67)), modelDigest(messageOf(67), rotate, 0x7FFFFFE00));
   EXPECT_TRUE(sha.bitCountLow == 24 && sha.bitCountHigh == 8);
@@ -104,7 +104,7 @@ TEST_P(Digests, CountsBeyond32Bits) {
   }
 }
 
-// What a spent object gives means nothing, but it is the same on both transforms.
+// The digests of a spent object have no meaning, but they are the same on both transforms.
 TEST_P(Digests, SpentObjectsDoNoHarm) {
   for (const std::uint32_t length : {0u, 3u, 60u, 64u, 150u}) {
     const Bytes message = messageOf(length);
@@ -145,7 +145,7 @@ TEST(Digest, FieldsAndTable) {
   EXPECT_THAT(places, testing::ElementsAre(2, 3, 4, 5, 6));
 }
 
-// Digest goes through the operations of the subclass, and restarts nothing.
+// Digest calls the operations of the subclass and does not restart.
 TEST(Digest, DigestIsUpdateAndFinal) {
   struct Recorder : QLMessageDigest {
     std::string calls;
@@ -192,7 +192,7 @@ TEST(Digest, WordsTurned) {
   EXPECT_EQ(bytes, (Bytes{9, 4, 3, 2, 1, 8, 7, 6, 5, 10, 11, 12}));
 }
 
-// The first use in the process finds the transform out, in whatever thread.
+// The first use in the process determines the transform, in any thread.
 TEST(Digest, ThreadsHaveObjectsOfTheirOwn) {
   detail::setShaPath(ShaPath::Unknown);
   Bytes results[4];

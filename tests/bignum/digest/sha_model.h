@@ -1,6 +1,6 @@
-// A model of both hashes, written from the standards' text alone: the message is padded as a whole,
-// and each step asks which one it is. Shares no code with the library, and is held to the published
-// answers itself.
+// A model of both hashes, written from the text of the standards. It pads the message as a whole,
+// and each step chooses its function by its index. It shares no code with the library and is tested
+// against the published answers too.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 inline std::uint32_t rotated(std::uint32_t x, int n) { return x << n | x >> (32 - n); }
 
-// `bitsBefore` stands for whole blocks that left the state as it was at the start.
+// `bitsBefore` counts whole blocks before the message that did not change the state.
 inline Bytes modelDigest(Bytes message, bool rotate, std::uint64_t bitsBefore = 0) {
   const std::uint64_t bits = bitsBefore + message.size() * 8;
   message.push_back(0x80);
@@ -43,7 +43,7 @@ inline Bytes modelDigest(Bytes message, bool rotate, std::uint64_t bitsBefore = 
   return digest;
 }
 
-// Bytes without a pattern that a block or a word could hide.
+// Bytes without a period that blocks or words could hide.
 inline Bytes messageOf(std::size_t length) {
   Bytes message(length);
   std::uint32_t mixed = 1;

@@ -1,4 +1,4 @@
-// Padding, and the RSA classes: answers, the shape of the objects, their ends.
+// Padding and the RSA classes: results, layout, destruction.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ Bytes bytesOf(const std::string& hex) {
   return bytes;
 }
 
-// Out of and into heap blocks of the exact sizes.
+// Buffers are heap blocks of the exact sizes.
 TEST(Rsa, Blocks) {
   for (auto& block : ulm::test::readVectorBlocks(ULM_TEST_DATA "/bignum/blocks.txt")) {
     const std::string operation = block.text("Op");
@@ -45,7 +45,7 @@ TEST(Rsa, Blocks) {
       key >> modulus >> exponent;
       QLRSADecryptor decryptor(parseInteger(modulus.c_str()), parseInteger(exponent.c_str()));
       EXPECT_EQ(decryptor.Decrypt(output.data(), input.data()), bits(0)) << block.where();
-      expected.resize(output.size(), 0xEE);  // nothing behind the result is written
+      expected.resize(output.size(), 0xEE);  // the output after the result does not change
       decryptor.status = 0x80000000;
       EXPECT_EQ(decryptor.Decrypt(nullptr, nullptr), 0u);
     }
@@ -104,12 +104,12 @@ TEST(Rsa, ShapesAndTables) {
   EXPECT_THAT(places, testing::ElementsAre(2, 3, 4, 2, 2, 3, 4, 5, 6));
 }
 
-// The memory of each key goes back with zeros alone, above the words in use too.
+// The storage of a key holds only zeros when it is freed, above the words in use too.
 TEST(Rsa, DestructionThroughAnyBase) {
   static std::uint64_t wiped = 0, other = 0;
   const QLInteger modulus = PowerOfTwo(2047), exponent(17);
   const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
-  odrxAllocWatchFreed([](const void* block, std::uint64_t bytes) {
+  odrxAllocWatchFreed([](void* block, std::uint64_t bytes) {
     const auto* const first = static_cast<const std::uint8_t*>(block);
     ++(std::all_of(first, first + bytes, [](std::uint8_t byte) { return byte == 0; }) ? wiped
                                                                                       : other);

@@ -6,8 +6,8 @@
 
 #include "hostsdk/export.h"
 #include "standin/win32/stand_in.h"
+#include "tests/standin/win32/call_rows.h"
 #include "tests/standin/win32/sample_files.h"
-#include "tests/support/call_rows.h"
 
 extern "C" ULM_EXPORT int ulmTestProgramExport() { return 5; }
 

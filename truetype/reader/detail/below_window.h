@@ -7,7 +7,7 @@
 #ifdef __SSE2__
 #include <emmintrin.h>
 #else
-#include "truetype/bytes.h"
+#include "truetype/format/big_endian.h"
 #endif
 
 namespace ulm::truetype::detail {
@@ -31,7 +31,8 @@ inline std::uint32_t belowInWindow(const std::uint8_t* numbers, std::uint16_t ke
 #else
   std::uint32_t below = 0;
   for (std::size_t i = 0; i < kBelowWindow; ++i) {
-    below |= std::uint32_t{readUInt16(numbers, 2 * i) < key} << i;
+    below |= std::uint32_t{format::loadBigEndian<std::uint16_t>(numbers + i * sizeof(key)) < key}
+             << i;
   }
   return below;
 #endif

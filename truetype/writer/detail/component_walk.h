@@ -1,157 +1,197 @@
-// The components that a glyph brings into a table of glyphs, and what its outline counts.
+// The components that a glyph brings into a list of glyphs, and what its outline counts.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "truetype/detail/byte_view.h"
-#include "truetype/detail/component.h"
-#include "truetype/detail/glyph_data.h"
+#include "truetype/detail/font_views.h"
+#include "truetype/detail/stack.h"
 #include "truetype/font.h"
-#include "truetype/reader/glyphs.h"
-#include "truetype/writer/detail/component_stack.h"
-#include "truetype/writer/detail/glyph_index.h"
-#include "truetype/writer/detail/payloads.h"
+#include "truetype/glyph/component_records.h"
+#include "truetype/glyph/composite_glyph.h"
+#include "truetype/glyph/description.h"
+#include "truetype/glyph/limits.h"
+#include "truetype/glyph/simple_glyph.h"
+#include "truetype/writer/detail/outline_counts.h"
+#include "truetype/writer/detail/record_index.h"
+#include "truetype/writer/table.h"
 
 namespace ulm::truetype::detail {
 
-// What a glyph that is no composite of components brings to one.
-inline OutlineCounts plainCounts(const SimpleShape& shape) noexcept {
-  return {0, shape.ends + shape.room, shape.room, static_cast<std::uint16_t>(shape.points),
-          static_cast<std::uint16_t>(shape.contours)};
+// Why an addition fails, besides kGlyphNoMemory and kGlyphTooLarge of addGlyph: beyond
+// maxAddedBytes.
+inline constexpr std::int32_t kTooManyGlyphBytes = -4;
+
+// The maximum of glyph bytes that one call takes out of a font. The glyphs of an undamaged font
+// share none, so that all of them together have no more than the image; damaged ones could turn a
+// small image into gigabytes.
+inline std::uint64_t maxAddedBytes(const TrueTypeFont& font) noexcept {
+  return (std::uint64_t{1} << 25) + 4 * static_cast<std::uint64_t>(font.imageSize);
 }
 
-// Counts are unknown where a cycle of components is drawn on, since on that they differ with the
-// glyph that the walk begins with. They are the reader's work then, up to its bounds for each
-// glyph, and so for a few glyphs only: the rest count as empty. False without memory. `record` may
-// be null.
-inline bool giveCounts(GlyfPayload& table, const TrueTypeFont& font, const OutlineCounts& counts,
-                       GlyphData* record) noexcept {
-  constexpr std::uint32_t kMostCycles = 256;
-  if (record == nullptr) return true;
-  if (counts.records == kUnknownRecords) {
-    if (table.cyclesCounted == kMostCycles) return true;
-    ++table.cyclesCounted;
-    return countGlyphData(font, record);
+// What the additions to one list of glyphs share.
+struct WalkState {
+  RecordIndex index;
+  std::uint32_t cyclesCounted;  // composites with a cycle that the reader has counted
+  std::uint64_t cycleWork;      // what that took
+  std::uint64_t foreignBytes;   // read of outlines beyond their glyphs' own bytes
+
+  // The bytes that a walk may read of a glyph with `own` bytes: up to the end of glyf, as the
+  // reader does, or only its own if many damaged glyphs have been read far beyond theirs.
+  ByteView readable(ByteView glyph, std::size_t own) const noexcept {
+    constexpr std::uint64_t kMaxForeignBytes = std::uint64_t{1} << 26;
+    const bool isCut = foreignBytes > kMaxForeignBytes && glyph.size() > own;
+    return isCut ? ByteView(glyph.start(), own) : glyph;
   }
-  const bool isRead = counts.records <= kMostComponentRecords && counts.work <= kMostOutlineWork;
-  record->pointCount = isRead ? counts.points : std::uint16_t{0};
-  record->contourCount = isRead ? counts.contours : std::uint16_t{0};
-  return true;
-}
+  SimpleShape shapeOf(ByteView glyph, std::size_t own) noexcept {
+    const SimpleShape shape = simpleShape(readable(glyph, own));
+    if (shape.reach > own) foreignBytes += shape.reach - own;
+    return shape;
+  }
+
+  // Sets a record's counts. A composite that reaches a cycle of components has no fixed counts:
+  // they depend on the glyph at which a walk starts. The reader counts those for each such glyph,
+  // up to two bounds; further ones keep 0. False without memory.
+  template <class Record>
+  bool setCounts(const TrueTypeFont& font, std::uint32_t glyphIndex, const OutlineCounts& counts,
+                 Record& record) noexcept {
+    if (counts.records == kUnknownRecords) {
+      constexpr std::uint32_t kMaxCycles = 256;
+      constexpr std::uint64_t kMaxCycleWork = std::uint64_t{4} * kMostOutlineWork;
+      if (cyclesCounted == kMaxCycles || cycleWork > kMaxCycleWork) return true;
+      ++cyclesCounted;
+      OutlineSize size;
+      if (!countOutline(font, glyphIndex, &size)) return false;
+      cycleWork += size.work;
+      record.pointCount = static_cast<std::uint16_t>(size.points);
+      record.contourCount = static_cast<std::uint16_t>(size.contours);
+      return true;
+    }
+    const bool isRead = counts.records <= kMostComponentRecords && counts.work <= kMostOutlineWork;
+    record.pointCount = isRead ? counts.points : std::uint16_t{0};
+    record.contourCount = isRead ? counts.contours : std::uint16_t{0};
+    return true;
+  }
+};
 
 // Visits the components of a glyph in the order of first use, and theirs before the next, each
-// glyph number once: what a visited one draws on is in the table or on its way, so that a second
-// walk would add nothing that the table does not have by then. So the records come in the order in
-// which collectGlyphComponents would first list their glyphs, had it no bound. On the way back it
-// counts the outlines.
+// glyph number once: what a visited one draws on is in the list or on its way, so that a second
+// walk would add nothing that the list does not have by then. So the records come in the order in
+// which collectGlyphComponents would first list their glyphs, had it no bound. On the way back the
+// walk counts the outlines.
 //
-// An Adder has these for the glyphs that the table lacks:
-//   std::int32_t append(GlyphEntry& entry)   the record of that glyph, at the end of the list: its
-//                                            new index, kNoGlyph, or why the addition fails
-//   GlyphData* last(), SimpleShape shape()   of the glyph last appended
-//   kBorrows                                 whether references are renumbered on the way
+// An Adder appends the glyphs that the list lacks:
+//   Record                                    its type of record, with pointCount and contourCount
+//   std::int32_t append(IndexEntry& entry)    appends the glyph's record; returns its new index,
+//                                             kNoGlyph, or why the addition fails
+//   Record* last(), const SimpleShape& shape() const    of the glyph last appended; the shape is
+//                                             that of a simple glyph, all 0 for a composite
 template <class Adder>
 class ComponentWalk {
  public:
-  ComponentWalk(GlyfPayload& table, Adder& adder, const TrueTypeFont& font) noexcept
-      : table_(table), index_(table.index), adder_(adder), font_(font) {}
+  using Record = typename Adder::Record;
 
-  // From the glyph of `entry`, which has just been visited. Its counts go to `record`, unless that
-  // is null. 0, or why the whole addition fails.
-  std::int32_t run(GlyphEntry& entry, GlyphData* record) noexcept {
+  ComponentWalk(WalkState& state, Adder& adder, const TrueTypeFont& font) noexcept
+      : state_(state), index_(state.index), adder_(adder), font_(font) {}
+
+  // Starts at the glyph of `entry`, which has just been visited. Its counts go to `record`, unless
+  // that is null. 0, or why the whole addition fails.
+  std::int32_t run(IndexEntry& entry, Record* record) noexcept {
     const ByteView glyph = compositeView(font_, entry.glyph);
     if (glyph.size() == 0) {
-      entry.counts = plainCounts(simpleShape(glyphView(font_, entry.glyph)));
+      entry.counts = countSimple(entry);
       return 0;
     }
     open(entry, glyph, record);
     for (;;) {
-      while (now_.next != kNoRecord && now_.glyph.holds(now_.next, 4)) {
-        const std::int32_t failure = step();
+      while (const auto component = now_.records.next()) {
+        const std::int32_t failure = step(*component);
         if (failure != 0) return failure;
       }
-      // A record that its padding alone makes whole is one in the new font, and none in this.
-      if (now_.next != kNoRecord && now_.next + 4 == now_.referencesEnd) {
-        table_.lateReferences = true;
+      const OutlineCounts counts = now_.sums.total(now_.isCut || !now_.records.atEnd());
+      IndexEntry& finished = index_.at(now_.entry);
+      if (now_.record != nullptr &&
+          !state_.setCounts(font_, finished.glyph, counts, *now_.record)) {
+        return kGlyphNoMemory;
       }
-      const OutlineCounts counts = now_.sums.total(now_.cut || now_.next != kNoRecord);
-      if (!giveCounts(table_, font_, counts, now_.record)) return kGlyphNoMemory;
-      index_.at(now_.place).counts = counts;
+      finished.counts = counts;
       if (stack_.empty()) return 0;
       now_ = stack_.pop();
-      pass(counts);
+      addToSums(counts);
     }
   }
 
  private:
+  // A composite whose components are being visited.
+  struct OpenComposite {
+    ComponentRecords records;
+    std::size_t own;      // length of the glyph's own bytes
+    std::uint32_t entry;  // its number in the index
+    std::uint16_t flags;  // of the record that is being worked on
+    bool isCut;           // that record, by the end of glyf
+    Record* record;       // takes the counts; may be null
+    CountSums sums;       // of the components so far
+  };
+
+  OutlineCounts countSimple(const IndexEntry& entry) noexcept {
+    return simpleCounts(
+        state_.shapeOf(glyphView(font_, entry.glyph), storedLength(font_, entry.glyph)));
+  }
+
   // `record` is one that this addition has made, or null.
-  void open(const GlyphEntry& entry, ByteView glyph, GlyphData* record) noexcept {
-    const bool renumbers = Adder::kBorrows && record != nullptr;
-    const std::uint16_t end = renumbers ? record->byteCount : std::uint16_t{0};
-    now_ = {glyph, kFirstComponent, index_.placeOf(entry), end, false, record, {}};
+  void open(const IndexEntry& entry, ByteView glyph, Record* record) noexcept {
+    now_.own = storedLength(font_, entry.glyph);
+    now_.records = ComponentRecords(state_.readable(glyph, now_.own));
+    now_.entry = index_.numberOf(entry);
+    now_.flags = 0;
+    now_.isCut = false;
+    now_.record = record;
+    now_.sums = {};
   }
 
-  // Tells what a component counts to the one that draws on it.
-  void pass(const OutlineCounts& counts) noexcept {
-    if (!now_.cut) now_.sums.add(counts);
+  // Adds a component's counts to its parent.
+  void addToSums(const OutlineCounts& counts) noexcept {
+    if (!now_.isCut) now_.sums.add(counts, now_.flags);
   }
 
-  // The component record at `at` is to refer to the new font's glyph.
-  void refer(std::size_t at, std::uint32_t newIndex) noexcept {
-    if (!Adder::kBorrows || at + 4 > now_.referencesEnd) return;
-    // A record that the glyph's own end cuts may read otherwise there than in the font.
-    if (newIndex == kNoRecordIndex || at + 4 == now_.referencesEnd) {
-      table_.lateReferences = true;
-    } else {
-      put16(now_.record->data, at + 2, newIndex);
+  std::int32_t step(const ComponentRecord& component) noexcept {
+    now_.isCut = !component.isWhole;  // its glyph is added all the same
+    now_.flags = component.flags;
+    if (component.offset >= now_.own) {
+      state_.foreignBytes += format::Component::size(component.flags);
     }
-  }
-
-  // Takes the component record at now_.next, the first 4 bytes of which are there.
-  std::int32_t step() noexcept {
-    const std::size_t record = now_.next;
-    const auto head = now_.glyph.readHeld<std::uint32_t>(record);
-    const auto flags = static_cast<std::uint16_t>(head >> 16);
-    const std::uint32_t glyphIndex = head & 0xFFFF;
-    const std::size_t size = componentSize(flags);
-    now_.cut = !now_.glyph.holds(record, size);  // its glyph is named all the same
-    now_.next = (flags & kMoreComponents) != 0 ? record + size : kNoRecord;
-    if (glyphIndex >= font_.numGlyphs) {
-      refer(record, kNoRecordIndex);
-      pass({});
+    if (component.glyphIndex >= font_.numGlyphs) {
+      addToSums({});
       return 0;
     }
-    GlyphEntry* const entered = index_.enter(glyphIndex);
+    IndexEntry* const entered = index_.enter(component.glyphIndex);
     if (entered == nullptr) return kGlyphNoMemory;
-    GlyphEntry& entry = *entered;
-    // One on the way to itself has no counts yet.
+    IndexEntry& entry = *entered;
+    // A glyph on the way to itself has no counts yet.
     if (!index_.visit(entry)) {
-      refer(record, entry.record());
-      pass(entry.counts);
+      addToSums(entry.counts);
       return 0;
     }
-    GlyphData* made = nullptr;
+    Record* made = nullptr;
     if (entry.record() == kNoRecordIndex) {
       const std::int32_t added = adder_.append(entry);
       if (added < kNoGlyph) return added;
       if (added != kNoGlyph) made = adder_.last();
     }
-    refer(record, entry.record());
     return descend(entry, made);
   }
 
-  // To a component that has been visited for the first time; `record` as in open.
-  std::int32_t descend(GlyphEntry& entry, GlyphData* record) noexcept {
+  // Goes on to a component that is visited for the first time; `record` as in open.
+  std::int32_t descend(IndexEntry& entry, Record* record) noexcept {
     if (record != nullptr && record->isComposite == 0) {
-      entry.counts = plainCounts(adder_.shape());
-      pass(entry.counts);
+      entry.counts = simpleCounts(adder_.shape());
+      addToSums(entry.counts);
       return 0;
     }
     const ByteView glyph = compositeView(font_, entry.glyph);
     if (glyph.size() == 0) {
-      entry.counts = plainCounts(simpleShape(glyphView(font_, entry.glyph)));
-      pass(entry.counts);
+      entry.counts = countSimple(entry);
+      addToSums(entry.counts);
       return 0;
     }
     if (!stack_.push(now_)) return kGlyphNoMemory;
@@ -159,12 +199,12 @@ class ComponentWalk {
     return 0;
   }
 
-  GlyfPayload& table_;
-  GlyphIndex& index_;
+  WalkState& state_;
+  RecordIndex& index_;
   Adder& adder_;
   const TrueTypeFont& font_;
   OpenComposite now_;
-  ComponentStack stack_;  // of those above it
+  Stack<OpenComposite, 8> stack_;  // of those above it; few glyphs nest more than two deep
 };
 
 }  // namespace ulm::truetype::detail

@@ -1,0 +1,22 @@
+// The form of what a subcommand of `ulmira font` prints: a JSON object, or the same values as lines
+// and tables.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace ulm::tools {
+
+using Json = nlohmann::ordered_json;
+
+// The member "units" of an object is not printed as text. It maps the key of a value to its unit,
+// which is printed after the value.
+std::string plainText(const Json& object);
+
+// Returns the object on one line, with all control characters escaped.
+std::string jsonText(const Json& object);
+
+// Adds a character as "code", U+0041, and "character", A. Both are null if `code` is 0.
+void addCharacter(Json& object, char32_t code);
+
+}  // namespace ulm::tools

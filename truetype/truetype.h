@@ -1,0 +1,20 @@
+// The whole font library: the reader and the writer.
+#pragma once
+
+#include "truetype/bytes.h"
+#include "truetype/font.h"
+#include "truetype/list.h"
+#include "truetype/reader/fixed_point.h"
+#include "truetype/reader/glyphs.h"
+#include "truetype/reader/kerning.h"
+#include "truetype/reader/mapping.h"
+#include "truetype/reader/metrics.h"
+#include "truetype/reader/names.h"
+#include "truetype/reader/open.h"
+#include "truetype/reader/tables.h"
+#include "truetype/records.h"
+#include "truetype/result.h"
+#include "truetype/writer/result.h"
+#include "truetype/writer/subset.h"
+#include "truetype/writer/table.h"
+#include "truetype/writer/writer.h"
