@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <initializer_list>
 #include <string>
 
 #include "bignum/integer.h"
@@ -49,6 +51,19 @@ struct Ulmira {
   static void gcd(Number& out, const Number& a, const Number& b) {
     Gcd(a.value, b.value, out.value);
   }
+  static void extendedGcd(Number& g, Number& x, const Number& a, const Number& b) {
+    static QLInteger y;
+    ExtendedGcd(a.value, b.value, g.value, x.value, y);
+  }
+  static void write(std::string& text, const Number& a, int radix) {
+    text.resize(a.value.BitLength() + 5);
+    text.resize(ToText(a.value, text.data(), static_cast<std::uint32_t>(text.size()),
+                       static_cast<std::uint32_t>(radix)) -
+                1);
+  }
+  static void read(Number& out, const std::string& text, int) { FromText(out.value, text.c_str()); }
+  static bool passesFive(const Number& a) { return IsProbablePrime(a.value, 5, 5); }
+  static void nextPrime(Number& out, const Number& a) { NextPrime(a.value, out.value); }
 };
 
 #ifdef ULM_BENCH_GMP
@@ -76,6 +91,33 @@ struct Gmp {
   }
   static void gcd(Number& out, const Number& a, const Number& b) {
     mpz_gcd(out.value, a.value, b.value);
+  }
+  static void extendedGcd(Number& g, Number& x, const Number& a, const Number& b) {
+    static Number y;
+    mpz_gcdext(g.value, x.value, y.value, a.value, b.value);
+  }
+  static void write(std::string& text, const Number& a, int radix) {
+    text.resize(mpz_sizeinbase(a.value, radix) + 2);
+    mpz_get_str(text.data(), -radix, a.value);
+    text.resize(std::strlen(text.c_str()));
+  }
+  static void read(Number& out, const std::string& text, int radix) {
+    mpz_set_str(out.value, text.c_str(), radix);
+  }
+  static bool passesFive(const Number& a) {  // as many powers, without the steps between them
+    static Number power, base, exponent;
+    mpz_sub_ui(exponent.value, a.value, 1);
+    bool passes = true;
+    for (const unsigned prime : {2u, 3u, 5u, 7u, 11u}) {
+      mpz_set_ui(base.value, prime);
+      mpz_powm(power.value, base.value, exponent.value, a.value);
+      passes = passes && mpz_cmp_ui(power.value, 1) == 0;
+    }
+    return passes;
+  }
+  static void nextPrime(Number& out, const Number& a) {
+    mpz_sub_ui(out.value, a.value, 1);
+    mpz_nextprime(out.value, out.value);
   }
 };
 #endif
@@ -112,6 +154,18 @@ struct OpenSsl {
   static void gcd(Number& out, const Number& a, const Number& b) {
     BN_gcd(out.value, a.value, b.value, context());
   }
+  static void write(std::string& text, const Number& a, int radix) {
+    char* made = radix == 10 ? BN_bn2dec(a.value) : BN_bn2hex(a.value);
+    text = made;
+    OPENSSL_free(made);
+  }
+  static void read(Number& out, const std::string& text, int radix) {
+    if (radix == 10) {
+      BN_dec2bn(&out.value, text.c_str());
+    } else {
+      BN_hex2bn(&out.value, text.c_str());
+    }
+  }
 };
 #endif
 
@@ -147,6 +201,15 @@ struct TomMath {
   }
   static void gcd(Number& out, const Number& a, const Number& b) {
     need(mp_gcd(&a.value, &b.value, &out.value));
+  }
+  static void write(std::string& text, const Number& a, int radix) {
+    text.resize(static_cast<std::size_t>(mp_count_bits(&a.value)) / 3 + 4);
+    std::size_t written = 0;
+    need(mp_to_radix(&a.value, text.data(), text.size(), &written, radix));
+    text.resize(written - 1);
+  }
+  static void read(Number& out, const std::string& text, int radix) {
+    need(mp_read_radix(&out.value, text.c_str(), radix));
   }
 };
 #endif
@@ -191,6 +254,14 @@ struct Multiply {
   }
 };
 
+struct Square {
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits, 1));
+    measure([&] { Library::multiply(out, a, a); });
+  }
+};
+
 struct Divide2nByN {
   template <class Library, class Out, class Measure>
   void run(std::int64_t bits, Out& out, Out& outToo, Measure measure) {
@@ -215,25 +286,91 @@ struct Divisor {
   }
 };
 
+struct FullPower {
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits - 4, 1)), e(digits(bits, 3)), m(digits(bits, 2));
+    measure([&] { Library::modPow(out, a, e, m); });
+  }
+};
+
+struct Extended {
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out& outToo, Measure measure) {
+    const Out a(digits(bits, 1)), b(digits(bits, 2));
+    measure([&] { Library::extendedGcd(out, outToo, a, b); });
+  }
+};
+
+struct Write {
+  int radix;
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits, 1));
+    std::string text;
+    Library::write(text, a, radix);
+    Library::read(out, text, radix);  // what is compared
+    measure([&] { Library::write(text, a, radix); });
+  }
+};
+
+struct Read {
+  int radix;
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits, 1));
+    std::string text;
+    Library::write(text, a, radix);
+    measure([&] { Library::read(out, text, radix); });
+  }
+};
+
+struct FivePowers {  // of a prime
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out& outToo, Measure measure) {
+    Ulmira::Number prime;
+    Ulmira::nextPrime(prime, Ulmira::Number(digits(bits, 1)));
+    const Out a(prime.hex());
+    bool passes = Library::passesFive(a);
+    Library::multiply(out, passes ? a : outToo, a);  // what is compared
+    measure([&] { benchmark::DoNotOptimize(passes = Library::passesFive(a)); });
+  }
+};
+
+struct Search {
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits, 1));
+    measure([&] { Library::nextPrime(out, a); });
+  }
+};
+
 template <class Library>
 void addLibrary(const std::string& name) {
-  const auto add = [&name](const std::string& what, auto operation) {
-    benchmark::RegisterBenchmark(
+  const auto add = [&name](const std::string& what, std::initializer_list<std::int64_t> more,
+                           auto operation) {
+    auto* const made = benchmark::RegisterBenchmark(
         ("bignum/" + what + '/' + name).c_str(),
-        [operation](benchmark::State& state) { time<Library>(state, operation); })
-        ->ArgName("bits")
-        ->Arg(32)
-        ->Arg(128)
-        ->Arg(512)
-        ->Arg(1024)
-        ->Arg(2048)
-        ->Arg(4096)
-        ->Arg(16384);
+        [operation](benchmark::State& state) { time<Library>(state, operation); });
+    made->ArgName("bits");
+    for (const std::int64_t bits : {32, 128, 256, 512, 1024, 2048, 4096}) made->Arg(bits);
+    for (const std::int64_t bits : more) made->Arg(bits);
   };
-  add("multiply", Multiply());
-  add("divide", Divide2nByN());
-  add("modpow", PublicPower());
-  add("gcd", Divisor());
+  add("multiply", {16384, 1000000}, Multiply());
+  add("square", {16384, 1000000}, Square());
+  add("divide", {16384, 1000000}, Divide2nByN());
+  add("modpow", {}, PublicPower());
+  add("fullpow", {}, FullPower());
+  add("gcd", {16384}, Divisor());
+  add("write10", {16384, 1000000}, Write{10});
+  add("read10", {16384, 1000000}, Read{10});
+  add("write16", {16384}, Write{16});
+  add("read16", {16384}, Read{16});
+  if constexpr (requires(typename Library::Number & n) { Library::nextPrime(n, n); }) {
+    add("egcd", {16384}, Extended());
+    add("fivepowers", {}, FivePowers());
+    add("nextprime", {}, Search());
+  }
 }
 
 }  // namespace

@@ -3,12 +3,14 @@
 #include <algorithm>
 
 #include "bignum/constants.h"
+#include "bignum/kernel/methods.h"
 
 namespace ulm::bignum {
 namespace {
 
 // Euclid's loop: leaves the last non-zero remainder in r. Neither operand is zero.
 void reduceToDivisor(QLInteger& r, QLInteger& t) {
+  if (kernel::reduceToDivisor(r, t)) return;
   while (t.IsNonZero()) {
     Remainder(r, t, r);
     r.Swap(t);
@@ -58,6 +60,8 @@ bool passesRabinRounds(const QLInteger& n, std::uint32_t rounds) {
 }
 
 bool passes(const QLInteger& n, std::uint32_t fermatRounds, std::uint32_t rabinRounds) {
+  bool passed = false;
+  if (kernel::passesRounds(n, fermatRounds, rabinRounds, passed)) return passed;
   const Verdict verdict = fermatRoundsOf(n, fermatRounds);
   return verdict == Verdict::Prime ||
          (verdict == Verdict::Open && passesRabinRounds(n, rabinRounds));
@@ -86,6 +90,7 @@ void ModPow(const QLInteger& base, const QLInteger& exponent, const QLInteger& m
     result.Assign(0);
     return;
   }
+  if (exponentBits > 1 && kernel::modPow(base, exponent, modulus, result)) return;
   QLInteger power(base);
   if (!exponent.IsEven()) result.Assign(base);
   if (exponentBits == 1) Remainder(result, modulus, result);
@@ -122,6 +127,7 @@ bool ExtendedGcd(const QLInteger& a, const QLInteger& b, QLInteger& g, QLInteger
     y.Assign(0);
     return true;
   }
+  if (kernel::extendedGcd(a, b, g, x, y)) return true;
   QLInteger r0(a);
   QLInteger r1(b);
   QLInteger x0(1);
@@ -196,6 +202,7 @@ void NextPrime(const QLInteger& a, QLInteger& result) {
   }
   result.Assign(a);
   if (result.IsEven()) result += 1;
+  if (kernel::raiseToPrime(result)) return;
   while (!passes(result, 5, 3)) result += 2;
 }
 

@@ -1,6 +1,10 @@
 // Powers, common divisors, roots and probable primes. There is no random source, so every result is
 // deterministic. std::bad_alloc is the only exception. No operation takes the same time for all
 // values: they are not for secrets whose use others can time.
+//
+// The capacity of a result is a multiple of 32 words that holds it, and depends on the kernel;
+// where a result is assigned it is at least what the destination had. The costs are those of the
+// plain kernel. The wide kernel gives the same values at a lower cost.
 #pragma once
 
 #include <cstdint>

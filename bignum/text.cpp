@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "bignum/kernel/methods.h"
+
 namespace ulm::bignum {
 namespace {
 
@@ -88,6 +90,10 @@ NumberText scanNumberText(const char* text) noexcept {
 void FromText(QLInteger& value, const char* text) {
   const NumberText scanned = scanNumberText(text);
   value.Assign(0);
+  if (kernel::readDigits(value, scanned.first, scanned.last, scanned.radix)) {
+    if (scanned.negative) value.MakeNegative();
+    return;
+  }
   for (const char* next = scanned.first; next != scanned.last; ++next) {
     const std::int32_t digit = DigitValue(*next, scanned.radix);
     if (digit < 0) continue;
@@ -108,6 +114,23 @@ std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size,
   if (radix < 2 || radix > 16) {
     if (size > 0) buffer[0] = '\0';
     return size;
+  }
+  if (value.IsNonZero()) {
+    // All that is stored must be at an index below size - 1, counted with a sign.
+    const std::int64_t room = static_cast<std::int32_t>(size - 1);
+    const std::uint32_t sign = value.IsNegative() ? 1 : 0;
+    const char mark = radixMark(radix);
+    const std::int64_t beside = std::int64_t{sign} + (mark != '\0' ? 1 : 0) + 1;
+    std::size_t length = 0;
+    if (kernel::writeDigits(value, radix, buffer + (room > beside ? sign : 0),
+                            room > beside ? static_cast<std::size_t>(room - beside) : 0, length)) {
+      if (static_cast<std::int64_t>(length) + beside > room) return size;
+      if (sign != 0) buffer[0] = '-';
+      char* end = buffer + sign + length;
+      if (mark != '\0') *end++ = mark;
+      *end++ = '\0';
+      return static_cast<std::uint32_t>(end - buffer);
+    }
   }
   TextWriter out(buffer, size);
   if (!value.IsNonZero()) {

@@ -34,8 +34,8 @@ NumberText scanNumberText(const char* text) noexcept;
 
 // Reads a number text into value, which may be an empty holder. Reading cannot fail: characters
 // that are not digits of the radix are skipped, and a text without digits is 0. value is assigned 0
-// and then changed by *= radix and += digit for each digit, which determines its storage. Throws
-// std::bad_alloc. Quadratic time.
+// first. The capacity of the result is a multiple of 32 words that holds it and depends on the
+// kernel. Throws std::bad_alloc. Quadratic time with the plain kernel.
 void FromText(QLInteger& value, const char* text);
 
 // Returns the number that FromText reads, as a fresh value.
@@ -46,7 +46,7 @@ QLInteger parseInteger(const char* text);
 // Returns the characters written with the terminator, which is below `size`. Returns `size` if the
 // buffer is too small; its content is then no usable text. Returns `size`, with an empty text if
 // there is a byte for it, if the radix is not 2 to 16. Throws std::bad_alloc. It takes one division
-// for each digit.
+// for each digit with the plain kernel.
 std::uint32_t ToText(const QLInteger& value, char* buffer, std::uint32_t size, std::uint32_t radix);
 
 // Returns the text of ToText; an empty text if the radix is not 2 to 16. Throws std::bad_alloc if

@@ -92,6 +92,15 @@ function(ulm_add_room name)
   set_property(GLOBAL APPEND PROPERTY ULM_EXPORTED ulm_${name})
 endfunction()
 
+# Sets `out` to the facilities that the module links whole: those that are exported, with the big
+# integers of the plain kernel.
+function(ulm_facilities_of_module out)
+  get_property(facilities GLOBAL PROPERTY ULM_EXPORTED)
+  get_property(bignum GLOBAL PROPERTY ULM_BIGNUM_OF_MODULE)
+  list(TRANSFORM facilities REPLACE "^ulm_bignum$" ${bignum})
+  set(${out} ${facilities} PARENT_SCOPE)
+endfunction()
+
 # ulm_add_host_library(qlcore SOURCES ... [HEADERS ...] [LINKS ...]) makes a shared library that
 # carries its own name, without a prefix, as the module and its host look for it.
 function(ulm_add_host_library name)

@@ -55,9 +55,9 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
-// The maximum length of a power. The conversion to text divides once for each digit, so its time
-// grows with the square of the length; this length takes some seconds.
-constexpr std::uint32_t kMaxPowerBits = 1u << 16;
+// The maximum length of a power in bits. A longer one takes about a minute with its text. The plain
+// kernel converts with a division for each digit, and takes some seconds for its maximum.
+constexpr std::uint32_t kMaxPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
 
 QLInteger powerOf(const Operands& n) {
   const std::runtime_error tooLong("the power is longer than " + std::to_string(kMaxPowerBits) +

@@ -1,1 +1,1 @@
-set(kernel_sources words.cpp multiply.cpp divide.cpp)
+set(kernel_sources words.cpp multiply.cpp divide.cpp methods.cpp)

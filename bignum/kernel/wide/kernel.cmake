@@ -1,0 +1,3 @@
+# limbs_x86.cpp is empty on other machines.
+set(kernel_sources words.cpp limbs.cpp limbs_x86.cpp product.cpp multiply.cpp quotient.cpp
+  divide.cpp montgomery.cpp primes.cpp divisors.cpp text.cpp)
