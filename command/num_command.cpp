@@ -55,8 +55,8 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
-// The maximum length of a power in bits. A longer one takes about a minute with its text. The plain
-// kernel converts with a division for each digit, and takes some seconds for its maximum.
+// The maximum length of a power in bits. The plain kernel converts to text with a division for each
+// digit, and takes some seconds for its maximum.
 constexpr std::uint32_t kMaxPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
 
 QLInteger powerOf(const Operands& n) {
