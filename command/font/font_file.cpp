@@ -7,13 +7,15 @@
 
 #include "command/support/streams.h"
 #include "command/support/text.h"
-#include "truetype/bytes.h"
+#include "truetype/format/byte_view.h"
+#include "truetype/format/directory.h"
 #include "truetype/reader/open.h"
 
 namespace ulm::tools {
 namespace {
 
 using namespace ulm::truetype;
+using format::CollectionHeader, format::OffsetTable;
 
 // A pipe or a device has no known size and may be endless.
 constexpr std::uint64_t kMaxStreamBytes = 1u << 28;
@@ -24,27 +26,24 @@ std::string readFont(Input input) {
   return bytes;
 }
 
-constexpr std::uint32_t kCollection = 0x74746366, kPostScriptOutlines = 0x4F54544F;
-constexpr std::uint32_t kWoff = 0x774F4646, kWoff2 = 0x774F4632;
-
 // Returns the 32 bits at the offset, or 0 if they are not all in the image.
 std::uint32_t signatureAt(std::string_view image, std::size_t offset) {
-  if (image.size() < 4 || offset > image.size() - 4) return 0;
-  return readUInt32(reinterpret_cast<const std::uint8_t*>(image.data()), offset);
+  const auto* const start = reinterpret_cast<const std::uint8_t*>(image.data());
+  return format::ByteView(start, image.size()).readOrZero<std::uint32_t>(offset);
 }
 
 // Names the kind of file that is not a TrueType font; null if it is not known.
 const char* kindOf(std::string_view image, std::uint32_t face) {
   std::uint32_t signature = signatureAt(image, 0);
-  if (signature == kCollection) {
-    signature = signatureAt(image, signatureAt(image, 12 + std::size_t{4} * face));
+  if (signature == CollectionHeader::kCollection) {
+    signature = signatureAt(image, signatureAt(image, CollectionHeader::kOffsets.at(face)));
   }
   switch (signature) {
-    case kPostScriptOutlines:
+    case OffsetTable::kPostScriptOutlines:
       return "an OpenType font with PostScript outlines (OTF); only TrueType outlines are read";
-    case kWoff:
+    case format::kWoffSignature:
       return "a WOFF file; its font has to be unpacked first";
-    case kWoff2:
+    case format::kWoff2Signature:
       return "a WOFF2 file; its font has to be unpacked first";
     default:
       return nullptr;
@@ -83,7 +82,7 @@ FontFile::FontFile(const FontSource& source)
     throw std::runtime_error(name_ + ": " + reasonOf(result, image_, source.face));
   }
   font_.reset(font);
-  if (source.face != 0 && signatureAt(image_, 0) != kCollection) {
+  if (source.face != 0 && signatureAt(image_, 0) != CollectionHeader::kCollection) {
     throw std::runtime_error(name_ + ": not a collection; its only face is 0");
   }
 }

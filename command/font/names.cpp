@@ -8,7 +8,8 @@
 #include <utility>
 
 #include "command/support/text.h"
-#include "truetype/bytes.h"
+#include "truetype/format/byte_view.h"
+#include "truetype/format/name.h"
 #include "truetype/reader/names.h"
 
 namespace ulm::tools {
@@ -42,13 +43,16 @@ bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 std::u32string fromUtf16(const NameRecord& record) {
+  using format::Utf16;
+  const format::RecordView<Utf16> string(format::ByteView(record.data, record.length));
   std::u32string text;
-  for (std::size_t i = 0; i + 1 < record.length; i += 2) {
-    const char32_t unit = readUInt16(record.data, i);
-    const char32_t next = i + 3 < record.length ? readUInt16(record.data, i + 2) : 0;
+  // A last byte without its partner is left out.
+  for (std::size_t i = 0; string.holdsElement(Utf16::kUnits, i); ++i) {
+    const char32_t unit = string.readOrZero(Utf16::kUnits, i);
+    const char32_t next = string.readOrZero(Utf16::kUnits, i + 1);
     if (isHighSurrogate(unit) && isLowSurrogate(next)) {
       text += 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00);
-      i += 2;
+      ++i;
     } else {
       text += isHighSurrogate(unit) || isLowSurrogate(unit) ? U'\uFFFD' : unit;
     }

@@ -4,12 +4,15 @@
 #include <stdexcept>
 
 #include "command/support/text.h"
-#include "truetype/bytes.h"
+#include "truetype/format/byte_sink.h"
+#include "truetype/format/byte_view.h"
+#include "truetype/format/directory.h"
 
 namespace ulm::tools {
 namespace {
 
 using namespace ulm::truetype;
+using format::CollectionHeader, format::OffsetTable, format::TableEntry;
 
 std::string base64(std::string_view bytes) {
   constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -70,23 +73,28 @@ std::string_view bytesOf(const FontFile& font) {
 // Returns the face as a separate font file, since a data URL cannot select a face of a collection.
 std::string separateFace(const FontFile& font) {
   const std::string_view image = bytesOf(font);
-  if (image.substr(0, 4) != "ttcf") return std::string(image);
-  constexpr std::size_t kHeader = 12, kEntry = 16;
+  const format::RecordView<CollectionHeader> collection(
+      format::ByteView(font->image, image.size()));
+  if (collection.readOrZero(CollectionHeader::kSignature) != CollectionHeader::kCollection) {
+    return std::string(image);
+  }
   const std::size_t count = font->tableCount;
-  std::string file(image.substr(font->directoryOffset, kHeader + kEntry * count));
+  std::string file(image.substr(font->directoryOffset, OffsetTable::kTables.at(count)));
   for (std::size_t i = 0; i < count; ++i) {
-    const std::uint8_t* entry = font->image + font->directoryOffset + kHeader + kEntry * i;
-    const std::size_t offset = readUInt32(entry, 8);
+    // The directory is in the image, because the font could be opened.
+    const auto entry = format::FixedView<TableEntry>::vouched(font->image + font->directoryOffset +
+                                                              OffsetTable::kTables.at(i));
+    const std::size_t offset = entry.get(TableEntry::kOffset);
     if (offset > image.size()) continue;  // the entry stays as it is, outside
-    const std::size_t place = file.size();
-    file += image.substr(offset, readUInt32(entry, 12));
-    file.resize((file.size() + 3) / 4 * 4);
+    const std::size_t newOffset = file.size();
+    file += image.substr(offset, entry.get(TableEntry::kLength));
+    file.resize(format::padded(file.size()));
     if (file.size() > 2 * image.size()) {
       throw std::runtime_error("no preview: the face's tables overlap");
     }
-    for (std::size_t k = 0; k < 4; ++k) {
-      file[kHeader + kEntry * i + 8 + k] = static_cast<char>(place >> (24 - 8 * k));
-    }
+    format::FixedSink<TableEntry>::vouched(reinterpret_cast<std::uint8_t*>(file.data()) +
+                                           OffsetTable::kTables.at(i))
+        .put(TableEntry::kOffset, static_cast<std::uint32_t>(newOffset));
   }
   return file;
 }

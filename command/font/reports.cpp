@@ -7,6 +7,9 @@
 #include "command/font/names.h"
 #include "command/support/text.h"
 #include "truetype/bytes.h"
+#include "truetype/format/byte_view.h"
+#include "truetype/format/cmap.h"
+#include "truetype/format/directory.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
 #include "truetype/reader/names.h"
@@ -16,6 +19,7 @@ namespace ulm::tools {
 namespace {
 
 using namespace ulm::truetype;
+using format::OffsetTable, format::TableEntry;
 
 // Returns the member "units" of a report: the unit of a value by the value's key.
 Json unitsOf(const std::vector<std::pair<const char*, std::vector<const char*>>>& keysOfUnits) {
@@ -59,18 +63,22 @@ Json globalsOf(const FontFile& font) {
 Json tablesOf(const FontFile& font) {
   Json::object_t tables;  // appended to, since a search for each key would take quadratic time
   std::unordered_map<std::uint32_t, std::size_t> indexByTag;
-  const std::uint8_t* directory = font->image + font->directoryOffset + 12;
+  const std::uint8_t* directory = font->image + font->directoryOffset;
   for (std::uint32_t i = 0; i < font->tableCount; ++i) {
-    const std::uint8_t* entry = directory + std::size_t{16} * i;
-    const Json table{{"offset", readUInt32(entry, 8)}, {"length", readUInt32(entry, 12)}};
-    const auto [found, fresh] = indexByTag.try_emplace(readUInt32(entry, 0), tables.size());
+    // The directory is in the image, because the font could be opened.
+    const auto entry =
+        format::FixedView<TableEntry>::vouched(directory + OffsetTable::kTables.at(i));
+    const Json table{{"offset", entry.get(TableEntry::kOffset)},
+                     {"length", entry.get(TableEntry::kLength)}};
+    const std::uint32_t tag = entry.get(TableEntry::kTag);
+    const auto [found, fresh] = indexByTag.try_emplace(tag, tables.size());
     if (!fresh) {
       tables.data()[found->second].second = table;  // the last of two equal tags is used
       continue;
     }
-    std::string tag;
-    for (std::size_t c = 0; c < 4; ++c) tag += encodeUtf8(entry[c]);
-    tables.emplace_back(std::move(tag), table);
+    std::string name;
+    for (int shift = 24; shift >= 0; shift -= 8) name += encodeUtf8(tag >> shift & 0xFF);
+    tables.emplace_back(std::move(name), table);
   }
   return tables;
 }
@@ -91,7 +99,9 @@ Json fontInfo(const FontFile& font) {
       {"cmap",
        {{"type", font->cmapType},
         {"format",
-         font->cmapSubtable == nullptr ? Json() : Json(readUInt16(font->cmapSubtable, 0))}}},
+         font->cmapSubtable == nullptr
+             ? Json()
+             : Json(readUInt16(font->cmapSubtable, format::CmapSubtable::kFormat.kOffset))}}},
       {"kern",
        {{"type", font->kernType}, {"subtables", font->kernType == 0 ? 0 : font->kernTableCount}}},
       {"units", unitsOf({{kEm,

@@ -10,6 +10,7 @@ namespace ulm::truetype::format {
 // Tables whose contents the library does not read.
 inline constexpr std::uint32_t kCvtTag = tag("cvt "), kPrepTag = tag("prep");
 inline constexpr std::uint32_t kFpgmTag = tag("fpgm"), kGsubTag = tag("GSUB");
+inline constexpr std::uint32_t kGposTag = tag("GPOS"), kFvarTag = tag("fvar");
 
 // One table of the directory, which is sorted by tag.
 struct TableEntry {
@@ -23,6 +24,7 @@ struct TableEntry {
 struct OffsetTable {
   static constexpr std::uint32_t kTrueType = 0x00010000;  // versions
   static constexpr std::uint32_t kAppleTrueType = tag("true");
+  static constexpr std::uint32_t kPostScriptOutlines = tag("OTTO");  // which the library refuses
 
   static constexpr std::size_t kSize = 12;
   static constexpr Field<OffsetTable, std::uint32_t, 0> kVersion{};
@@ -44,6 +46,9 @@ struct CollectionHeader {
   // Of the faces' offset tables, from the start of the file.
   static constexpr Array<CollectionHeader, std::uint32_t, kSize> kOffsets{};
 };
+
+// The first numbers of the compressed files of the web, which the library does not unpack.
+inline constexpr std::uint32_t kWoffSignature = tag("wOFF"), kWoff2Signature = tag("wOF2");
 
 // The three fields by which old readers bisect `count` entries of `entrySize` bytes. `count` is at
 // least 1; the caller vouches that count * entrySize fits 16 bits.
