@@ -113,7 +113,7 @@ class LayoutCheck {
       case SubstitutionType::kSingle:  // the input of these three is one glyph
       case SubstitutionType::kMultiple:
       case SubstitutionType::kAlternate:
-        return covers(table_.target(subtable, LookupSubtable::kCoverage));
+        return covers(coverageOf(subtable));
       case SubstitutionType::kLigature:
         return ligatureActs(subtable);
       case SubstitutionType::kContext:
@@ -133,14 +133,14 @@ class LayoutCheck {
     switch (type) {
       case PositioningType::kSingle:
       case PositioningType::kCursive:
-        return covers(table_.target(subtable, LookupSubtable::kCoverage));
+        return covers(coverageOf(subtable));
       case PositioningType::kPair:
         return table_.u16(subtable, LookupSubtable::kFormat) == 1 ? glyphPairActs(subtable)
                                                                   : classPairActs(subtable);
       case PositioningType::kMarkToBase:
       case PositioningType::kMarkToLigature:
       case PositioningType::kMarkToMark:
-        return covers(table_.target(subtable, LookupSubtable::kCoverage)) &&
+        return covers(coverageOf(subtable)) &&
                covers(table_.target(subtable, MarkPos::kBaseCoverage));
       case PositioningType::kContext:
         scheduleFromContext(subtable);
@@ -153,6 +153,10 @@ class LayoutCheck {
     }
   }
 
+  // Returns the coverage of the first glyph of a subtable's input.
+  std::size_t coverageOf(std::size_t subtable) const {
+    return table_.target(subtable, LookupSubtable::kCoverage);
+  }
   // Calls visit(glyph, coverage index) for each covered glyph of the set. Returns true as soon as a
   // call returns true.
   template <class Visit>
@@ -217,20 +221,18 @@ class LayoutCheck {
   }
 
   bool ligatureActs(std::size_t subtable) const {
-    return anyCovered(
-        table_.target(subtable, LookupSubtable::kCoverage), [&](std::size_t, std::size_t index) {
-          const std::size_t set = table_.target(subtable, LigatureSubtable::kSets, index);
-          const std::size_t count = table_.u16(set, LigatureSet::kCount);
-          for (std::size_t i = 0; i < count && !table_.isExhausted(); ++i) {
-            const std::size_t ligature = table_.target(set, LigatureSet::kLigatures, i);
-            const std::size_t components = table_.u16(ligature, Ligature::kComponentCount);
-            std::size_t k = 1;
-            while (k < components && inSet_[table_.u16(ligature, Ligature::kComponents, k - 1)])
-              ++k;
-            if (components > 0 && k == components) return true;
-          }
-          return false;
-        });
+    return anyCovered(coverageOf(subtable), [&](std::size_t, std::size_t index) {
+      const std::size_t set = table_.target(subtable, LigatureSubtable::kSets, index);
+      const std::size_t count = table_.u16(set, LigatureSet::kCount);
+      for (std::size_t i = 0; i < count && !table_.isExhausted(); ++i) {
+        const std::size_t ligature = table_.target(set, LigatureSet::kLigatures, i);
+        const std::size_t components = table_.u16(ligature, Ligature::kComponentCount);
+        std::size_t k = 1;
+        while (k < components && inSet_[table_.u16(ligature, Ligature::kComponents, k - 1)]) ++k;
+        if (components > 0 && k == components) return true;
+      }
+      return false;
+    });
   }
 
   // Returns the count of values that a pair's two value records have together.
@@ -250,19 +252,18 @@ class LayoutCheck {
   bool glyphPairActs(std::size_t subtable) const {
     const std::size_t values = valueCount(subtable);
     const std::size_t length = ValueRecord::kValues.bytes(values);
-    return anyCovered(table_.target(subtable, LookupSubtable::kCoverage),
-                      [&](std::size_t, std::size_t index) {
-                        const std::size_t set = table_.target(subtable, PairPos1::kSets, index);
-                        const std::size_t count = table_.u16(set, PairSet::kCount);
-                        for (std::size_t i = 0; i < count && !table_.isExhausted(); ++i) {
-                          const std::size_t record = set + PairSet::record(i, length);
-                          if (inSet_[table_.u16(record, PairValueRecord::kSecondGlyph)] &&
-                              hasValue(record + PairValueRecord::kSize, values)) {
-                            return true;
-                          }
-                        }
-                        return false;
-                      });
+    return anyCovered(coverageOf(subtable), [&](std::size_t, std::size_t index) {
+      const std::size_t set = table_.target(subtable, PairPos1::kSets, index);
+      const std::size_t count = table_.u16(set, PairSet::kCount);
+      for (std::size_t i = 0; i < count && !table_.isExhausted(); ++i) {
+        const std::size_t record = set + PairSet::record(i, length);
+        if (inSet_[table_.u16(record, PairValueRecord::kSecondGlyph)] &&
+            hasValue(record + PairValueRecord::kSize, values)) {
+          return true;
+        }
+      }
+      return false;
+    });
   }
 
   bool classPairActs(std::size_t subtable) const {
@@ -274,8 +275,7 @@ class LayoutCheck {
     const std::size_t firstCount = table_.u16(subtable, PairPos2::kClassCount1);
     const std::size_t secondCount = table_.u16(subtable, PairPos2::kClassCount2);
     std::vector<bool> seen = emptySet();
-    return anyCovered(table_.target(subtable, LookupSubtable::kCoverage), [&](std::size_t glyph,
-                                                                              std::size_t) {
+    return anyCovered(coverageOf(subtable), [&](std::size_t glyph, std::size_t) {
       const auto at = std::lower_bound(glyphs_.begin(), glyphs_.end(), glyph);
       const std::size_t row = firstOf[static_cast<std::size_t>(at - glyphs_.begin())];
       if (row >= firstCount || seen[row]) return false;
@@ -290,8 +290,8 @@ class LayoutCheck {
 
   bool reverseChainActs(std::size_t subtable) const {
     std::size_t offset = subtable + ReverseChain::kSequences;
-    return covers(table_.target(subtable, LookupSubtable::kCoverage)) &&
-           coversAll(subtable, offset) && coversAll(subtable, offset);
+    return covers(coverageOf(subtable)) && coversAll(subtable, offset) &&
+           coversAll(subtable, offset);
   }
   // Reads a sequence of coverages. Returns true if each of them covers a glyph of the set. Moves
   // `offset` to the end of the sequence.
@@ -335,21 +335,20 @@ class LayoutCheck {
                         const RuleOf& rule) {
     const std::size_t sets = table_.u16(subtable, Format::kSetCount);
     std::vector<bool> seen = emptySet();
-    anyCovered(table_.target(subtable, LookupSubtable::kCoverage),
-               [&](std::size_t glyph, std::size_t index) {
-                 if (classes != nullptr) {
-                   const auto at = std::lower_bound(glyphs_.begin(), glyphs_.end(), glyph);
-                   index = (*classes)[static_cast<std::size_t>(at - glyphs_.begin())];
-                 }
-                 if (index >= sets || seen[index]) return false;
-                 seen[index] = true;
-                 const std::size_t set = table_.target(subtable, Format::kSets, index);
-                 const std::size_t count = table_.u16(set, RuleSet::kCount);
-                 for (std::size_t i = 0; i < count && !table_.isExhausted(); ++i) {
-                   rule(table_.target(set, RuleSet::kRules, i));
-                 }
-                 return false;
-               });
+    anyCovered(coverageOf(subtable), [&](std::size_t glyph, std::size_t index) {
+      if (classes != nullptr) {
+        const auto at = std::lower_bound(glyphs_.begin(), glyphs_.end(), glyph);
+        index = (*classes)[static_cast<std::size_t>(at - glyphs_.begin())];
+      }
+      if (index >= sets || seen[index]) return false;
+      seen[index] = true;
+      const std::size_t set = table_.target(subtable, Format::kSets, index);
+      const std::size_t count = table_.u16(set, RuleSet::kCount);
+      for (std::size_t i = 0; i < count && !table_.isExhausted(); ++i) {
+        rule(table_.target(set, RuleSet::kRules, i));
+      }
+      return false;
+    });
   }
 
   void scheduleFromContext(std::size_t subtable) {
