@@ -42,6 +42,7 @@ const struct {
     {"ZeroSignature", signed32(0), 0, kBad},
     {"ThreeBytes", Bytes().u16({1}).u8(0), 0, kBad},
     {"ThirdOfThree", FontImage().collection(3), 2, kOk},
+    {"FaceOfOtherSignature", FontImage().collection(1).put16(16, 0x4F54), 0, kOk},
     {"FourthOfThree", FontImage().collection(3), 3, kNoFace},
     {"CollectionTwo", FontImage().collection(1, 0x00020000), 0, kOk},
     {"CollectionThree", FontImage().collection(1, 0x00030000), 0, kBad},
