@@ -11,8 +11,8 @@
 namespace ulm::truetype::detail {
 namespace {
 
-// Counts points and work, and stops at the bound. The most points at any time are the capacity
-// needed: a composite whose chain is cut gives back what it had.
+// Counts points and work, and stops at the bound. The capacity needed is the maximum of the points
+// at any time: a composite whose chain is cut subtracts the points that it had added.
 struct Measure {
   OutlineTotals totals = {};
   std::uint32_t capacity = 0;

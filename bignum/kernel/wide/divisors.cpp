@@ -80,7 +80,7 @@ void difference(Limb* r, const Limb* a, Digit p, const Limb* b, Digit q, std::si
   subMulLimb(r, b, n, q);
 }
 
-// The two numbers of Euclid's algorithm, a >= b, in n limbs, and what it needs beside them.
+// The two numbers of Euclid's algorithm, a >= b, in n limbs, and its working space.
 struct Pair {
   Limb* a;
   Limb* b;

@@ -1,4 +1,4 @@
-// Powers modulo an odd number, in Montgomery's form: x stands for x * 2^(64 n) modulo m.
+// Powers modulo an odd number, in Montgomery's form: x is represented by x * 2^(64 n) modulo m.
 #pragma once
 
 #include "bignum/kernel/wide/limbs.h"
