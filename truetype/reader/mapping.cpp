@@ -62,10 +62,10 @@ struct TrustedBytes {
 // Notes that a read left the image, and goes on with zeros.
 struct TestedBytes {
   ByteView view;
-  bool* left;
+  bool* leftImage;
   template <class T>
   T read(std::size_t offset) const noexcept {
-    if (!view.holds(offset, sizeof(T))) *left = true;
+    if (!view.holds(offset, sizeof(T))) *leftImage = true;
     return view.readOrZero<T>(offset);
   }
   std::size_t firstNotBelow(std::size_t array, std::size_t count,
