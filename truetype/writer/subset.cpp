@@ -134,7 +134,7 @@ WriterResult addCopies(TrueTypeWriter* writer, const TrueTypeFont& font,
     if (slot == kSlotOs2 && (flags & SubsetKeepOS2) == 0) continue;
     if (font.tables[slot] == nullptr) continue;
     const WriterResult result =
-        add(writer, OwnedTable(createRawTable(detail::kSlotTags[slot], font.tableLengths[slot],
+        add(writer, OwnedTable(createRawTable(detail::tagOfSlot(slot), font.tableLengths[slot],
                                               font.tables[slot])));
     if (result != WriterResultOk) return result;
   }
