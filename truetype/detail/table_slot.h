@@ -45,10 +45,6 @@ inline constexpr std::array<std::uint32_t, kTableSlotCount> kSlotTags = [] {
   return tags;
 }();
 
-constexpr std::uint32_t tagOfSlot(TableSlot slot) noexcept {
-  return kSlotTags[static_cast<std::size_t>(slot)];
-}
-
 // -1 for a tag without a slot. A chain of comparisons that compilers turn into a decision tree.
 constexpr std::int32_t slotForTag(std::uint32_t tag) noexcept {
   std::int32_t slot = -1;

@@ -134,8 +134,8 @@ WriterResult addCopies(TrueTypeWriter* writer, const TrueTypeFont& font,
     if (slot == kSlotOs2 && (flags & SubsetKeepOS2) == 0) continue;
     if (font.tables[slot] == nullptr) continue;
     const WriterResult result =
-        add(writer, OwnedTable(createRawTable(detail::tagOfSlot(slot), font.tableLengths[slot],
-                                              font.tables[slot])));
+        add(writer, OwnedTable(createRawTable(detail::kSlotTags[static_cast<std::size_t>(slot)],
+                                              font.tableLengths[slot], font.tables[slot])));
     if (result != WriterResultOk) return result;
   }
   return WriterResultOk;
