@@ -23,7 +23,7 @@ inline ByteView imageView(const TrueTypeFont& font) noexcept {
 inline ByteView tableView(const TrueTypeFont& font, TableSlot slot) noexcept {
   const std::uint8_t* table = font.tables[slot];
   if (table == nullptr) return {};
-  return imageView(font).from(static_cast<std::size_t>(table - font.image));
+  return {table, imageView(font).from(static_cast<std::size_t>(table - font.image)).size()};
 }
 template <class Table>
 RecordView<Table> tableOf(const TrueTypeFont& font) noexcept {

@@ -1,9 +1,8 @@
 // The explicit stack of walks that are not recursive.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -43,10 +42,11 @@ class Stack {
     const std::size_t frameBytes = capacity * sizeof(Frame);
     CBuffer<unsigned char> block = makeBuffer<unsigned char>(frameBytes + extraBytes);
     if (block == nullptr) return false;
-    std::memcpy(block.get(), static_cast<const void*>(frames_), depth_ * sizeof(Frame));
-    std::memset(block.get() + frameBytes, 0, extraBytes);
+    auto* moved = reinterpret_cast<Frame*>(block.get());
+    std::uninitialized_copy_n(frames_, depth_, moved);
+    std::fill_n(block.get() + frameBytes, extraBytes, static_cast<unsigned char>(0));
     heap_ = std::move(block);
-    frames_ = reinterpret_cast<Frame*>(heap_.get());
+    frames_ = moved;
     capacity_ = capacity;
     return true;
   }

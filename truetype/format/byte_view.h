@@ -46,7 +46,8 @@ class ByteView {
   }
   template <Number T>
   constexpr T readOrZero(std::size_t offset) const noexcept {
-    return holds(offset, sizeof(T)) ? loadBigEndian<T>(start_ + offset) : T{0};
+    if (!holds(offset, sizeof(T))) return T{0};
+    return loadBigEndian<T>(start_ + offset);
   }
   // The number at an offset that the caller has tested with `holds`.
   template <Number T>

@@ -1,6 +1,8 @@
 // The start of a font file: the offset table with its directory, and the header of a collection.
 #pragma once
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 
 #include "truetype/format/field.h"
@@ -56,9 +58,9 @@ struct SearchFields {
   std::uint16_t searchRange, entrySelector, rangeShift;
 
   static constexpr SearchFields of(std::uint32_t count, std::uint32_t entrySize) noexcept {
-    const auto log = static_cast<std::uint32_t>(std::bit_width(count)) - 1;
-    const std::uint32_t power = std::uint32_t{1} << log;
-    return {static_cast<std::uint16_t>(entrySize * power), static_cast<std::uint16_t>(log),
+    const std::uint32_t power = std::bit_floor(count);
+    return {static_cast<std::uint16_t>(entrySize * power),
+            static_cast<std::uint16_t>(std::countr_zero(power)),
             static_cast<std::uint16_t>(entrySize * (count - power))};
   }
 };

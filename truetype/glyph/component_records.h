@@ -3,52 +3,60 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 #include "truetype/detail/font_views.h"
 #include "truetype/format/glyf.h"
 
 namespace ulm::truetype::detail {
 
-// One record. Its flags and glyph index are there; its arguments and scales where it is whole.
+// One record.
 struct ComponentRecord {
-  std::size_t offset;  // in the glyph
+  std::uint32_t offset;  // in the glyph
   std::uint16_t flags;
   std::uint16_t glyphIndex;
-  bool isWhole;
 };
 
 // The records of a composite in their order, as far as the glyph's bytes go.
-//   for (ComponentRecords records(glyph); const auto record = records.next();) ...
+//   ComponentRecords records(glyph);
+//   for (ComponentRecord record; records.next(&record);) ...
 class ComponentRecords {
  public:
   ComponentRecords() noexcept = default;
-  // `glyph` without bytes has no records.
+  // `glyph` without bytes has no records. It is part of an image, so its size has 31 bits.
   explicit ComponentRecords(ByteView glyph) noexcept : glyph_(glyph) {}
 
   ByteView glyph() const noexcept { return glyph_; }
 
-  // Nothing after the last record, and where the bytes end before a record's flags and index do.
-  std::optional<ComponentRecord> next() noexcept {
+  // Sets `out` to the next record. False, with `out` as it was, after the last record, and where
+  // the bytes end before a record's flags and index do.
+  bool next(ComponentRecord* out) noexcept {
     using format::Component;
-    const std::size_t offset = next_;
-    if (!glyph_.holds(offset, Component::kHeadSize)) return std::nullopt;
+    const std::uint32_t offset = next_;
+    if (!glyph_.holds(offset, Component::kHeadSize)) return false;
     const auto head = glyph_.readHeld<std::uint32_t>(offset + Component::kHead.kOffset);
     const auto flags = static_cast<std::uint16_t>(head >> 16);
-    const std::size_t size = Component::size(flags);
-    next_ = (flags & Component::kMoreComponents) != 0 ? offset + size : kAtEnd;
-    return ComponentRecord{offset, flags, static_cast<std::uint16_t>(head),
-                           glyph_.holds(offset, size)};
+    const bool hasNext = (flags & Component::kMoreComponents) != 0;
+    next_ = hasNext ? offset + static_cast<std::uint32_t>(Component::size(flags)) : kAtEnd;
+    // Field by field: a record that is stored in parts and then copied in one piece stalls the
+    // load.
+    out->offset = offset;
+    out->flags = flags;
+    out->glyphIndex = static_cast<std::uint16_t>(head);
+    return true;
   }
-  // Whether the last record has been read. If it has not, but `next` returned nothing, the chain is
+  // Whether a record's arguments and scales are there too.
+  bool holds(const ComponentRecord& record) const noexcept {
+    return glyph_.holds(record.offset, format::Component::size(record.flags));
+  }
+  // Whether the last record has been read. If it has not, but `next` returned false, the chain is
   // cut.
   bool atEnd() const noexcept { return next_ == kAtEnd; }
 
  private:
-  static constexpr std::size_t kAtEnd = SIZE_MAX;  // no glyph has bytes there
+  static constexpr std::uint32_t kAtEnd = UINT32_MAX;  // no glyph has bytes there
 
   ByteView glyph_;
-  std::size_t next_ = format::Component::kFirst;
+  std::uint32_t next_ = format::Component::kFirst;
 };
 
 // The contour count in a glyph's header, 0 for a glyph without data.

@@ -1,7 +1,5 @@
 #include "truetype/glyph/composite_glyph.h"
 
-#include <optional>
-
 #include "truetype/format/glyf.h"
 #include "truetype/glyph/component_records.h"
 #include "truetype/glyph/limits.h"
@@ -89,9 +87,9 @@ WalkEnd walkComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, Compo
   path.clear();
   ComponentFrame now = frameOf(glyphView(font, glyphIndex), glyphIndex);
   for (;;) {
-    const std::optional<ComponentRecord> record = now.records.next();
-    if (!record || !record->isWhole) {  // this composite has ended, or its chain is cut
-      const bool isCut = record || !now.records.atEnd();
+    const bool hasNext = now.records.next(&now.current);
+    if (!hasNext || !now.records.holds(now.current)) {  // it has ended, or its chain is cut
+      const bool isCut = hasNext || !now.records.atEnd();
       const OutlineTotals before = now.before;
       if (isCut) sink.totals = before;
       if (path.empty()) return !isCut && sink.withinBounds() ? WalkEnd::Whole : WalkEnd::NoOutline;
@@ -100,8 +98,7 @@ WalkEnd walkComponents(const TrueTypeFont& font, std::uint32_t glyphIndex, Compo
       continue;
     }
     if (!sink.enterRecord()) return WalkEnd::NoOutline;
-    now.current = *record;
-    const std::uint32_t index = record->glyphIndex;
+    const std::uint32_t index = now.current.glyphIndex;
     if (index >= font.numGlyphs || path.leadsBack(now, index)) continue;
     const ByteView glyph = glyphView(font, index);
     const std::int32_t contours = contourCount(glyph);

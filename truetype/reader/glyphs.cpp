@@ -19,6 +19,7 @@ namespace {
 using detail::ByteView;
 using detail::CBuffer;
 using detail::ComponentPath;
+using detail::ComponentRecord;
 using detail::ComponentRecords;
 
 constexpr std::int32_t kNoSuchGlyph = -1;
@@ -94,10 +95,11 @@ std::int32_t readOutline(const TrueTypeFont& font, std::uint32_t glyphIndex, con
 // The metrics of a composite's own components that are marked for it, each over the one before.
 void readComponentMetrics(const TrueTypeFont& font, ByteView glyph,
                           GlyphMetrics* metrics) noexcept {
-  for (ComponentRecords records(glyph); const auto record = records.next();) {
-    if ((record->flags & format::Component::kUsesMyMetrics) != 0 &&
-        record->glyphIndex < font.numGlyphs) {
-      readGlyphMetrics(&font, record->glyphIndex, metrics);
+  ComponentRecords records(glyph);
+  for (ComponentRecord record; records.next(&record);) {
+    if ((record.flags & format::Component::kUsesMyMetrics) != 0 &&
+        record.glyphIndex < font.numGlyphs) {
+      readGlyphMetrics(&font, record.glyphIndex, metrics);
     }
   }
 }
@@ -192,14 +194,13 @@ std::int32_t collectGlyphComponents(const TrueTypeFont* font, std::uint32_t glyp
   detail::ComponentFrame now =
       detail::frameOf(detail::compositeView(*font, glyphIndex), glyphIndex);
   for (std::uint32_t count = 0;;) {
-    const auto record = now.records.next();
-    if (!record) {
+    if (!now.records.next(&now.current)) {
       if (path.empty()) return appended;
       now = path.pop();
       continue;
     }
     if (++count > kMaxComponentRecords) return appended;
-    const std::uint32_t index = record->glyphIndex;
+    const std::uint32_t index = now.current.glyphIndex;
     if (index >= font->numGlyphs) continue;
     if (!appendIndex(list, index)) return appended;
     ++appended;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "truetype/detail/bisect.h"
 #include "truetype/detail/c_buffer.h"
@@ -37,20 +38,25 @@ struct NameText {
 // Both texts of a string of 16-bit units, or the narrow text of a byte string. Neither without
 // memory.
 NameText makeTexts(ByteView string, bool isUtf16, bool wantsWide) noexcept {
-  if (!isUtf16) return {makeText(string.start(), string.size()), nullptr};
+  CBuffer<char> narrow;
+  CBuffer<std::uint16_t> wide;
+  if (!isUtf16) {
+    narrow = makeText(string.start(), string.size());
+    return {std::move(narrow), nullptr};
+  }
   const std::size_t units = string.size() / sizeof(std::uint16_t);
-  NameText texts{detail::makeBuffer<char>(units + 1), nullptr};
-  if (wantsWide) texts.wide = detail::makeBuffer<std::uint16_t>(units + 1);
-  if (texts.narrow == nullptr || (wantsWide && texts.wide == nullptr)) return {};
+  narrow = detail::makeBuffer<char>(units + 1);
+  if (wantsWide) wide = detail::makeBuffer<std::uint16_t>(units + 1);
+  if (narrow == nullptr || (wantsWide && wide == nullptr)) return {};
   const RecordView<Utf16> text(string);
   for (std::size_t i = 0; i < units; ++i) {
     const std::uint16_t unit = text.readOrZero(Utf16::kUnits, i);
-    texts.narrow[i] = static_cast<char>(unit & 0xFF);
-    if (wantsWide) texts.wide[i] = unit;
+    narrow[i] = static_cast<char>(unit & 0xFF);
+    if (wantsWide) wide[i] = unit;
   }
-  texts.narrow[units] = '\0';
-  if (wantsWide) texts.wide[units] = 0;
-  return texts;
+  narrow[units] = '\0';
+  if (wantsWide) wide[units] = 0;
+  return {std::move(narrow), std::move(wide)};
 }
 
 struct NameKey {

@@ -103,8 +103,8 @@ class ComponentWalk {
     }
     open(entry, glyph, record);
     for (;;) {
-      while (const auto component = now_.records.next()) {
-        const std::int32_t failure = step(*component);
+      while (now_.records.next(&now_.current)) {
+        const std::int32_t failure = step();
         if (failure != 0) return failure;
       }
       const OutlineCounts counts = now_.sums.total(now_.isCut || !now_.records.atEnd());
@@ -124,12 +124,12 @@ class ComponentWalk {
   // A composite whose components are being visited.
   struct OpenComposite {
     ComponentRecords records;
-    std::size_t own;      // length of the glyph's own bytes
-    std::uint32_t entry;  // its number in the index
-    std::uint16_t flags;  // of the record that is being worked on
-    bool isCut;           // that record, by the end of glyf
-    Record* record;       // takes the counts; may be null
-    CountSums sums;       // of the components so far
+    std::size_t own;          // length of the glyph's own bytes
+    std::uint32_t entry;      // its number in the index
+    ComponentRecord current;  // the record that is being worked on
+    bool isCut;               // that record, by the end of glyf
+    Record* record;           // takes the counts; may be null
+    CountSums sums;           // of the components so far
   };
 
   OutlineCounts countSimple(const IndexEntry& entry) noexcept {
@@ -142,7 +142,7 @@ class ComponentWalk {
     now_.own = storedLength(font_, entry.glyph);
     now_.records = ComponentRecords(state_.readable(glyph, now_.own));
     now_.entry = index_.numberOf(entry);
-    now_.flags = 0;
+    now_.current = {};
     now_.isCut = false;
     now_.record = record;
     now_.sums = {};
@@ -150,12 +150,13 @@ class ComponentWalk {
 
   // Adds a component's counts to its parent.
   void addToSums(const OutlineCounts& counts) noexcept {
-    if (!now_.isCut) now_.sums.add(counts, now_.flags);
+    if (!now_.isCut) now_.sums.add(counts, now_.current.flags);
   }
 
-  std::int32_t step(const ComponentRecord& component) noexcept {
-    now_.isCut = !component.isWhole;  // its glyph is added all the same
-    now_.flags = component.flags;
+  // Takes the current record.
+  std::int32_t step() noexcept {
+    const ComponentRecord& component = now_.current;
+    now_.isCut = !now_.records.holds(component);  // its glyph is added all the same
     if (component.offset >= now_.own) {
       state_.foreignBytes += format::Component::size(component.flags);
     }

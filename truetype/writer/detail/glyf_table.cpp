@@ -146,9 +146,10 @@ std::int32_t appendGlyph(GlyfPayload& table, GlyphData* glyph, const TrueTypeFon
 
 void renumberComponents(ByteView glyph, const RecordIndex& index, std::uint32_t absent,
                         format::ByteSink out) noexcept {
-  for (ComponentRecords records(glyph); const auto record = records.next();) {
-    const std::uint32_t found = index.find(record->glyphIndex);
-    out.put<std::uint16_t>(record->offset + format::Component::kGlyphIndex.kOffset,
+  ComponentRecords records(glyph);
+  for (ComponentRecord record; records.next(&record);) {
+    const std::uint32_t found = index.find(record.glyphIndex);
+    out.put<std::uint16_t>(record.offset + format::Component::kGlyphIndex.kOffset,
                            static_cast<std::uint16_t>(found == kNoRecordIndex ? absent : found));
   }
 }

@@ -102,7 +102,7 @@ WriterResult makeNameImage(WriterTable* table, TableImage* out) noexcept {
   const TTList& records = namesOf(table).records;
   if (namesOf(table).incomplete) return WriterResultNoMemory;
   if (records.count == 0) return WriterResultNoData;
-  const CBuffer<SortedRecord> sorted = makeBuffer<SortedRecord>(records.count);
+  const CBuffer<SortedRecord> sorted = makeZeroedBuffer<SortedRecord>(records.count);
   if (sorted == nullptr) return WriterResultNoMemory;
   const std::uint64_t strings = readRecords(records, sorted.get());
   if (strings > kMaxStrings) return WriterResultNameTooLong;
