@@ -1,5 +1,7 @@
 // `ulmira num`: arithmetic on numbers of any size.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -13,6 +15,7 @@
 #include "bignum/integer.h"
 #include "bignum/number_theory.h"
 #include "bignum/text.h"
+#include "command/busy_line.h"
 #include "command/commands.h"
 #include "command/number_argument.h"
 #include "command/support/streams.h"
@@ -56,8 +59,33 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
-// The maximum length of a power in bits: its decimal text takes about a minute with the wide kernel.
-constexpr std::uint32_t kMaxPowerBits = 1u << 26;
+// The maximum lengths of numbers in bits. Longer ones take more than about a minute with the wide
+// kernel: the decimal text of a result, Euclid's algorithm, a root, 18 tests of a prime, the tests
+// of a gap between primes. The plain kernel takes longer, and has the same limits.
+constexpr std::uint32_t kMaxResultBits = 1u << 26;
+constexpr std::uint32_t kMaxDivisorBits = 1u << 23;
+constexpr std::uint32_t kMaxRootBits = 1u << 24;
+constexpr std::uint32_t kMaxTestedBits = 1u << 15;
+constexpr std::uint32_t kMaxSearchBits = 1u << 13;
+
+// The same for the exponent of modpow. It is 2^16 for a modulus of 2^16 bits. Each bit of it takes
+// a product, whose time grows with the 1.6th power of the modulus's length.
+std::uint64_t maxExponentBits(std::uint32_t modulusBits) {
+  const auto width = static_cast<int>(std::bit_width(modulusBits - 1));  // at most 2^width bits
+  return std::uint64_t{1} << std::max(16 + (16 - width) * 8 / 5, 0);
+}
+
+// Throws if `bits`, the length of what is named, is above `most`.
+void checkLength(const std::string& name, std::uint64_t bits, std::uint64_t most) {
+  if (bits > most) {
+    throw std::runtime_error("the " + name + " is longer than " + std::to_string(most) + " bits");
+  }
+}
+
+QLInteger productOf(const Operands& n) {
+  checkLength("product", n[0].BitLength() + std::uint64_t{n[1].BitLength()}, kMaxResultBits);
+  return n[0] * n[1];
+}
 
 // The binary logarithm of the magnitude of a number that is not 0.
 double logarithmOf(const QLInteger& number) {
@@ -73,15 +101,18 @@ QLInteger powerOf(const Operands& n) {
   // An exponent of more bits is above every product that passes.
   if (n[0].BitLength() > 1 && exponent.IsNonZero() &&
       (exponent.BitLength() > 32 ||
-       logarithmOf(n[0]) * std::exp2(logarithmOf(exponent)) >= kMaxPowerBits)) {
-    throw std::runtime_error("the power is longer than " + std::to_string(kMaxPowerBits) + " bits");
+       logarithmOf(n[0]) * std::exp2(logarithmOf(exponent)) >= kMaxResultBits)) {
+    checkLength("power", kMaxResultBits + 1, kMaxResultBits);
   }
   return Pow(n[0], exponent);
 }
 
 QLInteger modularPower(const Operands& n) {
+  const std::uint32_t modulusBits = checkedDivisor(n[2]).BitLength();
+  checkLength("exponent to a modulus of " + std::to_string(modulusBits) + " bits",
+              checkedExponent(n[1]).BitLength(), maxExponentBits(modulusBits));
   QLInteger result;
-  ModPow(n[0], checkedExponent(n[1]), checkedDivisor(n[2]), result);
+  ModPow(n[0], n[1], n[2], result);
   return result;
 }
 
@@ -91,10 +122,16 @@ QLInteger magnitudeOf(const QLInteger& number) {
   return magnitude;
 }
 
+// Euclid's first step makes both numbers as short as the shorter one.
+void checkShorter(const Operands& n) {
+  checkLength("shorter number", std::min(n[0].BitLength(), n[1].BitLength()), kMaxDivisorBits);
+}
+
 // The library's function takes the sign of the divisor from the remainders and stops at operands
 // that are not positive. For magnitudes it gives the greatest common divisor. Each factor then gets
 // the sign of its operand.
 Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
+  checkShorter(n);
   QLInteger g, x, y;
   ExtendedGcd(magnitudeOf(n[0]), magnitudeOf(n[1]), g, x, y);
   if (n[0].IsNegative()) x.Negate();
@@ -103,6 +140,7 @@ Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
 }
 
 QLInteger commonDivisor(const Operands& n) {
+  checkShorter(n);
   const QLInteger a = magnitudeOf(n[0]), b = magnitudeOf(n[1]);
   QLInteger divisor;
   return Gcd(a, b, divisor) ? divisor : a + b;  // one of them is 0, which every number divides
@@ -110,6 +148,7 @@ QLInteger commonDivisor(const Operands& n) {
 
 QLInteger rootOf(const Operands& n) {
   if (n[0].IsNegative()) throw std::runtime_error("the root of a negative number");
+  checkLength("number", n[0].BitLength(), kMaxRootBits);
   return IntegerSqrt(n[0]);
 }
 
@@ -117,11 +156,13 @@ QLInteger rootOf(const Operands& n) {
 bool passesAllRounds(const QLInteger& number) { return IsProbablePrime(number, 18, 18); }
 
 Texts primality(const Operands& n, std::uint32_t) {
+  checkLength("number", n[0].BitLength(), kMaxTestedBits);
   return {passesAllRounds(n[0]) ? "true" : "false"};
 }
 
 // NextPrime tests fewer bases and returns some composites, such as 3215031751.
 QLInteger primeFrom(const Operands& n) {
+  checkLength("number", n[0].BitLength(), kMaxSearchBits);
   QLInteger prime;
   NextPrime(n[0], prime);
   while (!passesAllRounds(prime)) NextPrime(prime + QLInteger(1), prime);
@@ -132,7 +173,7 @@ const std::map<std::string, Operation>& operations() {
   static const std::map<std::string, Operation> table = {
       {"add", numeric(2, [](const Operands& n) { return n[0] + n[1]; })},
       {"sub", numeric(2, [](const Operands& n) { return n[0] - n[1]; })},
-      {"mul", numeric(2, [](const Operands& n) { return n[0] * n[1]; })},
+      {"mul", numeric(2, productOf)},
       {"div", numeric(2, [](const Operands& n) { return n[0] / checkedDivisor(n[1]); })},
       {"rem", numeric(2, remainderOf)},
       {"pow", numeric(2, powerOf)},
@@ -168,17 +209,21 @@ void printResults(const std::string& name, std::uint32_t radix, const Texts& tex
   if (found == operations().end())
     throw CLI::ValidationError("OPERATION", "unknown operation " + name);
   const std::size_t operandCount = found->second.operands;
+  BusyLine busy("num " + name);
   const Operands numbers = readNumbers(texts);
   if (numbers.empty() || numbers.size() % operandCount != 0) {
     throw CLI::ValidationError(name, "takes " + std::to_string(operandCount) +
                                          " numbers for each result; the command line has " +
                                          std::to_string(numbers.size()));
   }
+  busy.expect(numbers.size() / operandCount);
   for (auto first = numbers.begin(); first != numbers.end();) {
     const auto last = first + static_cast<std::ptrdiff_t>(operandCount);
     const Texts words = found->second.run(Operands(first, last), radix);
-    for (std::size_t i = 0; i < words.size(); ++i) std::cout << (i == 0 ? "" : " ") << words[i];
-    std::cout << '\n';
+    busy.finish([&words] {
+      for (std::size_t i = 0; i < words.size(); ++i) std::cout << (i == 0 ? "" : " ") << words[i];
+      std::cout << '\n';
+    });
     first = last;
   }
 }
@@ -225,7 +270,9 @@ void addNumCommand(CLI::App& app, int& /*status*/) {
       "certainly\n"
       "not prime, and true for one that passes 18 Fermat and 18 strong tests to fixed bases.\n"
       "nextprime prints the first number at or above its operand that passes the same tests, and\n"
-      "3 for 2.");
+      "3 for 2. An operation that would take more than about a minute is refused, with the "
+      "maximum\n"
+      "length of its numbers.");
   const auto radix = std::make_shared<std::uint32_t>(10);
   CLI::Option* radixOption =
       num->add_option("--radix", *radix, "Radix of the results")->check(CLI::Range(2, 16));
