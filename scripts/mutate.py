@@ -13,7 +13,9 @@ The faults are in scripts/mutations/<room>.txt. Lines that start with '#' are re
 Another '-' after '+' begins a second change of the same file, and another '@' a change of another file. A fault
 whose old text does not match once is reported as stale: mend its lines, the code has moved on.
 
-The script works in a copy of the tracked files, build/mutate, with a build of its own in build/mutate/build.
+The script works in a copy of the tracked files, build/mutate, with a build of its own in it. Before a fault is
+built, the objects that depend on it are set aside. They are put back afterwards, so that each fault costs its own
+compilations only. Two runs need two copies (--copy).
 ROOMS below lists for each room stages of targets to build and tests to run. The cheapest stage comes first, and
 a fault that one stage notices does not reach the next. A test that does not end within the limit of time has
 noticed the fault; so has one that needs more than 8 GB.
@@ -25,7 +27,7 @@ The outcome of each fault is appended to the results file at once:
     refused   the compiler or the linker did not accept it (warnings are errors)
 A fault that the file already has is skipped, unless its text has changed. Start a new file for a new tree.
 
-Usage: mutate.py [ROOM[:ID] ...] [--results FILE] [--list] [--all-tests] [--table] [--again]
+Usage: mutate.py [ROOM[:ID] ...] [--results FILE] [--list] [--all-tests] [--table] [--again] [--copy FOLDER]
 """
 import argparse
 import hashlib
@@ -41,7 +43,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 COPY = ROOT / "build" / "mutate"
-BUILD = COPY / "build" / "gcc"
+BUILD = COPY / "build" / "gcc"  # as far below the sources as with a preset, so that a compiler cache finds its objects
 MEMORY = 8 << 30
 
 # Each stage is the targets to build and a regular expression over the names of tests. A target that the build
@@ -133,7 +135,12 @@ def mutated(fault):
 
 
 def copy_tree():
-    """Brings the copy up to date with the tracked files. Files that are equal keep their time stamps."""
+    """Brings the copy up to date with the tracked files. Files that are equal keep their time stamps, unless an
+    interrupted run has left a fault's object, which a build would take for a current one."""
+    aside = list((COPY / "build").rglob("*.aside")) if COPY.is_dir() else []
+    for path in aside:
+        path.unlink()
+        path.with_name(path.name[:-len(".aside")]).unlink(missing_ok=True)
     listed = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, capture_output=True, check=True).stdout
     names = {name for name in listed.decode().split("\0") if name and (ROOT / name).is_file()}
     for name in names:
@@ -145,6 +152,9 @@ def copy_tree():
         shutil.copymode(source, target)
     for path in list(COPY.rglob("*")):
         if path.is_file() and COPY / "build" not in path.parents and str(path.relative_to(COPY)) not in names:
+            path.unlink()
+    if aside:  # libraries and programs may have the fault too
+        for path in BUILD.rglob("*.a"):
             path.unlink()
 
 
@@ -178,13 +188,37 @@ def known_targets():
 
 class Rig:
     def __init__(self, options):
-        self.options, self.targets = options, known_targets()
+        self.options, self.targets, self.aside, self.made = options, known_targets(), {}, set()
 
-    def build(self, targets):
-        """True if the targets of a stage are built."""
+    def build(self, targets, keep=False):
+        """True if the targets of a stage are built. With `keep`, the objects that this replaces are set aside."""
         wanted = [name for name in targets.split() if name in self.targets]
-        code, self.output = run(["cmake", "--build", str(BUILD), "--target", *wanted], 3600) if wanted else (0, "")
+        if not wanted:
+            return True
+        if keep:
+            _, plan = run(["ninja", "-C", str(BUILD), "-n", *wanted], 300)
+            for kind, name in re.findall(r"\] (Building|Linking) .*?(\S+)$", plan, re.MULTILINE):
+                path = BUILD / name
+                if kind == "Linking" or (path not in self.aside and not path.is_file()):
+                    self.made.add(path)
+                elif path not in self.aside and path not in self.made:
+                    self.aside[path] = path.with_name(path.name + ".aside")
+                    shutil.copy2(path, self.aside[path])
+        code, self.output = run(["cmake", "--build", str(BUILD), "--target", *wanted], 3600)
         return code == 0
+
+    def restore(self, sources):
+        """Undoes a fault: restores the objects, and removes the libraries and programs that were made of others."""
+        for path in sources:
+            shutil.copy2(self.pristine(path), COPY / path)
+        for path, aside in self.aside.items():
+            os.replace(aside, path)
+        for path in self.made:
+            path.unlink(missing_ok=True)
+        self.aside, self.made = {}, set()
+
+    def pristine(self, path):
+        return COPY / "build" / "pristine" / path
 
     def failing(self, tests):
         """The failing tests of a stage."""
@@ -206,20 +240,22 @@ class Rig:
         texts = mutated(fault)
         if texts is None:
             return "stale", []
+        for path in texts:
+            self.pristine(path).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy2(COPY / path, self.pristine(path))
         try:
             for path, text in texts.items():
                 (COPY / path).write_text(text)
             noticed = []
             for targets, tests in ROOMS[fault.room]:
-                if not self.build(targets):
+                if not self.build(targets, keep=True):
                     return "refused", [line for line in self.output.splitlines() if "error" in line][:1]
                 noticed += self.failing(tests)
                 if noticed and not self.options.all_tests:
                     break
             return ("noticed" if noticed else "survived"), noticed
         finally:
-            for path in texts:
-                (COPY / path).write_bytes((ROOT / path).read_bytes())
+            self.restore(texts)
 
     def check_room(self, room):
         """Exits if the tests of a room fail without a fault."""
@@ -260,6 +296,7 @@ def print_table(faults, found):
 
 
 def main():
+    global COPY, BUILD
     parser = argparse.ArgumentParser(description="Breaks the code on purpose and reports which tests notice.")
     parser.add_argument("chosen", nargs="*", metavar="ROOM[:ID]", help="all rooms by default")
     parser.add_argument("--results", type=Path, default=ROOT / "build" / "mutations.txt", metavar="FILE")
@@ -268,8 +305,11 @@ def main():
     parser.add_argument("--all-tests", action="store_true", help="names all tests that notice, not the first")
     parser.add_argument("--again", action="store_true", help="runs faults that the results file already has")
     parser.add_argument("--unchecked", action="store_true", help="does not first run the tests without a fault")
+    parser.add_argument("--copy", type=Path, default=ROOT / "build" / "mutate", metavar="FOLDER", help="another folder for the copy")
     parser.add_argument("--limit", type=int, default=300, metavar="SECONDS", help="for the tests of one stage")
     options = parser.parse_args()
+    COPY = options.copy.resolve()
+    BUILD = COPY / "build" / "gcc"
 
     faults = []
     for choice in options.chosen or sorted(path.stem for path in (ROOT / "scripts/mutations").glob("*.txt")):
