@@ -52,7 +52,7 @@ NUMBERS = [
     ("bignum_test bignum_plain_test", r"^bignum(_plain)?\."),
     ("bignum_kernels_test bignum_division_fuzz bignum_kernels_fuzz bignum_example digest_example",
      r"^(bignum_kernels|fuzz\.bignum.*|example\.(bignum|digest)$)"),
-    ("ulmira bignum_peer_test", r"^(command\.(num_command|commands|streams)$|bignum_peer)"),
+    ("ulmira", r"^command\.(num_command|commands|streams)$"),
 ]
 FONTS = [
     ("truetype_test", r"^truetype\."),
