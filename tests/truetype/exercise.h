@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
 #include "truetype/reader/names.h"

@@ -5,9 +5,9 @@
 #include <ctime>
 #include <random>
 
-#include "tests/support/font_image.h"
 #include "tests/truetype/exercise.h"
 #include "tests/truetype/failing_memory.h"
+#include "tests/truetype/font_image.h"
 #include "tests/truetype/rich_font.h"
 #include "tests/truetype/subset_check.h"
 

@@ -18,7 +18,7 @@
 #include <sstream>
 
 #include "command/support/process.h"
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 #include "tests/truetype/subset_check.h"
 #include "truetype/reader/kerning.h"
 
