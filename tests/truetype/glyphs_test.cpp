@@ -10,7 +10,6 @@
 
 #include "tests/support/vector_blocks.h"
 #include "tests/truetype/font_image.h"
-#include "tests/truetype/subset_check.h"
 #include "truetype/reader/fixed_point.h"
 
 namespace {
