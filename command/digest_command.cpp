@@ -2,7 +2,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -14,9 +13,8 @@
 #include "bignum/digest/digest.h"
 #include "bignum/text.h"
 #include "command/commands.h"
-#include "command/support/program.h"
+#include "command/support/progress.h"
 #include "command/support/streams.h"
-#include "command/support/text.h"
 
 namespace ulm::tools {
 namespace {
@@ -34,56 +32,27 @@ Digester makeDigester(const std::string& hash) {
   return digester;
 }
 
-// Shows a progress line on the error stream while a large file is read, if that stream is a
-// terminal. The destructor removes the line.
-class Progress {
- public:
-  explicit Progress(const Input& input)
-      : name_(printable(input.name())),
-        onTerminal_(errorStreamIsTerminal()),
-        size_(input.size().value_or(0)) {}
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-  ~Progress() {
-    if (shown_) std::cerr << "\r\x1b[K" << std::flush;
-  }
-
-  void add(std::size_t bytes) {
-    done_ += bytes;
-    if (!onTerminal_ || std::max(size_, done_) < kMinProgressSize) return;
-    const auto time = std::chrono::steady_clock::now();
-    if (shown_ && time - lastUpdate_ < std::chrono::milliseconds(200)) return;
-    lastUpdate_ = time;
-    shown_ = true;
-    std::cerr << '\r' << name_ << ": ";
-    if (size_ >= done_) {
-      std::cerr << done_ * 100 / size_ << " %";
-    } else {  // the size of a pipe is unknown
-      std::cerr << (done_ >> 20) << " MiB";
-    }
-    std::cerr << "\x1b[K" << std::flush;
-  }
-
- private:
-  const std::string name_;
-  const bool onTerminal_;
-  const std::uint64_t size_;  // 0 if it is unknown
-  bool shown_ = false;
-  std::uint64_t done_ = 0;
-  std::chrono::steady_clock::time_point lastUpdate_;
-};
+// Shows how much of a large input is read.
+void showRead(Progress& progress, std::uint64_t read, std::uint64_t size) {
+  if (std::max(size, read) < kMinProgressSize || !progress.due()) return;
+  // The size of a pipe is unknown, and is 0 here.
+  progress.show(size >= read ? std::to_string(read * 100 / size) + " %"
+                             : std::to_string(read >> 20) + " MiB");
+}
 
 // Returns the digest of a file, or of standard input for "-", as hexadecimal digits.
 std::string digestOf(const std::string& hash, const std::string& name) {
   Input input(name);
   const Digester digester = makeDigester(hash);
-  Progress progress(input);
+  Progress progress(input.name());
+  const std::uint64_t size = input.size().value_or(0);
+  std::uint64_t read = 0;
   std::vector<std::uint8_t> bytes(kReadSize);
   for (bool atEnd = false; !atEnd;) {
     const std::size_t length = input.read(bytes.data(), bytes.size());
     atEnd = length < bytes.size();
     digester->Update(bytes.data(), static_cast<std::uint32_t>(length));
-    progress.add(length);
+    showRead(progress, read += length, size);
   }
   std::array<std::uint8_t, kHexDigits / 2> digest;
   digester->Final(digest.data());
