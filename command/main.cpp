@@ -31,9 +31,19 @@ EXIT CODES
      line on the error stream
   2  a wrong call)";
 
-// The help of CLI11, with the arguments that a subcommand reads itself in its usage line.
+// The help of CLI11, without its remarks about which option needs or excludes which, and with the
+// arguments that a subcommand reads itself in its usage line.
 class HelpFormatter : public CLI::Formatter {
  public:
+  std::string make_option_opts(const CLI::Option* option) const override {
+    if (!option->get_option_text().empty()) return ' ' + option->get_option_text();
+    if (option->get_type_size() == 0) return "";
+    // The names of checks follow the type and a colon. An argument's name says enough.
+    const std::string type = option->get_type_name();
+    return (option->nonpositional() ? ' ' + type.substr(0, type.find(':')) : "") +
+           (option->get_expected_max() == CLI::detail::expected_max_vector_size ? " ..." : "") +
+           (option->get_required() && option->nonpositional() ? " (required)" : "");
+  }
   std::string make_usage(const CLI::App* app, std::string name) const override {
     std::string usage = Formatter::make_usage(app, std::move(name));
     if (app->get_prefix_command()) usage.insert(usage.find_last_not_of('\n') + 1, kPrefixArguments);
