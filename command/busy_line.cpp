@@ -1,6 +1,8 @@
 #include "command/busy_line.h"
 
+#include <iostream>
 #include <system_error>
+#include <utility>
 
 #include "command/support/program.h"
 
@@ -11,35 +13,48 @@ BusyLine::BusyLine(std::string name) : name_(std::move(name)) {
   try {
     thread_ = std::thread([this] { update(); });
   } catch (const std::system_error&) {
-    // The computation is possible without the line.
+    // The results can be computed without the line.
   }
 }
 
 BusyLine::~BusyLine() {
+  pause();
+  if (!thread_.joinable()) return;
   {
     const std::lock_guard lock(mutex_);
     ending_ = true;
-    hide();
   }
   ended_.notify_one();
-  if (thread_.joinable()) thread_.join();
+  thread_.join();
 }
 
-void BusyLine::expect(std::size_t results) {
+void BusyLine::resume() {
+  if (!thread_.joinable()) return;
   const std::lock_guard lock(mutex_);
-  results_ = results;
+  ++results_;
+  resumed_ = Clock::now();
+  working_ = true;
+}
+
+void BusyLine::pause() {
+  if (!thread_.joinable()) return;
+  const std::lock_guard lock(mutex_);
+  if (working_) worked_ += Clock::now() - resumed_;
+  working_ = false;
+  if (shown_) std::cerr << "\r\x1b[K" << std::flush;
+  shown_ = false;
 }
 
 void BusyLine::update() {
+  constexpr auto kInterval = std::chrono::milliseconds(200);
   std::unique_lock lock(mutex_);
-  for (auto next = start_ + std::chrono::seconds(1);
-       !ended_.wait_until(lock, next, [this] { return ending_; });
-       next += std::chrono::seconds(1)) {
-    const auto time = std::chrono::steady_clock::now() - start_;
+  while (!ended_.wait_for(lock, kInterval, [this] { return ending_; })) {
+    const auto worked = worked_ + (working_ ? Clock::now() - resumed_ : Clock::duration::zero());
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(worked).count();
+    if (!working_ || seconds == 0) continue;
     std::cerr << '\r' << name_ << ": ";
-    if (results_ > 1) std::cerr << finished_ << " of " << results_ << ", ";
-    std::cerr << std::chrono::duration_cast<std::chrono::seconds>(time).count() << " s\x1b[K"
-              << std::flush;
+    if (results_ > 1) std::cerr << "result " << results_ << ", ";
+    std::cerr << seconds << " s\x1b[K" << std::flush;
     shown_ = true;
   }
 }
