@@ -119,6 +119,26 @@ TEST_P(Kernels, ProductsQuotientsAndSumsAreTheSame) {
   }
 }
 
+// The reciprocal of a divisor's top two limbs is corrected twice for these, and their remainder in
+// the second correction is above the top limb, or equal to it with a lower limb on either side.
+TEST_P(Kernels, QuotientsByRareDivisorsAreTheSame) {
+  std::uint64_t seed = 1;
+  for (const char* top : {"8000000000000000FFFFFFFFFFFFFFFFh", "8000000000000000C000000000000001h",
+                          "8832A43F0E979CF3B098838C8727F285h", "824D43C9CC11D357D08844DB04EEE93Ch",
+                          "8BE5BB2F1CFB10F6EECB9AF077E691F4h"}) {
+    for (const std::uint32_t lower : {0u, 3u}) {
+      for (int relation = 0; relation < 12; ++relation) {
+        QLInteger b = parseInteger(top);
+        b <<= 32 * lower;
+        if (lower != 0) b += operand(lower, relation % 2, ++seed);
+        walk_.set(0, dividendFor(b, 8, relation % 6, relation / 6, ++seed));
+        walk_.set(1, b);
+        expectEqual("Divide", {0, 1, 2, 3});
+      }
+    }
+  }
+}
+
 TEST_P(Kernels, RoutinesOnWordsAreTheSame) {
   for (std::uint32_t n = 1; n < 12; ++n) {
     for (int kind = 0; kind < 7; ++kind) {
@@ -162,13 +182,13 @@ TEST_P(Kernels, PowersAreTheSame) {
     }
   }
   // The exponent that ends in a product with the base as it is: bases below the modulus, of its
-  // length and not below it, and multiples of it.
-  for (std::uint32_t n = 1; n < 9; ++n) {
+  // length and not below it or many times as large, and multiples of it.
+  for (std::uint32_t n = 1; n < 16; ++n) {
     for (int kind = 0; kind < 7; ++kind) {
       walk_.set(1, QLInteger(65537));
       walk_.set(2, operand(n, kind, ++seed));
       expectEqual("SetBit", {2, 0, 1});
-      for (const QLInteger& base : {operand(n, 0, seed), operand(n, 1, seed), walk_.get(2),
+      for (const QLInteger& base : {operand(n, 0, seed), operand(n + n % 2, 1, seed), walk_.get(2),
                                     walk_.get(2) - 1, walk_.get(2) * walk_.get(2)}) {
         walk_.set(0, base);
         expectEqual("ModPow", {0, 1, 2, 3});
@@ -226,6 +246,10 @@ TEST_P(Kernels, DivisorsAndRootsAreTheSame) {
     walk_.set(1, operand(13, 0, ++seed));
     expectEqual("ExtendedGcd", {0, 1, 2, 3, 4});
   }
+  // A cofactor that becomes two limbs longer in the last steps.
+  expectEqual("FromText", {0}, "100D6210A46E88CBF25C8F6528F5F8F88093C40FE6748D6EEh");
+  expectEqual("FromText", {1}, "100D6210A46E88CBE5CCCD1857CA8459BFE665BD723626B69h");
+  expectEqual("ExtendedGcd", {0, 1, 2, 3, 4});
   for (const int a : {-6, -1, 0, 1, 2, 6}) {
     for (const int b : {-4, -1, 0, 1, 2, 3, 6}) {
       walk_.set(0, QLInteger(a));
@@ -292,9 +316,9 @@ TEST_P(Kernels, TextsAreTheSame) {
       expectEqual("FromText", {1}, toString(walk_.get(0)));
     }
   }
-  for (const char* text :
-       {"", "-", "h", "0", "-0", "000000000000000000000000000", "12a4", "-0x1F", "1B",
-        "777777777777o", "x,y", "-00000000000000000000018446744073709551616"}) {
+  for (const char* text : {"", "-", "h", "0", "-0", "000000000000000000000000000", "12a4", "-0x1F",
+                           "1B", "777777777777o", "x,y", "1,2_3z4F,00000000h", "1 0 2 1b",
+                           "-00000000000000000000018446744073709551616"}) {
     expectEqual("FromText", {2}, text);
   }
 }
