@@ -229,7 +229,8 @@ struct Cofactors {
   }
 
  private:
-  // r = p a + q b, in n + 2 limbs.
+  // r = p a + q b, in n + 2 limbs. The last pair's second cofactor, which no result has, takes all
+  // of them for some numbers; another one hardly ever does.
   void sum(Limb* r, const Limb* a, Digit p, const Limb* b, Digit q) const noexcept {
     r[n] = mulLimb(r, a, n, p);
     r[n + 1] = 0;
