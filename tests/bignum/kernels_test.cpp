@@ -182,18 +182,26 @@ TEST_P(Kernels, PowersAreTheSame) {
     }
   }
   // The exponent that ends in a product with the base as it is: bases below the modulus, of its
-  // length and not below it or many times as large, and multiples of it.
+  // length and not below it, and multiples of it.
   for (std::uint32_t n = 1; n < 16; ++n) {
     for (int kind = 0; kind < 7; ++kind) {
       walk_.set(1, QLInteger(65537));
       walk_.set(2, operand(n, kind, ++seed));
       expectEqual("SetBit", {2, 0, 1});
-      for (const QLInteger& base : {operand(n, 0, seed), operand(n + n % 2, 1, seed), walk_.get(2),
+      for (const QLInteger& base : {operand(n, 0, seed), operand(n, 1, seed), walk_.get(2),
                                     walk_.get(2) - 1, walk_.get(2) * walk_.get(2)}) {
         walk_.set(0, base);
         expectEqual("ModPow", {0, 1, 2, 3});
       }
     }
+  }
+  // Bases above twice the modulus, of as many limbs, that lead to more than twice the modulus if
+  // that product takes them as they are.
+  expectEqual("FromText", {2}, "6FFFFFFFFFFFFFFF0000000000000001h");
+  for (const std::int32_t below : {37, 38, 46, 60}) {
+    walk_.set(0, PowerOfTwo(128) - below);
+    walk_.set(1, QLInteger(65537));
+    expectEqual("ModPow", {0, 1, 2, 3});
   }
   for (const int modulus : {-5, -1, 0, 1, 2, 3, 9}) {
     for (const int base : {-7, 0, 1, 2, 9}) {
