@@ -1,5 +1,6 @@
 // `ulmira num`: arithmetic on numbers of any size.
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <cstring>
 #include <functional>
 #include <iostream>
@@ -55,24 +56,27 @@ QLInteger remainderOf(const Operands& n) {
   return remainder;
 }
 
-// The maximum length of a power in bits. The plain kernel converts to text with a division for each
-// digit, and takes some seconds for its maximum.
-constexpr std::uint32_t kMaxPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
+// The maximum length of a power in bits: its decimal text takes about a minute with the wide kernel.
+constexpr std::uint32_t kMaxPowerBits = 1u << 26;
+
+// The binary logarithm of the magnitude of a number that is not 0.
+double logarithmOf(const QLInteger& number) {
+  const std::uint32_t length = number.BitLength();
+  const std::uint32_t below = length > 64 ? length - 64 : 0;
+  double top = 0;
+  for (std::uint32_t bit = length; bit-- > below;) top = 2 * top + (number.TestBit(bit) ? 1 : 0);
+  return std::log2(top) + below;
+}
 
 QLInteger powerOf(const Operands& n) {
-  const std::runtime_error tooLong("the power is longer than " + std::to_string(kMaxPowerBits) +
-                                   " bits");
   const QLInteger& exponent = checkedExponent(n[1]);
-  // Each factor adds BitLength - 1 or BitLength bits. A power that passes this test is at most
-  // twice too long, and its length is checked after it is computed.
-  const std::uint32_t length = n[0].BitLength();
-  if (length > 1 &&
-      exponent * QLInteger::fromUint64(length - 1) >= QLInteger::fromUint64(kMaxPowerBits)) {
-    throw tooLong;
+  // An exponent of more bits is above every product that passes.
+  if (n[0].BitLength() > 1 && exponent.IsNonZero() &&
+      (exponent.BitLength() > 32 ||
+       logarithmOf(n[0]) * std::exp2(logarithmOf(exponent)) >= kMaxPowerBits)) {
+    throw std::runtime_error("the power is longer than " + std::to_string(kMaxPowerBits) + " bits");
   }
-  QLInteger power = Pow(n[0], exponent);
-  if (power.BitLength() > kMaxPowerBits) throw tooLong;
-  return power;
+  return Pow(n[0], exponent);
 }
 
 QLInteger modularPower(const Operands& n) {
