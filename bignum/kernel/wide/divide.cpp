@@ -93,7 +93,7 @@ void divide(Word* quotient, Word* remainder, const Word* dividend, std::uint32_t
   const std::size_t used = Digit{a[an]} == 0 ? an : an + 1;
   q[used - bn] = divLimbs(q, a, used, d, bn, scratch.take(0));
   shiftedWords(remainder, a, bCount, shift);
-  wordsOfLimbs(quotient, q, quotientCount);
+  if (quotient != nullptr) wordsOfLimbs(quotient, q, quotientCount);
 }
 
 }  // namespace wide

@@ -128,6 +128,11 @@ void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept;
 // out may be the upper half of t.
 void reduceRows(Limb* out, Limb* t, const Limb* m, std::size_t n, Digit inverse) noexcept;
 
+// r = a * b / 2^(64 n) modulo m, in the terms of reduceRows, all of n limbs; r may be a or b.
+// Returns false, with nothing written, where a product and its reduction by themselves are as fast.
+bool mulReduced(Limb* r, const Limb* a, const Limb* b, const Limb* m, std::size_t n,
+                Digit inverse) noexcept;
+
 // r = a * b for n limbs each, and r = a * a. r: 2 n limbs, separate from the rest. scratch:
 // productScratch(n) limbs.
 std::size_t productScratch(std::size_t n) noexcept;

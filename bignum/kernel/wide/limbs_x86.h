@@ -24,6 +24,12 @@ void mulRows(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t 
 void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept;
 void reduceRows(Limb* t, const Limb* m, std::size_t n, Digit inverse) noexcept;
 
+// r = a * b for n limbs each, and r = a * b / 2^(64 n) modulo m as mulReduced. Return false where n
+// is above 4. In the first r is separate from a and b.
+bool mulShort(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
+bool mulReducedShort(Limb* r, const Limb* a, const Limb* b, const Limb* m, std::size_t n,
+                     Digit inverse) noexcept;
+
 }  // namespace x86
 }  // namespace wide
 }  // namespace ulm::bignum::kernel
