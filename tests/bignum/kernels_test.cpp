@@ -297,6 +297,14 @@ TEST_P(Kernels, TextsAreTheSame) {
         "777777777777o", "x,y", "-00000000000000000000018446744073709551616"}) {
     expectEqual("FromText", {2}, text);
   }
+  // Each character among digits that are taken 8 at a time, for each radix.
+  for (int character = 1; character < 256; ++character) {
+    for (const char* mark : {"", "h", "o", "b"}) {
+      std::string text = "1001011010100110100101101001";
+      text[static_cast<std::size_t>(character) % text.size()] = static_cast<char>(character);
+      expectEqual("FromText", {2}, text + mark);
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Kernels, testing::Bool(),

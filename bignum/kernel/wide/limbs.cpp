@@ -49,9 +49,8 @@ Digit subLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept {
 }
 #endif
 
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
-  ULM_BY_MULX(mulLimb(r, a, n, b));
-  Digit carry = 0;
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry) noexcept {
+  ULM_BY_MULX(mulLimb(r, a, n, b, carry));
   for (std::size_t i = 0; i < n; ++i) {
     const Double product = Double{a[i]} * b + carry;
     r[i] = low(product);

@@ -107,8 +107,8 @@ inline Digit subLimb(Limb* r, std::size_t n, Digit v) noexcept {
   return v;
 }
 
-// r = a * b, r += a * b, r -= a * b; return the limb above r. r may be a in the first.
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
+// r = a * b + carry, r += a * b, r -= a * b; return the limb above r. r may be a in the first.
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry = 0) noexcept;
 Digit addMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 Digit subMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 

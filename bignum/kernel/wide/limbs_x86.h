@@ -17,7 +17,7 @@ extern bool usesMulx;
 
 Digit addLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
 Digit subLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry = 0) noexcept;
 Digit addMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 Digit subMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 void mulRows(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) noexcept;
