@@ -37,6 +37,10 @@ void Montgomery::square(Limb* r, const Limb* a) noexcept {
   reduceRows(r, product_, m_, n_, inverse_);
 }
 
+void Montgomery::twice(Limb* r) noexcept {
+  for (Digit over = addLimbs(r, r, r, n_); over != 0;) over -= subLimbs(r, r, m_, n_);
+}
+
 void Montgomery::reduceOnce(Limb* r) noexcept {
   if (compareLimbs(r, m_, n_) >= 0) subLimbs(r, r, m_, n_);
 }
