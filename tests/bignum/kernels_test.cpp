@@ -266,12 +266,14 @@ TEST_P(Kernels, DivisorsAndRootsAreTheSame) {
 }
 
 TEST_P(Kernels, PrimesAreTheSame) {
-  // Strong pseudoprimes, Carmichael numbers, factors of the screen next to them, and others.
+  // Strong pseudoprimes, two of them with factors of the screen, Carmichael numbers, a gap of 1550
+  // between primes, and others.
   for (const char* text :
-       {"3215031751", "3215031749", "561", "2047", "3474749660383", "341550071728321",
-        "3825123056546413051", "4294967291", "18446744073709551557", "1152271", "4295098369",
-        "9746347772161", "4503599627370497", "100000000000031h",
-        "FFFFFFFFFFFFFFFFFFFFFFFFFFFFFF61h", "1000000000000000000000000000000001h"}) {
+       {"3215031751", "3215031749", "48354810571", "14386156093", "18361375334787046699", "561",
+        "2047", "3474749660383", "341550071728321", "3825123056546413051", "4294967291",
+        "18446744073709551557", "1152271", "4295098369", "9746347772161", "4503599627370497",
+        "100000000000031h", "FFFFFFFFFFFFFFFFFFFFFFFFFFFFFF61h",
+        "1000000000000000000000000000000001h"}) {
     expectEqual("FromText", {0}, text);
     for (const long long f : {0, 1, 5, 18, 30}) {
       for (const long long r : {0, 3, 18}) expectEqual("IsProbablePrime", {0, f, r});
@@ -324,6 +326,14 @@ TEST_P(Kernels, TextsAreTheSame) {
                            "1B", "777777777777o", "x,y", "1,2_3z4F,00000000h", "1 0 2 1b",
                            "-00000000000000000000018446744073709551616"}) {
     expectEqual("FromText", {2}, text);
+  }
+  // Each character among digits that are taken 8 at a time, for each radix.
+  for (int character = 1; character < 256; ++character) {
+    for (const char* mark : {"", "h", "o", "b"}) {
+      std::string text = "1001011010100110100101101001";
+      text[static_cast<std::size_t>(character) % text.size()] = static_cast<char>(character);
+      expectEqual("FromText", {2}, text + mark);
+    }
   }
 }
 
