@@ -60,7 +60,7 @@ FONTS = [
     ("truetype_peer_test truetype_example subset_example",
      r"^(truetype_peer|example\.(truetype|subset)|subset\.peer)"),
 ]
-MODULE = ("module_test module_probe lookup_probe lookup_probe_exporting ULM_Main ULM_MainVariant", r"^module\.")
+MODULE = ("module_probe lookup_probe lookup_probe_exporting ULM_Main ULM_MainVariant", r"^module\.")
 HOST = ("host_command_test ulmira", r"^(host_command|structure\.main_library)")
 ROOMS = {
     "core": [("core_test", r"^core\."), ("module_parts_test", r"^module_parts"), MODULE, HOST],
