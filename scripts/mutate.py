@@ -65,7 +65,7 @@ HOST = ("host_command_test ulmira", r"^(host_command|structure\.main_library)")
 ROOMS = {
     "core": [("core_test", r"^core\."), ("module_parts_test", r"^module_parts"), MODULE, HOST],
     "module": [("module_parts_test core_test", r"^(module_parts|core)\."), MODULE, HOST],
-    "standin": [("standin_win32_test standin_win32_layer_test standin_win32_memory_test odrx_alloc_test "
+    "standin": [("standin_win32_test standin_win32_layer_test odrx_alloc_test "
                  "od_array_test", r"^(standin|odrx|od_array)"),
                 ("core_test module_parts_test", r"^(core|module_parts)\."), MODULE, HOST],
     "bignum": NUMBERS,
