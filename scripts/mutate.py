@@ -249,7 +249,7 @@ class Rig:
             noticed = []
             for targets, tests in ROOMS[fault.room]:
                 if not self.build(targets, keep=True):
-                    return "refused", [line for line in self.output.splitlines() if "error" in line][:1]
+                    return "refused", [line for line in self.output.splitlines() if "error:" in line][:1]
                 noticed += self.failing(tests)
                 if noticed and not self.options.all_tests:
                     break
