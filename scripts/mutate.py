@@ -306,7 +306,8 @@ def main():
     parser.add_argument("--all-tests", action="store_true", help="names all tests that notice, not the first")
     parser.add_argument("--again", action="store_true", help="runs faults that the results file already has")
     parser.add_argument("--unchecked", action="store_true", help="does not first run the tests without a fault")
-    parser.add_argument("--copy", type=Path, default=ROOT / "build" / "mutate", metavar="FOLDER", help="another folder for the copy")
+    parser.add_argument("--copy", type=Path, default=ROOT / "build" / "mutate", metavar="FOLDER",
+                        help="another folder for the copy")
     parser.add_argument("--limit", type=int, default=300, metavar="SECONDS", help="for the tests of one stage")
     options = parser.parse_args()
     COPY = options.copy.resolve()
