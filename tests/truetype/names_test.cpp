@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/truetype/bisection.h"
 #include "tests/truetype/font_image.h"
 
 namespace {
@@ -70,16 +69,25 @@ TEST(Names, ChosenAtOpen) {
   }
 }
 
-TEST(Names, BisectionOnAnyOrder) {
-  compareOnAnyOrder(bisectedIndex, [](const std::vector<int>& numbers) {
-    std::vector<NameEntry> entries;  // two bits of the number in each key
-    for (const int n : numbers) entries.push_back({n >> 6, n >> 4 & 3, n >> 2 & 3, n & 3, ""});
-    return [table = nameTable(entries), count = numbers.size()](int n) {
-      const auto bits = [n](int shift) { return static_cast<std::uint16_t>(n >> shift & 3); };
-      return findNameRecord(table.data(), static_cast<std::uint32_t>(count), bits(6), bits(4),
-                            bits(2), bits(0));
-    };
-  });
+// Each of the four IDs counts. Of equal records, and of records in no order, the one that a
+// bisection meets is found.
+TEST(Names, FoundByTheirIDs) {
+  const Bytes table = nameTable({{0, 3, 0, 2, ""},
+                                 {1, 0, 0, 6, ""},
+                                 {1, 0, 0, 6, ""},
+                                 {1, 0, 7, 6, ""},
+                                 {3, 1, 2, 1, ""},
+                                 {3, 1, 0, 1, ""},
+                                 {3, 1, 2, 4, ""}});
+  const int rows[][5] = {{0, 3, 0, 2, 0},  {1, 0, 0, 6, 1}, {1, 0, 7, 6, 3},  {3, 1, 2, 1, -1},
+                         {3, 1, 0, 1, 5},  {3, 1, 2, 4, 6}, {2, 3, 0, 2, -1}, {0, 2, 0, 2, -1},
+                         {0, 3, 1, 2, -1}, {0, 3, 0, 3, -1}};
+  for (const auto& [platform, encoding, language, name, found] : rows) {
+    const auto id = [](int value) { return static_cast<std::uint16_t>(value); };
+    EXPECT_EQ(findNameRecord(table.data(), 7, id(platform), id(encoding), id(language), id(name)),
+              found)
+        << platform << ' ' << language << ' ' << name;
+  }
 }
 
 TEST(Names, RecordsAndTexts) {
