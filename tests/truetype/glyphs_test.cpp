@@ -305,10 +305,7 @@ TEST(Components, DeepChainsAndTowers) {
   EXPECT_EQ(outlineOf(deep, kDepth), "29999,0 30099,0 30049,80;");
   EXPECT_EQ(components(deep, kDepth).size(), kDepth + 2u);
 
-  std::vector<Bytes> tower{simpleGlyph({0}, {{0, 0}})};
-  for (int i = 1; i < 60; ++i)
-    tower.push_back(compositeGlyph({moved(i - 1, 0, 0), moved(i - 1, 0, 0)}));
-  const OpenFont high = fontOf(tower);
+  const OpenFont high = fontOf(doublings(simpleGlyph({0}, {{0, 0}}), 59));
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(countsOf(high, 12), row(26, 1, 1 << 12, 1 << 12));
   EXPECT_EQ(outlineOf(high, 59), "0");
