@@ -74,21 +74,20 @@ TEST(Names, ChosenAtOpen) {
 // Each of the four IDs counts. Of equal records, and of records in no order, the one that a
 // bisection meets is found.
 TEST(Names, FoundByTheirIDs) {
-  const Bytes table = nameTable({{0, 3, 0, 2, ""},
-                                 {1, 0, 0, 6, ""},
-                                 {1, 0, 0, 6, ""},
-                                 {1, 0, 7, 6, ""},
-                                 {3, 1, 2, 1, ""},
-                                 {3, 1, 0, 1, ""},
-                                 {3, 1, 2, 4, ""}});
-  const int rows[][5] = {{0, 3, 0, 2, 0},  {1, 0, 0, 6, 1}, {1, 0, 7, 6, 3},  {3, 1, 2, 1, -1},
-                         {3, 1, 0, 1, 5},  {3, 1, 2, 4, 6}, {2, 3, 0, 2, -1}, {0, 2, 0, 2, -1},
-                         {0, 3, 1, 2, -1}, {0, 3, 0, 3, -1}};
-  for (const auto& [platform, encoding, language, name, found] : rows) {
-    const auto id = [](int value) { return static_cast<std::uint16_t>(value); };
-    EXPECT_EQ(findNameRecord(table.data(), 7, id(platform), id(encoding), id(language), id(name)),
-              found)
-        << platform << ' ' << language << ' ' << name;
+  constexpr int kRows[][5] = {{0, 3, 0, 2, 0},  {1, 0, 0, 6, 1}, {1, 0, 0, 6, 1}, {1, 0, 7, 6, 3},
+                              {3, 1, 2, 1, -1}, {3, 1, 0, 1, 5}, {3, 1, 2, 4, 6}};
+  std::vector<NameEntry> entries;
+  for (const auto& ids : kRows) entries.push_back({ids[0], ids[1], ids[2], ids[3], ""});
+  const Bytes table = nameTable(entries);
+  for (const auto& ids : kRows) {
+    for (int other = 0; other <= 4; ++other) {  // with each ID changed, and with none
+      const auto id = [&](int i) {
+        return static_cast<std::uint16_t>(ids[i] + (i == other ? 8 : 0));
+      };
+      EXPECT_EQ(findNameRecord(table.data(), 7, id(0), id(1), id(2), id(3)),
+                other == 4 ? ids[4] : -1)
+          << ids[0] << ' ' << ids[2] << ' ' << ids[3];
+    }
   }
 }
 
