@@ -93,12 +93,16 @@ TEST(CompositeGlyph, PlacesPoints) {
     const Bytes one =
         simpleGlyph({0}, {{static_cast<int>(point.at(0)), static_cast<int>(point.at(1))}});
     const OpenFont font =
-        fontOf({one, compositeGlyph({part, moved(0, 1, 1)}), compositeGlyph({moved(1, 0, 0)})});
-    const std::string outline = outlineOf(font, 1);
-    EXPECT_EQ(outlineOf(font, 2), outline) << block.where();
-    const std::string placed = std::to_string(at.at(0)) + ',' + std::to_string(at.at(1)) + "; ";
-    EXPECT_EQ(outline.substr(0, placed.size()), placed) << block.where();
-    EXPECT_EQ(std::count(outline.begin(), outline.end(), ';'), 2) << block.where();
+        fontOf({one, compositeGlyph({part, moved(0, 1, 1)}), compositeGlyph({moved(1, 3, -5)})});
+    for (const Point& then : {Point{0, 0}, Point{3, -5}}) {
+      const auto along = [](long long place, int move) {
+        return std::to_string(static_cast<std::int16_t>(place + move));
+      };
+      const std::string placed = along(at.at(0), then.x) + ',' + along(at.at(1), then.y) + "; ";
+      const std::string outline = outlineOf(font, then.x == 0 ? 1 : 2);
+      EXPECT_EQ(outline.substr(0, placed.size()), placed) << block.where();
+      EXPECT_EQ(std::count(outline.begin(), outline.end(), ';'), 2) << block.where();
+    }
     block.expectAllUsed();
   }
 }
