@@ -254,23 +254,40 @@ TEST(Subset, EqualsTheWriterByHand) {
 // Counts are those of the reader up to the bounds of its work, and beyond.
 TEST(Subset, CountsAreThoseOfTheReader) {
   const Bytes dot = simpleGlyph({0}, {{0, 0}}), seven = simpleGlyph({6}, std::vector<Point>(7));
+  const auto withLast = [](std::vector<Bytes> glyphs, std::initializer_list<int> last) {
+    std::vector<Part> parts;
+    for (const int glyph : last) parts.push_back(moved(glyph, 0, 0));
+    glyphs.push_back(compositeGlyph(parts));
+    return glyphs;
+  };
   const std::vector<Bytes> records = doublings(dot, 16),
                            work = doublings(seven, 14, {0x0A, 0, Bytes().u16({0, 0x4000})});
-  const struct {
-    const std::vector<Bytes>& below;
-    std::initializer_list<int> parts;  // of the composite above them
-  } kRows[] = {{records, {16, 0}},  // the most records, one more, and one more that names no glyph
-               {records, {16, 0, 0}},
-               {records, {16, 0, 99}},
-               {work, {14, 12}},  // the most work, and more
-               {work, {14, 12, 12}}};
-  for (const auto& [below, parts] : kRows) {
-    std::vector<Bytes> glyphs = below;
-    std::vector<Part> last;
-    for (const int glyph : parts) last.push_back(moved(glyph, 0, 0));
-    glyphs.push_back(compositeGlyph(last));
-    expectEqualByHand(OpenFont{FontImage().glyphs(glyphs)},
-                      {static_cast<std::uint16_t>(below.size())}, false);
+  Bytes cut = compositeGlyph({moved(0, 0, 0), moved(0, 0, 0)}), damaged = dot;
+  cut.resize(cut.size() - 3);
+  damaged.resize(13);
+  std::vector<Bytes> chain = withLast({dot}, {0});
+  while (chain.size() < 300) {
+    chain.push_back(compositeGlyph({moved(static_cast<int>(chain.size()) - 1, 0, 0)}));
+  }
+  const std::vector<Bytes> kFonts[] = {
+      withLast(records, {16, 0}),      // the most records
+      withLast(records, {16, 0, 0}),   // one more
+      withLast(records, {16, 0, 99}),  // one more that names no glyph
+      withLast(work, {14, 12}),        // the work
+      withLast(work, {14, 12, 12}),    // beyond it
+      {dot, compositeGlyph({moved(0, 0, 0), moved(3, 0, 0), moved(2, 0, 0)}), Bytes().u8(0),
+       Bytes(dot).u8(0), compositeGlyph({moved(1, 0, 0), moved(2, 0, 0)})},
+      {dot, compositeGlyph({moved(3, 0, 0), moved(0, 0, 0)}), cut},
+      {dot, compositeGlyph({moved(0, 0, 0), moved(3, 0, 0)}), damaged},
+      chain};
+  for (std::vector<Bytes> glyphs : kFonts) {
+    // One that draws on all others, the deepest first, stands before the last, which ends glyf.
+    const int all = static_cast<int>(glyphs.size()) - 1;
+    std::vector<Part> parts{moved(all + 1, 0, 0)};
+    for (int glyph = all; glyph-- > 0;) parts.push_back(moved(glyph, 0, 0));
+    glyphs.insert(glyphs.end() - 1, compositeGlyph(parts));
+    const OpenFont font(FontImage().glyphs(glyphs).last("glyf"));
+    expectEqualByHand(font, {static_cast<std::uint16_t>(all)}, false);
   }
 }
 
