@@ -61,7 +61,7 @@ FONTS = [
      r"^(truetype_peer|example\.(truetype|subset)|subset\.peer)"),
 ]
 MODULE = ("module_probe lookup_probe lookup_probe_exporting ULM_Main ULM_MainVariant", r"^module\.")
-HOST = ("host_command_test ulmira", r"^(host_command|structure\.main_library)")
+HOST = ("ulmira leaky_module", r"^(command\.host_command|structure\.main_library)")
 ROOMS = {
     "core": [("core_test", r"^core\."), ("module_parts_test", r"^module_parts"), MODULE, HOST],
     "module": [("module_parts_test core_test", r"^(module_parts|core)\."), MODULE, HOST],
