@@ -17,9 +17,9 @@
 #include <sstream>
 
 #include "command/support/process.h"
+#include "fuzz/font_properties.h"
 #include "tests/support/c_heap.h"
-#include "tests/support/font_image.h"
-#include "tests/truetype/subset_check.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/reader/kerning.h"
 
 namespace {
