@@ -68,8 +68,8 @@ ulm_quietly() {
   "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 }
 
-# How many compilers, or tests, run at once.
-ulm_jobs=$(nproc 2>/dev/null || echo 2)
+# How many compilers, tests or fuzz targets run at once: as many as there are processors, or ULM_JOBS.
+ulm_jobs=${ULM_JOBS:-$(nproc 2>/dev/null || echo 2)}
 
 ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
 ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
@@ -78,6 +78,8 @@ ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-
   libgmp-dev libssl-dev libtommath-dev libfreetype-dev libharfbuzz-dev libstb-dev
   python3-fonttools opentype-sanitizer
   fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)
+# What the fuzz targets need.
+ULM_FUZZ_PACKAGES=(cmake ninja-build clang-14 libclang-rt-14-dev nlohmann-json3-dev libgmp-dev libssl-dev)
 # The cross compiler, its sources of tests, Wine, and what draws the icon.
 ULM_WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64 librsvg2-bin)
 # Cross compilers for other processors, and what runs their programs.
