@@ -22,9 +22,9 @@ constexpr auto kDigitValues = [] {
   std::array<std::uint8_t, 256> values{};
   values.fill(255);
   for (std::uint8_t digit = 0; digit < 16; ++digit) {
-    const auto character = static_cast<std::uint8_t>(DigitTable[digit]);
+    const auto character = static_cast<std::size_t>(DigitTable[digit]);
     values[character] = digit;
-    if (digit > 9) values[character - 'A' + 'a'] = digit;
+    if (digit > 9) values[character + ('a' - 'A')] = digit;
   }
   return values;
 }();
