@@ -10,7 +10,7 @@ namespace ulm::bignum {
 namespace {
 
 // Products of up to so many words are made in the frame where that saves an allocation.
-constexpr std::uint32_t kFrameWords = 64;
+constexpr std::uint32_t kFrameWords = 32;
 
 bool isZero(const QLInteger& value) noexcept { return !value.IsNonZero(); }
 bool isOne(const QLInteger& value) noexcept {

@@ -84,16 +84,27 @@ void divide(Word* quotient, Word* remainder, const Word* dividend, std::uint32_t
   OwnScratch scratch(limbsToTake(an, bn));
   Limb* const d = scratch.take(bn);
   Limb* const a = scratch.take(an + 1);
-  Limb* const q = scratch.take(an + 2 - bn);
+  Limb* const ownQuotient = scratch.take(an + 2 - bn);
   const auto unused = static_cast<unsigned>(std::countl_zero(divisor[bCount - 1]));
   const unsigned shift = unused + (bCount % 2 != 0 ? kWordBits : 0);
-  shiftedLimbs(d, divisor, bCount, shift);
+  const Limb* shiftedDivisor = limbsAt(divisor);
+  if (shift != 0) {
+    shiftedLimbs(d, divisor, bCount, shift);
+    shiftedDivisor = d;
+  }
   a[an] = shiftedLimbs(a, dividend, aCount, shift);
   // Without a bit above the dividend, or one that reaches the divisor's, there is a limb less.
   const std::size_t used = Digit{a[an]} == 0 ? an : an + 1;
-  q[used - bn] = divLimbs(q, a, used, d, bn, scratch.take(0));
+  const std::size_t qn = used - bn;
+  // With the limbs that are used, the quotient has a word less than qn limbs, as many or one more.
+  Limb* const q = quotientCount < 2 * qn ? ownQuotient : limbsAt(quotient);
+  const Digit above = divLimbs(q, a, used, shiftedDivisor, bn, scratch.take(0));
   shiftedWords(remainder, a, bCount, shift);
-  if (quotient != nullptr) wordsOfLimbs(quotient, q, quotientCount);
+  if (quotientCount > 2 * qn) {
+    quotient[2 * qn] = static_cast<Word>(above);
+  } else if (quotientCount != 0 && q == ownQuotient) {
+    wordsOfLimbs(quotient, q, quotientCount);
+  }
 }
 
 }  // namespace wide

@@ -170,7 +170,11 @@ void reduceRows(Limb* out, Limb* t, const Limb* m, std::size_t n, Digit inverse)
 }
 
 Digit reciprocal(Digit d) noexcept {
+#ifdef ULM_LIMBS_X86
+  return x86::quotientOf(~d, ~Digit{0}, d);
+#else
   return static_cast<Digit>((Double{~d} << kLimbBits | ~Digit{0}) / d);
+#endif
 }
 
 Digit divByLimb(Limb* q, const Limb* a, std::size_t n, Digit d, Digit inverse,

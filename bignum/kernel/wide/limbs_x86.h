@@ -11,6 +11,13 @@ namespace ulm::bignum::kernel {
 inline namespace wide {
 namespace x86 {
 
+// high:low / d, where high < d: each processor has it.
+inline Digit quotientOf(Digit high, Digit low, Digit d) noexcept {
+  Digit rest;
+  asm("divq %[d]" : "+a"(low), "=d"(rest) : [d] "r"(d), "d"(high) : "cc");
+  return low;
+}
+
 // Whether the processor has them. False until static initialisation has looked; then nothing but a
 // test changes it.
 extern bool usesMulx;
