@@ -41,9 +41,10 @@ TEST(HostCommand, ReportsOneRunAsJson) {
   const Json whole = report({});
   std::vector<std::string> keys;
   for (const auto& [key, value] : whole.items()) keys.push_back(key);
-  EXPECT_EQ(keys,
-            (std::vector<std::string>{"apiVersion", "modulePath", "record", "wld", "pathBefore",
-                                      "pathAfter", "loads", "started", "unbalanced"}));
+  EXPECT_EQ(keys, (std::vector<std::string>{"apiVersion", "modulePath", "mainInstance",
+                                            "translation", "secondTranslation", "switches",
+                                            "record", "wld", "pathBefore", "pathAfter", "pathKept",
+                                            "loads", "started", "unbalanced"}));
   EXPECT_EQ(whole["apiVersion"], Json({21, 8, 0, 0}));
   const std::string path = whole["modulePath"];
   EXPECT_EQ(path.substr(0, 3), "Z:\\");
@@ -64,12 +65,15 @@ TEST(HostCommand, ReportsOneRunAsJson) {
 }
 
 TEST(HostCommand, OtherKindsOfHost) {
-  for (const char* library : {"qlview", "qlsupport"}) {
-    EXPECT_TRUE(report({"--without", library})["record"].is_array()) << library;
-  }
+  const Json partial = report({"--without", "qlview", "--without", "qlsupport"});
+  EXPECT_TRUE(partial["record"].is_array());
+  EXPECT_EQ(partial["mainInstance"], "QlHostApp");
+  EXPECT_EQ(partial["translation"], "qlcore");
+  EXPECT_TRUE(partial["secondTranslation"].is_null());
   const Json bare =
       report({"--without", "QlHostApp", "--without", "qlview", "--without", "qlsupport"});
   EXPECT_TRUE(bare["record"].is_null());
+  EXPECT_TRUE(bare["mainInstance"].is_null());
   EXPECT_EQ(bare["started"], true);
   const Json unmanaged = report({"--without", "qlhostcmd"});
   EXPECT_EQ(unmanaged["loads"], Json::array());
