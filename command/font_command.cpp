@@ -9,6 +9,7 @@
 #include "command/font/font_file.h"
 #include "command/font/picture.h"
 #include "command/font/reports.h"
+#include "command/list_argument.h"
 #include "command/support/file_batch.h"
 
 namespace ulm::tools {
@@ -53,7 +54,7 @@ void writeOutputs(const ReportArguments& arguments, const Picture& picture) {
 
 void addWords(CLI::App* command, ReportArguments& arguments, const char* name,
               const char* description) {
-  command->add_option(name, arguments.words, description)->required();
+  addListArgument(*command, name, arguments.words, description)->required();
 }
 
 }  // namespace
@@ -106,7 +107,8 @@ void addFontCommand(CLI::App& app, int& /*status*/) {
                                  });
   outline->add_option("GLYPH", arguments->words, "A glyph number, U+XXXX or a character")
       ->required()
-      ->expected(1);
+      ->expected(1)
+      ->allow_extra_args(false);
   outline->add_option("--svg", arguments->svg,
                       "Write a picture of the outline to this file; - to print it instead of the "
                       "points");
