@@ -7,7 +7,7 @@ ROWS contains blocks of "Key = value" lines, separated by blank lines. '#' start
   Prints  the complete output of both streams without the last line end. \\n is a line end, \\\\ a backslash.
   Tells   a part of the output, in the same form. A row has either Prints or Tells.
   Status  the exit code; 0 without this key.
-  On      posix for a row that needs a facility which Windows does not have.
+  On      posix or windows for a row that needs a facility which the other does not have.
 With FOLDER, a row with another Status than 0 must not change any file; if the row has Tells and is not a
 usage error, its output must be one line.
 """
@@ -70,8 +70,8 @@ def main():
     files = command[1] if command[0] == "--files" else None
     command = command[2:] if files else command
     windows = command[0] == "--windows"
-    found = [row for row in blocks(pathlib.Path(rows).read_text())
-             if row.pop("On", "") != " posix" or not windows]
+    system = " windows" if windows else " posix"
+    found = [row for row in blocks(pathlib.Path(rows).read_text()) if row.pop("On", system) == system]
     faults = [text for text in (fault(row, " ".join(command[windows:]), files) for row in found) if text]
     print("".join(faults) + f"{len(found)} rows, {len(faults)} faults")
     return 1 if faults or not found else 0
