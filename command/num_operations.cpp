@@ -1,6 +1,7 @@
 #include "command/num_operations.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <stdexcept>
 #include <utility>
@@ -16,9 +17,9 @@ using Operands = NumOperation::Operands;
 using Result = NumOperation::Result;
 using Results = std::vector<Result>;
 
-// The maximum length of a computed result in bits. The plain kernel converts to text with a
-// division for each digit, and takes some seconds for its maximum.
-constexpr std::uint32_t kMaxResultBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
+// The maximum length of a computed result in bits: its decimal text takes about a minute with the
+// wide kernel.
+constexpr std::uint32_t kMaxResultBits = 1u << 26;
 
 [[noreturn]] void failTooLong(const std::string& what) {
   throw std::runtime_error(what + " is longer than " + std::to_string(kMaxResultBits) + " bits");
@@ -69,18 +70,24 @@ Results quotientAndRemainder(const Operands& n) {
   return {std::move(quotient), std::move(remainder)};
 }
 
+// The binary logarithm of the magnitude of a number that is not 0.
+double logarithmOf(const QLInteger& number) {
+  const std::uint32_t length = number.BitLength();
+  const std::uint32_t below = length > 64 ? length - 64 : 0;
+  double top = 0;
+  for (std::uint32_t bit = length; bit-- > below;) top = 2 * top + (number.TestBit(bit) ? 1 : 0);
+  return std::log2(top) + below;
+}
+
 QLInteger powerOf(const Operands& n) {
   const QLInteger& exponent = notNegative(n[1], "the exponent");
-  // Each factor adds BitLength - 1 or BitLength bits. A power that passes this test is at most
-  // twice too long, and its length is checked after it is computed.
-  const std::uint32_t length = n[0].BitLength();
-  if (length > 1 &&
-      exponent * QLInteger::fromUint64(length - 1) >= QLInteger::fromUint64(kMaxResultBits)) {
+  // An exponent of more bits is above every product that passes.
+  if (n[0].BitLength() > 1 && exponent.IsNonZero() &&
+      (exponent.BitLength() > 32 ||
+       logarithmOf(n[0]) * std::exp2(logarithmOf(exponent)) >= kMaxResultBits)) {
     failTooLong("the power");
   }
-  QLInteger power = Pow(n[0], exponent);
-  if (power.BitLength() > kMaxResultBits) failTooLong("the power");
-  return power;
+  return Pow(n[0], exponent);
 }
 
 QLInteger modularPower(const Operands& n) {

@@ -43,13 +43,21 @@ class SearchableSubtable {
   explicit SearchableSubtable(const std::uint8_t* start) noexcept : start_(start) {}
 
   std::uint16_t coverage() const noexcept { return get(KernSubtable::kCoverage); }
-  // The value of the pair, in font units; nothing if it is not there.
+  // The value of the pair, in font units; nothing if it is not there. The pairs are compared in the
+  // order of a bisection. As long as the key is below all of them, these are the pairs before
+  // (count + 1) / 2, (count + 1) / 4 and so on, which a shorter loop compares: most of the
+  // subtables that a font has for other glyphs are left by that way.
   std::optional<std::int16_t> find(std::uint32_t key) const noexcept {
     const auto pair = [this](std::size_t index) {
       return format::FixedView<KernPair>::vouched(start_ + KernSubtable::kPairs.at(index));
     };
+    std::size_t end = get(KernSubtable::kPairCount) + std::size_t{1};
+    std::size_t next = end / 2;
+    for (; next != 0 && key < pair(next - 1).get(KernPair::kKey); next /= 2) end = next;
+    if (next == 0) return std::nullopt;
+    if (pair(next - 1).get(KernPair::kKey) == key) return pair(next - 1).get(KernPair::kValue);
     const detail::Bisected found =
-        detail::bisect({0, get(KernSubtable::kPairCount)}, 0,
+        detail::bisect({next, end - 1 - next}, 0,
                        [&](std::size_t index) { return pair(index).get(KernPair::kKey) <=> key; });
     if (found.size == 0) return std::nullopt;
     return pair(found.low).get(KernPair::kValue);
