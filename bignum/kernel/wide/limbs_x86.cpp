@@ -193,8 +193,8 @@ Digit subMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
   return byTail<SubMul>(n, r, a, n / 8, b);
 }
 
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
-  Digit carry = 0, low, high;
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry) noexcept {
+  Digit low, high;
   for (; n % 4 != 0; --n) {
     asm volatile(
         "mulx (%[a]), %[low], %[high]\n\tadd %[carry], %[low]\n\tadc $0, %[high]\n\t"

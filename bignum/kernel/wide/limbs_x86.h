@@ -17,12 +17,18 @@ extern bool usesMulx;
 
 Digit addLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
 Digit subLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry = 0) noexcept;
 Digit addMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 Digit subMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 void mulRows(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) noexcept;
 void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept;
 void reduceRows(Limb* t, const Limb* m, std::size_t n, Digit inverse) noexcept;
+
+// r = a * b for n limbs each, and r = a * b / 2^(64 n) modulo m as mulReduced. Return false where n
+// is above 4. In the first r is separate from a and b.
+bool mulShort(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept;
+bool mulReducedShort(Limb* r, const Limb* a, const Limb* b, const Limb* m, std::size_t n,
+                     Digit inverse) noexcept;
 
 }  // namespace x86
 }  // namespace wide

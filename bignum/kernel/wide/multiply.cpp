@@ -34,14 +34,10 @@ void multiplyLimbs(Limb* product, const Limb* a, std::size_t an, const Limb* b, 
 
 }  // namespace
 
-std::size_t multiplyScratch(std::uint32_t aCount, std::uint32_t bCount) noexcept {
-  return wordsToAsk(limbsToTake(aCount, bCount));
-}
-
 void multiply(Word* product, const Word* a, std::uint32_t aCount, const Word* b,
-              std::uint32_t bCount, Word* scratchWords) noexcept {
+              std::uint32_t bCount) {
   const std::size_t an = limbsFor(aCount), bn = limbsFor(bCount);
-  Scratch scratch(scratchWords);
+  OwnScratch scratch(limbsToTake(aCount, bCount));
   if (inPlace(aCount, bCount)) {
     multiplyLimbs(limbsAt(product), limbsAt(a), an, limbsAt(b), bn, scratch.take(0));
     return;

@@ -1,10 +1,11 @@
-// Digits of numbers. For a radix that is a power of two they are the bits; for any other they go by
+// Numbers to digits. For a radix that is a power of two they are the bits; for any other they go by
 // blocks, the most digits that a limb holds, and long numbers by halves.
 #include <algorithm>
 #include <array>
 #include <bit>
 
 #include "bignum/kernel/methods.h"
+#include "bignum/kernel/wide/digits.h"
 #include "bignum/kernel/wide/limbs.h"
 #include "bignum/kernel/wide/scratch.h"
 #include "bignum/text.h"
@@ -13,54 +14,8 @@ namespace ulm::bignum::kernel {
 inline namespace wide {
 namespace {
 
-// Blocks from which a number is made or taken to pieces by halves, measured with MULX.
-constexpr std::size_t kHalvesRead = 48;
+// Blocks from which a number is taken to pieces by halves, measured with MULX.
 constexpr std::size_t kHalvesWritten = 14;
-
-// The most digits of a radix that fit a limb, and the radix to their number.
-struct Block {
-  unsigned digits;
-  Digit value;
-};
-constexpr Block blockOf(std::uint32_t radix) noexcept {
-  Block block{0, 1};
-  while (block.value <= ~Digit{0} / radix) {
-    block.value *= radix;
-    ++block.digits;
-  }
-  return block;
-}
-
-// Bits of a digit; 0 where the radix is no power of two.
-unsigned bitsOfDigit(std::uint32_t radix) noexcept {
-  return std::has_single_bit(radix) ? static_cast<unsigned>(std::countr_zero(radix)) : 0;
-}
-
-// Powers of a block's value: the one of a level has 2^level blocks. They are made by squaring, a
-// level for each bit of the count of blocks.
-struct Powers {
-  struct Power {
-    const Limb* limbs;
-    std::size_t n;
-  };
-  std::array<Power, 32> levels;
-  std::size_t count = 0;
-
-  // Makes the levels below the one that has `blocks` or more. limbs: 2 blocks + 64.
-  static std::size_t limbsTaken(std::size_t blocks) noexcept { return 2 * blocks + 64; }
-  void make(Digit value, std::size_t blocks, Limb* limbs, Limb* scratch) noexcept {
-    limbs[0] = value;
-    levels[0] = {limbs, 1};
-    count = 1;
-    while ((std::size_t{2} << (count - 1)) < blocks) {
-      const Power& last = levels[count - 1];
-      Limb* const next = limbs + last.n;
-      square(next, last.limbs, last.n, scratch);
-      levels[count++] = {next, significant(next, 2 * last.n)};
-      limbs = next;
-    }
-  }
-};
 
 // Writes exactly `digits` digits of a limb.
 void putBlock(char* out, Digit value, unsigned digits, std::uint32_t radix) noexcept {
@@ -158,66 +113,6 @@ class Writer {
   const Powers& powers_;
 };
 
-// r = the number of blocks b, the lowest first; returns its limbs. r: n + 1 limbs, may not be b.
-// scratch: n + 1 limbs and those of a product.
-std::size_t joinBlocks(Limb* r, const Limb* b, std::size_t n, std::size_t level, Digit value,
-                       const Powers& powers, Limb* scratch) noexcept {
-  while (level > 0 && (std::size_t{1} << (level - 1)) >= n) --level;
-  if (n <= kHalvesRead) {
-    std::size_t length = 0;
-    for (std::size_t i = n; i-- > 0;) {
-      Digit carry = length == 0 ? 0 : mulLimb(r, r, length, value);
-      carry += addLimb(r, length, b[i]);
-      if (carry != 0) r[length++] = carry;
-    }
-    return length;
-  }
-  const std::size_t lowBlocks = std::size_t{1} << (level - 1);
-  const Powers::Power& power = powers.levels[level - 1];
-  const std::size_t highLength = joinBlocks(scratch, b + lowBlocks, n - lowBlocks, level - 1, value,
-                                            powers, scratch + (n - lowBlocks + 1));
-  Limb* const free = scratch + (n - lowBlocks + 1);
-  const std::size_t lowLength =
-      joinBlocks(free, b, lowBlocks, level - 1, value, powers, free + lowBlocks + 1);
-  Limb* const rest = free + lowBlocks + 1;
-  if (highLength == 0) {
-    copyLimbs(r, free, lowLength);
-    return lowLength;
-  }
-  std::size_t length = highLength + power.n;
-  if (highLength >= power.n) {
-    mul(r, scratch, highLength, power.limbs, power.n, rest);
-  } else {
-    mul(r, power.limbs, power.n, scratch, highLength, rest);
-  }
-  const Digit carry = addLimbs(r, r, free, lowLength);
-  addLimb(r + lowLength, length - lowLength, carry);
-  return significant(r, length);
-}
-
-// The value of each character as a digit, 255 for others: what DigitValue gives.
-constexpr auto kDigitValues = [] {
-  std::array<std::uint8_t, 256> values{};
-  values.fill(255);
-  for (std::uint8_t digit = 0; digit < 16; ++digit) {
-    const auto character = static_cast<std::size_t>(DigitTable[digit]);
-    values[character] = digit;
-    if (digit > 9) values[character + ('a' - 'A')] = digit;
-  }
-  return values;
-}();
-std::uint8_t digitOf(char character) noexcept {
-  return kDigitValues[static_cast<std::uint8_t>(character)];
-}
-
-// The digits of radix among the characters, without the zeros in front.
-std::size_t countDigits(const char* first, const char* last, std::uint32_t radix) noexcept {
-  while (first != last && (digitOf(*first) == 0 || digitOf(*first) >= radix)) ++first;
-  std::size_t digits = 0;
-  for (; first != last; ++first) digits += digitOf(*first) < radix ? 1u : 0u;
-  return digits;
-}
-
 // The two hexadecimal digits of each byte.
 constexpr auto kHexPairs = [] {
   std::array<char, 512> pairs{};
@@ -254,77 +149,7 @@ void writeBits(char* out, std::size_t length, const QLInteger& value, unsigned b
   }
 }
 
-bool readBits(QLInteger& value, const char* first, const char* last, std::int32_t radix,
-              unsigned bits) {
-  const auto unsignedRadix = static_cast<std::uint32_t>(radix);
-  const std::uint64_t digits = countDigits(first, last, unsignedRadix);
-  const std::uint64_t words = std::max<std::uint64_t>((digits * bits + 31) / kWordBits, 1);
-  makeRoom(value, words);
-  std::fill_n(value.words, words, Word{0});
-  Digit held = 0;
-  unsigned heldBits = 0;
-  std::size_t word = 0;
-  std::uint64_t left = digits;
-  for (const char* next = last; left != 0;) {
-    const std::uint8_t digit = digitOf(*--next);
-    if (digit >= unsignedRadix) continue;
-    held |= Digit{digit} << heldBits;
-    heldBits += bits;
-    if (--left == 0 || heldBits >= kWordBits) {
-      value.words[word++] = static_cast<Word>(held);
-      held >>= kWordBits;
-      heldBits -= std::min<unsigned>(heldBits, kWordBits);
-    }
-  }
-  if (held != 0) value.words[word] = static_cast<Word>(held);
-  value.count = static_cast<std::uint32_t>(words);
-  value.negative = 0;
-  value.Normalise();
-  return true;
-}
-
 }  // namespace
-
-bool readDigits(QLInteger& value, const char* first, const char* last, std::int32_t radix) {
-  const auto unsignedRadix = static_cast<std::uint32_t>(radix);
-  if (const unsigned bits = bitsOfDigit(unsignedRadix); bits != 0) {
-    return readBits(value, first, last, radix, bits);
-  }
-  const std::size_t digits = countDigits(first, last, unsignedRadix);
-  const Block block = blockOf(unsignedRadix);
-  const std::size_t blocks = digits / block.digits + 1;
-  detail::checkedCount(blocks);
-  // Blocks, powers, the result, and for each level its two parts.
-  const std::size_t products = mulScratch(blocks, blocks / 2 + 1) + productScratch(blocks);
-  const std::size_t taken =
-      blocks + Powers::limbsTaken(blocks) + (2 * blocks + 2) + (3 * blocks + 256) + products;
-  OwnScratch scratch(taken);
-  Limb* const of = scratch.take(blocks);
-  std::size_t left = digits;
-  Digit held = 0;
-  for (const char* next = first; left != 0; ++next) {
-    const std::uint8_t digit = digitOf(*next);
-    if (digit >= unsignedRadix || (digit == 0 && left == digits && held == 0)) continue;
-    held = held * unsignedRadix + digit;
-    if (--left % block.digits == 0) {
-      of[left / block.digits] = held;
-      held = 0;
-    }
-  }
-  const std::size_t used = digits == 0 ? 0 : (digits - 1) / block.digits + 1;
-  Powers powers;
-  Limb* const made = scratch.take(Powers::limbsTaken(blocks));
-  Limb* const result = scratch.take(2 * blocks + 2);
-  Limb* const rest = scratch.take(0);
-  std::size_t length = 0;
-  if (used != 0) {
-    if (used > kHalvesRead) powers.make(block.value, used, made, rest);
-    length = joinBlocks(result, of, used, powers.count, block.value, powers, rest);
-  }
-  makeRoom(value, 2 * std::max<std::size_t>(length, 1));
-  setLimbs(value, result, length);
-  return true;
-}
 
 bool writeDigits(const QLInteger& value, std::uint32_t radix, char* buffer, std::size_t room,
                  std::size_t& length) {
@@ -339,7 +164,7 @@ bool writeDigits(const QLInteger& value, std::uint32_t radix, char* buffer, std:
     }
     return true;
   }
-  const Block block = blockOf(radix);
+  const Block& block = blockOf(radix);
   // A block's digits hold less than a limb, so that each limb takes as many.
   if (bits / kLimbBits * block.digits > room) {
     length = room + 1;
