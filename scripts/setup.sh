@@ -71,7 +71,7 @@ ulm_quietly() {
 # How many compilers, tests or fuzz targets run at once: as many as there are processors, or ULM_JOBS.
 ulm_jobs=${ULM_JOBS:-$(nproc 2>/dev/null || echo 2)}
 
-ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
+ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev libwoff-dev)
 ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
   libgmock-dev libbenchmark-dev python3 binutils git
   # Peers to compare with, and fonts to read.
