@@ -171,7 +171,7 @@ TYPED_TEST(Polygons, HaveTheBitsOfTheModel) {
     // A fixed polygon with a count above 32 has 32 vertices.
     const bool overfull = !Clip::kGrows && round % 16 == 1;
     const std::uint32_t kind = source.below(4);
-    const std::uint32_t most = Clip::kGrows && kind == 3 ? 200 : 33;
+    const std::uint32_t most = !Clip::kGrows ? 33 : kind == 3 ? 200 : 100;
     const std::uint32_t count = overfull ? 32 : source.below(round % 8 == 0 ? most : 9);
     const std::uint32_t kCodeLimits[] = {0, 0, 0, 0, 0, 256, 256, 1};
     Pair<Clip> tested(source, count, kind, kCodeLimits[source.below(8)]);

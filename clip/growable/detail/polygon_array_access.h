@@ -117,7 +117,7 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
       const bool isFirst = from == source;
       const Cut cut = cutOf<Plane>(from, count);
       const std::uint32_t made = cut.made(count);
-      if (cut.kind == Cut::Many || made > capacity) return false;
+      if (cut.kind == Cut::Many) return false;
       if (made < 3) {
         outcome = ClipOutcome::Gone;
         return false;
