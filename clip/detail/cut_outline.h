@@ -65,6 +65,30 @@ template <class Plane, class Real>
   put(cut.firstOutside ? tailTo + tailSize : headSize + 1, second);
 }
 
+// Writes what a plane leaves of any outline, one vertex after the other, and returns how many: at
+// most three for two of the source. `to` is not the source. New vertices get the outcode 0.
+template <class Plane, class Real>
+std::uint32_t writeInTurn(const BasicClipVertex<Real>* source, std::uint32_t count,
+                          BasicClipVertex<Real>* to) noexcept {
+  std::uint32_t written = 0;
+  const BasicClipVertex<Real>* before = source + count - 1;
+  bool insideBefore = !Plane::beyond(*before);
+  const auto cross = [&](const BasicClipVertex<Real>& q) {
+    const auto p = pointBetween(*before, q, crossingOf<Plane>(*before, q));
+    to[written++] = {p.x, p.y, p.z, p.w, 0};
+  };
+  const bool lastInside = insideBefore;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const bool inside = !Plane::beyond(source[i]);
+    if (i != 0 && inside != insideBefore) cross(source[i]);
+    if (inside) to[written++] = source[i];
+    before = source + i;
+    insideBefore = inside;
+  }
+  if (lastInside == Plane::beyond(source[0])) cross(source[0]);
+  return written;
+}
+
 // Writes what Cut::None or Cut::Run leaves, to slots that may be the source's.
 template <class Plane, class Real>
 [[gnu::always_inline]] inline void writeCut(const BasicClipVertex<Real>* source,

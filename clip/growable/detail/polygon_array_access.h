@@ -70,8 +70,8 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
   static void handOver(const Scratch& result, Polygon& polygon) noexcept { polygon = result; }
 
   // Passes write to the stack if vertices are few, else to one scratch polygon, in which later
-  // passes replace the result of earlier ones. Not for a result that crosses a plane more than
-  // twice or grows beyond the capacity that its array is made with.
+  // passes replace the result of earlier ones. Returns nothing where a pass makes more vertices
+  // than a scratch polygon has capacity for, or an outline of many crosses a plane more than twice.
   template <class Planes>
   static std::optional<ClipOutcome> clipQuickly(Polygon& polygon, std::uint32_t mask) {
     InPlace run(polygon, mask);
@@ -106,7 +106,7 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
     const Vertex* from;  // the next pass's source
     Polygon scratch;
     std::optional<ClipOutcome> outcome;
-    Vertex stack[kFew + kClipSpareVertices];
+    Vertex stack[2][(kFew + kClipSpareVertices) * 3 / 2];  // a pass makes three of two at most
 
     // Returns whether another pass follows.
     template <class Plane>
@@ -116,15 +116,22 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
       const bool isFew = originalCount <= kFew;
       const bool isFirst = from == source;
       const Cut cut = cutOf<Plane>(from, count);
-      const std::uint32_t made = cut.made(count);
-      if (cut.kind == Cut::Many) return false;
+      std::uint32_t made = cut.made(count);
+      const Vertex* ready = nullptr;  // the result, if it is written already
+      if (cut.kind == Cut::Many) {
+        if (!isFew) return false;
+        Vertex* const unused = stack[from == stack[0] ? 1 : 0];
+        made = writeInTurn<Plane>(from, count, unused);
+        ready = unused;
+      }
+      if (made > capacity) return false;
       if (made < 3) {
         outcome = ClipOutcome::Gone;
         return false;
       }
       lengths[turn] = std::max(lengths[turn], made);
 
-      Vertex* to = stack;
+      Vertex* to = stack[from == stack[1] ? 1 : 0];
       if (planes == 0) {
         // A buffer of the capacity and growth that a result has serves again.
         const bool serves = (isFew || isFirst) && polygon.vertices.capacity() == capacity &&
@@ -139,10 +146,15 @@ struct PolygonAccess<BasicClipPolygonArray<Real>> {
         if (scratch.count == 0) scratch = Polygon(originalCount, true);
         to = scratch.vertices.data();
       }
-      writeCut<Plane>(from, count, cut, to, NewOutcodes::Zero);
+      if (ready == nullptr) {
+        writeCut<Plane>(from, count, cut, to, NewOutcodes::Zero);
+        ready = to;
+      } else if (planes == 0) {
+        std::copy_n(ready, made, to);
+      }
       if (planes == 0) return false;
       turn ^= 1;
-      from = to;
+      from = ready;
       count = made;
       return true;
     }
