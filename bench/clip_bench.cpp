@@ -238,12 +238,12 @@ struct Bullet64 : Bullet {
 template <class Real, bool Flat>
 void addOurs(const ClipBatch& batch, bool fixed, double expected, const std::string& width) {
   if (fixed) {
-    addClipPeer<Fixed<Real, Flat>>("fixed" + width, batch, expected);
-    addClipPeer<FixedAllPlanes<Real, Flat>>("fixed_all_planes" + width, batch, expected);
-    addClipPeer<FixedInPlace<Real, Flat>>("fixed_in_place" + width, batch, expected);
+    addClipPeer<Fixed<Real, Flat>>("ulmira_fixed" + width, batch, expected);
+    addClipPeer<FixedAllPlanes<Real, Flat>>("ulmira_fixed_all_planes" + width, batch, expected);
+    addClipPeer<FixedInPlace<Real, Flat>>("ulmira_fixed_in_place" + width, batch, expected);
   }
-  addClipPeer<Growable<Real, Flat>>("growable" + width, batch, expected);
-  addClipPeer<GrowableInPlace<Real, Flat>>("growable_in_place" + width, batch, expected);
+  addClipPeer<Growable<Real, Flat>>("ulmira_growable" + width, batch, expected);
+  addClipPeer<GrowableInPlace<Real, Flat>>("ulmira_growable_in_place" + width, batch, expected);
 }
 
 template <bool Flat>
@@ -277,8 +277,8 @@ void addPolygons(const ClipBatch& batch, bool fixed) {
 
 template <bool Flat>
 void addSegments(const ClipBatch& batch) {
-  addClipPeer<OurSegments<double, Flat>>("ours64", batch, -1);
-  addClipPeer<OurSegments<float, Flat>>("ours32", batch, -1);
+  addClipPeer<OurSegments<double, Flat>>("ulmira64", batch, -1);
+  addClipPeer<OurSegments<float, Flat>>("ulmira32", batch, -1);
   if constexpr (Flat) {
 #ifdef ULM_PEER_AGG
     addAggSegments(batch);

@@ -33,7 +33,7 @@ void BM_Life(benchmark::State& state) {
     qlcoreForgetWlds();
   }
 }
-BENCHMARK(BM_Life)->Name("module/life")->ArgName("started")->Arg(0)->Arg(1);
+BENCHMARK(BM_Life)->Name("module/life/ulmira")->ArgName("started")->Arg(0)->Arg(1);
 
 }  // namespace
 
