@@ -31,6 +31,10 @@ set(flags
   -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wundef -Wvla
   # Rounding is the same on every machine: no fused operations.
   -ffp-contract=off)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86|x86_64|AMD64)$")
+  # The processor's older unit keeps more digits than a double has, until it stores one.
+  list(APPEND flags -msse2 -mfpmath=sse)
+endif()
 if(ULM_WERROR)
   list(APPEND flags -Werror)
 endif()
@@ -44,6 +48,30 @@ if(ULM_SANITIZE)
   target_compile_options(ulm_flags INTERFACE
     -fsanitize=${ULM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(ulm_flags INTERFACE -fsanitize=${ULM_SANITIZE})
+endif()
+
+# What makes a fault harder to use, at next to no cost: checks of the stack and of the sizes of buffers, and
+# tables of addresses that are read-only before the first instruction of the program. The checks of
+# buffers need optimisation, and the sanitizers have checks of their own.
+set(hardening_link)
+if(ULM_HARDENING)
+  set(hardening -fstack-protector-strong)
+  set(fortified "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
+  if(NOT ULM_SANITIZE)
+    list(APPEND hardening "$<${fortified}:-U_FORTIFY_SOURCE>" "$<${fortified}:-D_FORTIFY_SOURCE=2>")
+  endif()
+  if(WIN32)
+    set(hardening_link LINKER:--dynamicbase,--nxcompat,--high-entropy-va)
+  elseif(UNIX AND NOT APPLE)
+    set(hardening_link LINKER:-z,relro,-z,now,-z,noexecstack)
+    list(APPEND hardening -fstack-clash-protection)
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i.86)$")
+      list(APPEND hardening -fcf-protection)
+    endif()
+  endif()
+  target_compile_options(ulm_flags INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:${hardening}>")
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
 endif()
 
 # A library or program that is linked with -ffast-math, -funsafe-math-optimizations or -Ofast gets start-up
@@ -61,7 +89,7 @@ function(ulm_common target)
   get_target_property(type ${target} TYPE)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:ulm_flags>)
   if(type MATCHES "^(SHARED_LIBRARY|MODULE_LIBRARY|EXECUTABLE)$")
-    target_link_options(${target} PRIVATE ${ulm_exact_link} ${ULM_NO_OVERRIDE_WARNING})
+    target_link_options(${target} PRIVATE ${ulm_exact_link} ${ULM_NO_OVERRIDE_WARNING} ${hardening_link})
   endif()
   if(type STREQUAL "EXECUTABLE")
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})

@@ -2,7 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -12,19 +12,36 @@
 #include <vector>
 
 #include "bignum/digest/digest.h"
-#include "bignum/text.h"
 #include "command/commands.h"
+#include "command/digest_list.h"
+#include "command/json_text.h"
 #include "command/support/program.h"
+#include "command/support/progress.h"
 #include "command/support/streams.h"
-#include "command/support/text.h"
 
 namespace ulm::tools {
 namespace {
 
+constexpr std::size_t kDigestSize = 20;
 constexpr std::size_t kReadSize = 1 << 20;
 constexpr std::uint64_t kMinProgressSize = 32u << 20;  // smaller files have no progress line
-constexpr std::size_t kHexDigits = 40;
-constexpr std::size_t kMaxLineBytes = 1 << 20;  // of a list; file names are far shorter
+constexpr std::size_t kMaxLineBytes = 1 << 20;         // of a list; file names are far shorter
+
+struct DigestArguments {
+  std::string hash;
+  std::vector<std::string> files;
+  bool json = false;
+  bool tag = false;
+  bool zero = false;
+  bool check = false;
+  bool ignoreMissing = false;
+  bool quiet = false;
+  bool status = false;
+  bool strict = false;
+  bool warn = false;
+
+  std::string tagName() const { return hash == "sha1" ? "SHA1" : "SHA0"; }
+};
 
 using Digester = std::unique_ptr<bignum::QLMessageDigest>;
 
@@ -34,58 +51,29 @@ Digester makeDigester(const std::string& hash) {
   return digester;
 }
 
-// Shows a progress line on the error stream while a large file is read, if that stream is a
-// terminal. The destructor removes the line.
-class Progress {
- public:
-  explicit Progress(const Input& input)
-      : name_(printable(input.name())),
-        onTerminal_(errorStreamIsTerminal()),
-        size_(input.size().value_or(0)) {}
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-  ~Progress() {
-    if (shown_) std::cerr << "\r\x1b[K" << std::flush;
-  }
-
-  void add(std::size_t bytes) {
-    done_ += bytes;
-    if (!onTerminal_ || std::max(size_, done_) < kMinProgressSize) return;
-    const auto time = std::chrono::steady_clock::now();
-    if (shown_ && time - lastUpdate_ < std::chrono::milliseconds(200)) return;
-    lastUpdate_ = time;
-    shown_ = true;
-    std::cerr << '\r' << name_ << ": ";
-    if (size_ >= done_) {
-      std::cerr << done_ * 100 / size_ << " %";
-    } else {  // the size of a pipe is unknown
-      std::cerr << (done_ >> 20) << " MiB";
-    }
-    std::cerr << "\x1b[K" << std::flush;
-  }
-
- private:
-  const std::string name_;
-  const bool onTerminal_;
-  const std::uint64_t size_;  // 0 if it is unknown
-  bool shown_ = false;
-  std::uint64_t done_ = 0;
-  std::chrono::steady_clock::time_point lastUpdate_;
-};
+// Shows how much of a large input is read.
+void showRead(Progress& progress, std::uint64_t read, std::uint64_t size) {
+  if (std::max(size, read) < kMinProgressSize || !progress.due()) return;
+  // The size of a pipe is unknown, and is 0 here.
+  progress.show(size >= read ? std::to_string(read * 100 / size) + " %"
+                             : std::to_string(read >> 20) + " MiB");
+}
 
 // Returns the digest of a file, or of standard input for "-", as hexadecimal digits.
 std::string digestOf(const std::string& hash, const std::string& name) {
   Input input(name);
   const Digester digester = makeDigester(hash);
-  Progress progress(input);
+  Progress progress(input.name());
+  const std::uint64_t size = input.size().value_or(0);
+  std::uint64_t read = 0;
   std::vector<std::uint8_t> bytes(kReadSize);
   for (bool atEnd = false; !atEnd;) {
     const std::size_t length = input.read(bytes.data(), bytes.size());
     atEnd = length < bytes.size();
     digester->Update(bytes.data(), static_cast<std::uint32_t>(length));
-    progress.add(length);
+    showRead(progress, read += length, size);
   }
-  std::array<std::uint8_t, kHexDigits / 2> digest;
+  std::array<std::uint8_t, kDigestSize> digest;
   digester->Final(digest.data());
   std::string hex;
   for (const std::uint8_t byte : digest) {
@@ -95,119 +83,110 @@ std::string digestOf(const std::string& hash, const std::string& name) {
   return hex;
 }
 
-// The characters that would break a line of checksums, each with the letter that follows '\' in its
-// escape.
-constexpr const char* kEscaped[] = {"\\\\", "\nn", "\rr"};
-
-std::string escapeName(const std::string& name) {
-  std::string text;
-  for (const char character : name) {
-    const auto found = std::find_if(std::begin(kEscaped), std::end(kEscaped),
-                                    [=](const char* pair) { return pair[0] == character; });
-    text +=
-        found == std::end(kEscaped) ? std::string(1, character) : std::string{'\\', (*found)[1]};
-  }
-  return text;
-}
-
-// Returns nothing if the text is not a valid escaped name.
-std::optional<std::string> unescapeName(const std::string& text) {
-  std::string name;
-  for (auto next = text.begin(); next != text.end(); ++next) {
-    if (*next != '\\') {
-      name += *next;
-      continue;
-    }
-    if (++next == text.end()) return std::nullopt;
-    const auto found = std::find_if(std::begin(kEscaped), std::end(kEscaped),
-                                    [=](const char* pair) { return pair[1] == *next; });
-    if (found == std::end(kEscaped)) return std::nullopt;
-    name += (*found)[0];
-  }
-  return name;
-}
-
-// Returns a line with a file name between two texts. A '\' at the start of the line marks an
-// escaped name.
-std::string lineOf(const std::string& before, const std::string& name, const std::string& after) {
-  const std::string text = escapeName(name);
-  return (text == name ? "" : "\\") + before + text + after + '\n';
-}
-
-struct Checksum {
-  std::string hex;
-  std::string name;
-};
-
-// Parses a line of a list. Returns nothing if it is improperly formatted.
-std::optional<Checksum> parseChecksum(std::string line) {
-  const bool nameEscaped = !line.empty() && line.front() == '\\';
-  if (nameEscaped) line.erase(0, 1);
-  if (line.size() <= kHexDigits + 2) return std::nullopt;
-  Checksum checksum{line.substr(0, kHexDigits), line.substr(kHexDigits + 2)};
-  for (char& digit : checksum.hex) {
-    if (bignum::DigitValue(digit, 16) < 0) return std::nullopt;
-    if (digit >= 'A' && digit <= 'F') digit = static_cast<char>(digit - 'A' + 'a');
-  }
-  if (line[kHexDigits] != ' ') return std::nullopt;
-  if (line[kHexDigits + 1] != ' ' && line[kHexDigits + 1] != '*') return std::nullopt;
-  if (nameEscaped) {
-    const std::optional<std::string> name = unescapeName(checksum.name);
-    if (!name) return std::nullopt;
-    checksum.name = *name;
-  }
-  return checksum;
-}
-
 void printWarning(const std::string& message) { printMessage("digest", message); }
 
-void warnOfCount(std::size_t count, const char* singular, const char* plural) {
-  if (count == 0) return;
-  printWarning("WARNING: " + std::to_string(count) + ' ' + (count == 1 ? singular : plural));
+void printDigest(const DigestArguments& arguments, const std::string& name) {
+  const std::string hex = digestOf(arguments.hash, name);
+  if (arguments.json) {
+    std::cout << jsonText({{"file", name}, {"hash", arguments.hash}, {"digest", hex}});
+    return;
+  }
+  const std::string before = arguments.tag ? arguments.tagName() + " (" : hex + "  ";
+  const std::string after = arguments.tag ? ") = " + hex : "";
+  if (arguments.zero) {
+    std::cout << before << name << after << '\0';
+  } else {
+    std::cout << checksumLine(before, name, after) << '\n';
+  }
 }
 
-// Checks the files of a list of checksums and prints a line for each. Returns true if all could be
-// read and have their checksums.
-bool checkList(const std::string& hash, const std::string& listName) {
-  Input list(listName);
-  std::size_t proper = 0, improper = 0, unread = 0, different = 0;
-  for (std::string line; list.readLine(line, kMaxLineBytes);) {
-    if (line.empty() || line.front() == '#') continue;
-    const std::optional<Checksum> checksum = parseChecksum(line);
-    if (!checksum) {
-      ++improper;
-      continue;
-    }
-    ++proper;
-    const char* verdict = ": OK";
-    try {
-      if (digestOf(hash, checksum->name) != checksum->hex) {
-        verdict = ": FAILED";
-        ++different;
+// Checks the files of one list.
+class ListCheck {
+ public:
+  ListCheck(const DigestArguments& arguments, const std::string& list)
+      : arguments_(arguments), list_(list), parser_(arguments.tagName()) {}
+
+  // Prints a line for each file, and a warning for each kind of fault. Returns true if the list is
+  // in order and all its files have their checksums. Throws std::runtime_error if the list names no
+  // file.
+  bool run() {
+    std::size_t number = 0;
+    for (std::string line; list_.readLine(line, kMaxLineBytes);) {
+      ++number;
+      if (line.empty() || line.front() == '#') continue;
+      if (const std::optional<Checksum> checksum = parser_.parse(line)) {
+        ++proper_;
+        checkFile(*checksum);
+      } else {
+        ++improper_;
+        if (arguments_.warn) {
+          printWarning(list_.name() + ": line " + std::to_string(number) +
+                       ": improperly formatted " + arguments_.tagName() + " checksum line");
+        }
       }
+    }
+    if (proper_ == 0) {
+      throw std::runtime_error(list_.name() + ": no properly formatted checksum lines found");
+    }
+    if (!arguments_.status) printCounts();
+    if (verified_ + different_ + unread_ == 0) {
+      throw std::runtime_error(list_.name() + ": no file was verified");
+    }
+    return unread_ == 0 && different_ == 0 && (improper_ == 0 || !arguments_.strict);
+  }
+
+ private:
+  void checkFile(const Checksum& checksum) {
+    std::error_code ignored;
+    if (arguments_.ignoreMissing && checksum.name != "-" &&
+        !std::filesystem::exists(fileNamed(checksum.name), ignored)) {
+      return;
+    }
+    try {
+      const bool equal = digestOf(arguments_.hash, checksum.name) == checksum.hex;
+      ++(equal ? verified_ : different_);
+      printVerdict(checksum.name, equal, equal ? "OK" : "FAILED");
     } catch (const std::runtime_error& error) {
       printWarning(error.what());
-      verdict = ": FAILED open or read";
-      ++unread;
+      ++unread_;
+      printVerdict(checksum.name, false, "FAILED open or read");
     }
-    std::cout << lineOf("", checksum->name, verdict);
   }
-  if (proper == 0)
-    throw std::runtime_error(list.name() + ": no properly formatted checksum lines found");
-  warnOfCount(improper, "line is improperly formatted", "lines are improperly formatted");
-  warnOfCount(unread, "listed file could not be read", "listed files could not be read");
-  warnOfCount(different, "computed checksum did NOT match", "computed checksums did NOT match");
-  return unread == 0 && different == 0;
-}
+
+  void printVerdict(const std::string& name, bool verified, const char* verdict) const {
+    if (arguments_.status || (arguments_.quiet && verified)) return;
+    if (arguments_.json) {
+      std::cout << jsonText({{"file", name}, {"verified", verified}, {"verdict", verdict}});
+    } else {
+      std::cout << checksumLine("", name, std::string(": ") + verdict) << '\n';
+    }
+  }
+
+  void printCounts() const {
+    const auto warn = [](std::size_t count, const char* singular, const char* plural) {
+      if (count == 0) return;
+      printWarning("WARNING: " + std::to_string(count) + ' ' + (count == 1 ? singular : plural));
+    };
+    warn(improper_, "line is improperly formatted", "lines are improperly formatted");
+    warn(unread_, "listed file could not be read", "listed files could not be read");
+    warn(different_, "computed checksum did NOT match", "computed checksums did NOT match");
+  }
+
+  const DigestArguments& arguments_;
+  Input list_;
+  ChecksumParser parser_;
+  std::size_t proper_ = 0, improper_ = 0;                  // lines
+  std::size_t verified_ = 0, different_ = 0, unread_ = 0;  // files
+};
 
 // Prints or checks the digests. Continues after a file that cannot be read. Returns the exit code.
-int digestFiles(const std::string& hash, bool check, const std::vector<std::string>& names) {
+int digestFiles(const DigestArguments& arguments) {
   int status = 0;
-  for (const std::string& name : names) {
+  for (const std::string& name : arguments.files) {
     try {
-      if (!check) {
-        std::cout << lineOf(digestOf(hash, name) + "  ", name, "");
-      } else if (!checkList(hash, name)) {
+      if (!arguments.check) {
+        printDigest(arguments, name);
+      } else if (!ListCheck(arguments, name).run()) {
         status = 1;
       }
     } catch (const std::runtime_error& error) {
@@ -218,24 +197,49 @@ int digestFiles(const std::string& hash, bool check, const std::vector<std::stri
   return status;
 }
 
+constexpr const char* kFooter =
+    R"(Without --check, a line "CHECKSUM  NAME" is printed for each file, as sha1sum prints it.
+A '\' before the line marks a name in which '\', line feed and carriage return are escaped.
+
+EXAMPLES
+  ulmira digest sha1 *.ttf >SUMS
+  ulmira digest sha1 --check SUMS       OK or FAILED for each file of the list
+  ulmira digest sha1 --check --quiet --strict SUMS && echo complete
+  head -c 20 disk.img | ulmira digest sha0 --json
+)";
+
 }  // namespace
 
 void addDigestCommand(CLI::App& app, int& status) {
-  struct DigestArguments {
-    std::string hash;
-    bool check = false;
-    std::vector<std::string> files;
-  };
   const auto arguments = std::make_shared<DigestArguments>();
   CLI::App* digest = app.add_subcommand("digest", "Print and check checksums of files");
+  digest->footer(kFooter);
   digest->add_option("HASH", arguments->hash, "sha1, or sha0 for the first version of SHA")
       ->required()
       ->check(CLI::IsMember({"sha1", "sha0"}));
   digest->add_option("FILE", arguments->files, "Files; - or no argument reads standard input");
-  digest->add_flag("-c,--check", arguments->check, "Read checksums from the files and check them");
+  CLI::Option* const json =
+      digest->add_flag("--json", arguments->json, "Print a JSON object for each file, on a line");
+  CLI::Option* const tag =
+      digest->add_flag("--tag", arguments->tag, "Print lines as SHA1 (NAME) = CHECKSUM");
+  CLI::Option* const zero = digest->add_flag("-z,--zero", arguments->zero,
+                                             "End each line with a zero byte and escape no name");
+  CLI::Option* const check = digest->add_flag("-c,--check", arguments->check,
+                                              "Read lists of checksums from the files, check them");
+  tag->excludes(check)->excludes(json);
+  zero->excludes(check)->excludes(json);
+  const auto addForCheck = [&](const char* name, bool& flag, const char* description) {
+    digest->add_flag(name, flag, description)->needs(check);
+  };
+  addForCheck("--ignore-missing", arguments->ignoreMissing, "Skip files that do not exist");
+  addForCheck("--quiet", arguments->quiet, "Print no line for a file that is OK");
+  addForCheck("--status", arguments->status, "Print no verdict; the exit code is the answer");
+  addForCheck("--strict", arguments->strict,
+              "Exit code 1 for a list with improperly formatted lines");
+  addForCheck("-w,--warn", arguments->warn, "Report each improperly formatted line");
   digest->callback([arguments, &status] {
     if (arguments->files.empty()) arguments->files.emplace_back("-");
-    status = digestFiles(arguments->hash, arguments->check, arguments->files);
+    status = digestFiles(*arguments);
   });
 }
 

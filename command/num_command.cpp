@@ -1,238 +1,292 @@
 // `ulmira num`: arithmetic on numbers of any size.
 #include <CLI/CLI.hpp>
-#include <cstring>
-#include <functional>
+#include <algorithm>
 #include <iostream>
-#include <map>
 #include <memory>
+#include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "bignum/integer.h"
-#include "bignum/number_theory.h"
-#include "bignum/text.h"
 #include "command/commands.h"
+#include "command/json_text.h"
+#include "command/num_operations.h"
 #include "command/number_argument.h"
 #include "command/support/streams.h"
 
 namespace ulm::tools {
 namespace {
 
-using namespace ulm::bignum;
-
-using Operands = std::vector<QLInteger>;
 using Texts = std::vector<std::string>;
 
-struct Operation {
-  std::size_t operands;
-  std::function<Texts(const Operands&, std::uint32_t radix)> run;  // the words of the result line
+struct NumArguments {
+  std::uint32_t radix = 10;
+  std::uint32_t inputRadix = 10;
+  bool hex = false;
+  bool prefix = false;
+  bool bare = false;
+  bool json = false;
+
+  std::uint32_t resultRadix() const { return hex ? 16 : radix; }
+  NumberForm form() const {
+    return bare ? NumberForm::Bare : hex || prefix ? NumberForm::Prefix : NumberForm::Mark;
+  }
 };
 
-// Returns `number`. Throws if it is 0.
-const QLInteger& checkedDivisor(const QLInteger& number) {
-  if (!number.IsNonZero()) throw std::runtime_error("division by zero");
-  return number;
+Texts wordsOf(const std::string& text) {
+  std::istringstream stream(text);
+  Texts words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  return words;
 }
 
-// Returns `number`. Throws if it is negative.
-const QLInteger& checkedExponent(const QLInteger& number) {
-  if (number.IsNegative()) throw std::runtime_error("the exponent is negative");
-  return number;
-}
+// A number as the user wrote it.
+struct Word {
+  std::string text;
+  std::string where;  // the input and the line, for messages; empty for an argument
+};
 
-// An operation whose result is one number.
-template <class Compute>
-Operation numeric(std::size_t operands, Compute compute) {
-  return {operands, [compute](const Operands& n, std::uint32_t radix) {
-            return Texts{toString(compute(n), radix)};
-          }};
-}
+// Returns the numbers of the command line one after another. An argument '-' or @FILE is replaced
+// by the numbers of that input, which is read as they are asked for.
+class NumberSource {
+ public:
+  explicit NumberSource(Texts arguments) : arguments_(std::move(arguments)) {}
 
-QLInteger remainderOf(const Operands& n) {
-  QLInteger remainder(n[0]);
-  remainder %= checkedDivisor(n[1]);
-  return remainder;
-}
-
-// The maximum length of a power in bits. The plain kernel converts to text with a division for each
-// digit, and takes some seconds for its maximum.
-constexpr std::uint32_t kMaxPowerBits = ULMIRA_PLAIN_NUMBERS ? 1u << 16 : 1u << 25;
-
-QLInteger powerOf(const Operands& n) {
-  const std::runtime_error tooLong("the power is longer than " + std::to_string(kMaxPowerBits) +
-                                   " bits");
-  const QLInteger& exponent = checkedExponent(n[1]);
-  // Each factor adds BitLength - 1 or BitLength bits. A power that passes this test is at most
-  // twice too long, and its length is checked after it is computed.
-  const std::uint32_t length = n[0].BitLength();
-  if (length > 1 &&
-      exponent * QLInteger::fromUint64(length - 1) >= QLInteger::fromUint64(kMaxPowerBits)) {
-    throw tooLong;
-  }
-  QLInteger power = Pow(n[0], exponent);
-  if (power.BitLength() > kMaxPowerBits) throw tooLong;
-  return power;
-}
-
-QLInteger modularPower(const Operands& n) {
-  QLInteger result;
-  ModPow(n[0], checkedExponent(n[1]), checkedDivisor(n[2]), result);
-  return result;
-}
-
-QLInteger magnitudeOf(const QLInteger& number) {
-  QLInteger magnitude(number);
-  if (magnitude.IsNegative()) magnitude.Negate();
-  return magnitude;
-}
-
-// The library's function takes the sign of the divisor from the remainders and stops at operands
-// that are not positive. For magnitudes it gives the greatest common divisor. Each factor then gets
-// the sign of its operand.
-Texts extendedDivisor(const Operands& n, std::uint32_t radix) {
-  QLInteger g, x, y;
-  ExtendedGcd(magnitudeOf(n[0]), magnitudeOf(n[1]), g, x, y);
-  if (n[0].IsNegative()) x.Negate();
-  if (n[1].IsNegative()) y.Negate();
-  return {toString(g, radix), toString(x, radix), toString(y, radix)};
-}
-
-QLInteger commonDivisor(const Operands& n) {
-  const QLInteger a = magnitudeOf(n[0]), b = magnitudeOf(n[1]);
-  QLInteger divisor;
-  return Gcd(a, b, divisor) ? divisor : a + b;  // one of them is 0, which every number divides
-}
-
-QLInteger rootOf(const Operands& n) {
-  if (n[0].IsNegative()) throw std::runtime_error("the root of a negative number");
-  return IntegerSqrt(n[0]);
-}
-
-// With all bases in both kinds of test, the primes that are bases are recognised too.
-bool passesAllRounds(const QLInteger& number) { return IsProbablePrime(number, 18, 18); }
-
-Texts primality(const Operands& n, std::uint32_t) {
-  return {passesAllRounds(n[0]) ? "true" : "false"};
-}
-
-// NextPrime tests fewer bases and returns some composites, such as 3215031751.
-QLInteger primeFrom(const Operands& n) {
-  QLInteger prime;
-  NextPrime(n[0], prime);
-  while (!passesAllRounds(prime)) NextPrime(prime + QLInteger(1), prime);
-  return prime;
-}
-
-const std::map<std::string, Operation>& operations() {
-  static const std::map<std::string, Operation> table = {
-      {"add", numeric(2, [](const Operands& n) { return n[0] + n[1]; })},
-      {"sub", numeric(2, [](const Operands& n) { return n[0] - n[1]; })},
-      {"mul", numeric(2, [](const Operands& n) { return n[0] * n[1]; })},
-      {"div", numeric(2, [](const Operands& n) { return n[0] / checkedDivisor(n[1]); })},
-      {"rem", numeric(2, remainderOf)},
-      {"pow", numeric(2, powerOf)},
-      {"modpow", numeric(3, modularPower)},
-      {"gcd", numeric(2, commonDivisor)},
-      {"egcd", {2, extendedDivisor}},
-      {"sqrt", numeric(1, rootOf)},
-      {"isprime", {1, primality}},
-      {"nextprime", numeric(1, primeFrom)},
-      {"convert", numeric(1, [](const Operands& n) { return n[0]; })}};
-  return table;
-}
-
-// Reads the numbers of the command line. A '-' is replaced by the numbers of standard input, one a
-// line.
-Operands readNumbers(const Texts& texts) {
-  Operands numbers;
-  for (const std::string& text : texts) {
-    if (text != "-") {
-      numbers.push_back(parseNumber(text));
-      continue;
-    }
-    Input input(text);
-    for (std::string line; input.readLine(line, kMaxNumberBytes);) {
-      if (!line.empty()) numbers.push_back(parseNumber(line));
+  std::optional<Word> next() {
+    for (;;) {
+      if (nextWord_ < lineWords_.size()) return Word{lineWords_[nextWord_++], where()};
+      if (input_) {
+        if (readLine()) continue;
+        input_.reset();
+      }
+      if (nextArgument_ == arguments_.size()) return std::nullopt;
+      const std::string& argument = arguments_[nextArgument_++];
+      if (argument != "-" && argument.rfind('@', 0) != 0) return Word{argument, ""};
+      input_.emplace(argument == "-" ? argument : argument.substr(1));
+      line_ = 0;
     }
   }
-  return numbers;
+
+  // Returns true if the next number may come later, so that results are shown before it is read.
+  bool mayWait() const {
+    return input_ && nextWord_ == lineWords_.size() && !input_->size().has_value();
+  }
+
+ private:
+  std::string where() const { return input_->name() + ": line " + std::to_string(line_) + ": "; }
+
+  bool readLine() {
+    std::string line;
+    if (!input_->readLine(line, kMaxNumberBytes)) return false;
+    ++line_;
+    lineWords_ = wordsOf(line);
+    nextWord_ = 0;
+    return true;
+  }
+
+  Texts arguments_;
+  std::size_t nextArgument_ = 0;
+  std::optional<Input> input_;  // of the last argument
+  std::size_t line_ = 0;        // its last line, from 1
+  Texts lineWords_;
+  std::size_t nextWord_ = 0;
+};
+
+// The work of one call.
+class NumRun {
+ public:
+  NumRun(const NumOperation& operation, const NumArguments& arguments, Texts numbers)
+      : operation_(operation),
+        arguments_(arguments),
+        operandCount_(wordsOf(operation.operands).size()),
+        resultNames_(wordsOf(operation.results)),
+        source_(std::move(numbers)) {}
+
+  // Prints a line for each group of operands. A group with a number that cannot be read, and one
+  // without a result, is reported and left out. Returns the exit code.
+  int run() {
+    int status = 0;
+    for (std::size_t groups = 0;; ++groups) {
+      std::vector<Word> words;
+      while (words.size() < operandCount_) {
+        std::optional<Word> word = source_.next();
+        if (!word) break;
+        words.push_back(std::move(*word));
+      }
+      if (words.empty()) return status;
+      if (words.size() < operandCount_) return reportIncomplete(words.back());
+      if (!answer(words)) status = 1;
+      if (source_.mayWait()) std::cout.flush();
+    }
+  }
+
+ private:
+  int reportIncomplete(const Word& last) const {
+    printMessage("num", last.where + "a number is missing after this one: " + operation_.name +
+                            " takes " + operation_.operands);
+    return 1;
+  }
+
+  bool answer(const std::vector<Word>& words) const {
+    NumOperation::Operands operands;
+    bool readable = true;
+    for (const Word& word : words) {
+      readable &=
+          attempt(word, [&] { operands.push_back(parseNumber(word.text, arguments_.inputRadix)); });
+    }
+    return readable && attempt(words.back(), [&] { print(operands, operation_.run(operands)); });
+  }
+
+  // Returns false if the work throws std::runtime_error, which is reported.
+  template <class Work>
+  static bool attempt(const Word& word, Work work) {
+    try {
+      work();
+      return true;
+    } catch (const std::runtime_error& error) {
+      printMessage("num", word.where + error.what());
+      return false;
+    }
+  }
+
+  void print(const NumOperation::Operands& operands,
+             const std::vector<NumOperation::Result>& results) const {
+    Json object, values = Json::array();
+    std::string line;
+    for (const bignum::QLInteger& operand : operands) {
+      if (arguments_.json) values.push_back(textOf(operand));
+    }
+    object["operands"] = std::move(values);
+    for (std::size_t i = 0; i < results.size(); ++i) {
+      const bool* const truth = std::get_if<bool>(&results[i]);
+      const std::string text = truth == nullptr ? textOf(std::get<bignum::QLInteger>(results[i]))
+                               : *truth         ? "true"
+                                                : "false";
+      if (arguments_.json) object[resultNames_[i]] = truth == nullptr ? Json(text) : Json(*truth);
+      line += (i == 0 ? "" : " ") + text;
+    }
+    std::cout << (arguments_.json ? jsonText(object) : line + '\n');
+  }
+
+  std::string textOf(const bignum::QLInteger& number) const {
+    return numberText(number, arguments_.resultRadix(), arguments_.form());
+  }
+
+  const NumOperation& operation_;
+  const NumArguments& arguments_;
+  const std::size_t operandCount_;
+  const Texts resultNames_;
+  NumberSource source_;
+};
+
+const NumOperation& operationNamed(const std::string& name) {
+  for (const NumOperation& operation : numOperations()) {
+    if (name == operation.name) return operation;
+  }
+  throw CLI::ValidationError("OPERATION", "unknown operation " + name);
 }
 
-void printResults(const std::string& name, std::uint32_t radix, const Texts& texts) {
-  const auto found = operations().find(name);
-  if (found == operations().end())
-    throw CLI::ValidationError("OPERATION", "unknown operation " + name);
-  const std::size_t operandCount = found->second.operands;
-  const Operands numbers = readNumbers(texts);
-  if (numbers.empty() || numbers.size() % operandCount != 0) {
-    throw CLI::ValidationError(name, "takes " + std::to_string(operandCount) +
-                                         " numbers for each result; the command line has " +
-                                         std::to_string(numbers.size()));
-  }
-  for (auto first = numbers.begin(); first != numbers.end();) {
-    const auto last = first + static_cast<std::ptrdiff_t>(operandCount);
-    const Texts words = found->second.run(Operands(first, last), radix);
-    for (std::size_t i = 0; i < words.size(); ++i) std::cout << (i == 0 ? "" : " ") << words[i];
-    std::cout << '\n';
-    first = last;
+// Throws a usage error if the arguments are no numbers for the operation. The numbers of an input
+// are counted when it is read.
+void requireOperands(const NumOperation& operation, const Texts& numbers) {
+  const bool counted = std::none_of(numbers.begin(), numbers.end(), [](const std::string& text) {
+    return text == "-" || text.rfind('@', 0) == 0;
+  });
+  const std::size_t operandCount = wordsOf(operation.operands).size();
+  if (numbers.empty() || (counted && numbers.size() % operandCount != 0)) {
+    throw CLI::ValidationError(operation.name, "takes " + std::string(operation.operands) +
+                                                   " for each result; the command line has " +
+                                                   std::to_string(numbers.size()) + " numbers");
   }
 }
 
 // Separates the options after the operation from the numbers. CLI11 would take a negative number
 // for an option, so it leaves these arguments unparsed. Returns the numbers.
-Texts parseOptions(const Texts& arguments, CLI::Option& radix) {
+Texts parseOptions(const CLI::App& num, const Texts& arguments) {
   Texts numbers;
   bool optionsEnded = false;
   for (auto next = arguments.begin(); next != arguments.end(); ++next) {
     if (!optionsEnded && *next == "--") {
       optionsEnded = true;
-    } else if (!optionsEnded && (*next == "-h" || *next == "--help")) {
-      throw CLI::CallForHelp();
-    } else if (!optionsEnded && (*next == "--radix" || next->rfind("--radix=", 0) == 0)) {
-      const bool joined = next->size() > std::strlen("--radix");
-      if (!joined && std::next(next) == arguments.end()) {
-        throw CLI::ArgumentMismatch::AtLeast("--radix", 1, 0);
-      }
-      radix.clear();
-      radix.add_result(joined ? next->substr(std::strlen("--radix=")) : *++next);
-      radix.run_callback();
-    } else {
-      numbers.push_back(*next);
+      continue;
     }
+    if (optionsEnded || (next->rfind("--", 0) != 0 && *next != "-h")) {
+      numbers.push_back(*next);
+      continue;
+    }
+    const std::size_t equal = std::min(next->find('='), next->size());
+    const std::string name = next->substr(0, equal);
+    if (name == "-h" || name == "--help") throw CLI::CallForHelp();
+    CLI::Option* const option = const_cast<CLI::App&>(num).get_option_no_throw(name);
+    if (option == nullptr) throw CLI::ExtrasError({*next});
+    const bool takesValue = option->get_items_expected_max() > 0;
+    if (takesValue && equal == next->size() && std::next(next) == arguments.end()) {
+      throw CLI::ArgumentMismatch::AtLeast(name, 1, 0);
+    }
+    option->clear();
+    option->add_result(!takesValue            ? "true"
+                       : equal < next->size() ? next->substr(equal + 1)
+                                              : *++next);
+    option->run_callback();
   }
   return numbers;
 }
 
+std::string helpOfOperations() {
+  std::string text = "OPERATIONS\n";
+  for (const NumOperation& operation : numOperations()) {
+    std::string line = std::string("  ") + operation.name + ' ' + operation.operands;
+    line.resize(std::max<std::size_t>(line.size() + 1, 20), ' ');
+    text += line + operation.description + '\n';
+  }
+  return text;
+}
+
+constexpr const char* kHelp = R"(
+NUMBERS
+  123, 0x1F or 1Fh, 0o17 or 17o, 0b101 or 101b, 7#66 in any radix of 2 to 16, 00:9f:1c for
+  hexadecimal in pairs; with an optional sign. After -- no argument is an option.
+  - reads numbers from standard input and @FILE from a file, separated by blanks and line ends.
+  More numbers than one result needs give a line for each group of them. A group without a result
+  is reported, with its line if it is from an input; the others are answered, and the exit code
+  is 1.
+
+PRIMES
+  isprime answers true if a number passes 18 Fermat and 18 strong tests to fixed bases.
+
+EXAMPLES
+  ulmira num modpow 3 100 7
+  ulmira num pow 2 521 --hex            0x2000..., as Python and C read it
+  ulmira num convert --input-radix 16 --radix 10 FFFF
+  seq 1 100 | ulmira num isprime -      a line for each number, as it comes
+  ulmira num divmod @pairs.txt --json   {"operands":["7","2"],"quotient":"3","remainder":"1"}
+)";
+
 }  // namespace
 
-void addNumCommand(CLI::App& app, int& /*status*/) {
+void addNumCommand(CLI::App& app, int& status) {
+  const auto arguments = std::make_shared<NumArguments>();
   CLI::App* num = app.add_subcommand("num", "Arithmetic on numbers of any size");
-  std::string names;
-  for (const auto& [name, operation] : operations()) names += ' ' + name;
-  num->footer(
-      "The arguments are OPERATION NUMBER..., where OPERATION is one of:" + names +
-      "\nNumbers: decimal, 0x1F or 1Fh, 17o, 101b, with an optional sign. After '--' no argument\n"
-      "is an option. '-' reads numbers from standard input, one a line. If there are more numbers\n"
-      "than one result needs, each group of numbers gives a line.\n"
-      "gcd prints the greatest common divisor, which is never negative; egcd prints that divisor "
-      "g\n"
-      "and factors x and y with a x + b y = g. isprime prints false for a number that is "
-      "certainly\n"
-      "not prime, and true for one that passes 18 Fermat and 18 strong tests to fixed bases.\n"
-      "nextprime prints the first number at or above its operand that passes the same tests, and\n"
-      "3 for 2.");
-  const auto radix = std::make_shared<std::uint32_t>(10);
-  CLI::Option* radixOption =
-      num->add_option("--radix", *radix, "Radix of the results")->check(CLI::Range(2, 16));
+  num->footer(helpOfOperations() + kHelp);
+  const auto addRadix = [num](const char* name, std::uint32_t& radix, const char* description) {
+    num->add_option(name, radix, description)->check(CLI::Range(2, 16))->option_text("2...16");
+  };
+  addRadix("--radix", arguments->radix, "Radix of the results; without it, 10");
+  addRadix("--input-radix", arguments->inputRadix, "Radix of numbers without a mark");
+  num->add_flag("--prefix", arguments->prefix, "Results as 0x1F, 0o17 or 0b101, not 1Fh");
+  num->add_flag("--hex", arguments->hex, "The same as --radix 16 --prefix");
+  num->add_flag("--bare", arguments->bare, "Results without a mark or prefix");
+  num->add_flag("--json", arguments->json, "Print a JSON object for each result, on a line");
   num->prefix_command();
-  num->callback([num, radix, radixOption] {
-    Texts arguments = num->remaining();
-    if (arguments.empty()) throw CLI::RequiredError("OPERATION");
-    const std::string name = arguments.front();
-    arguments.erase(arguments.begin());
-    const Texts numbers = parseOptions(arguments, *radixOption);
-    printResults(name, *radix, numbers);
+  num->callback([num, arguments, &status] {
+    Texts texts = num->remaining();
+    if (texts.empty()) throw CLI::RequiredError("OPERATION");
+    const NumOperation& operation = operationNamed(texts.front());
+    texts.erase(texts.begin());
+    Texts numbers = parseOptions(*num, texts);
+    requireOperands(operation, numbers);
+    status = NumRun(operation, *arguments, std::move(numbers)).run();
   });
 }
 

@@ -85,3 +85,5 @@ ULM_BENCH_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" libbenchmark-dev binutils python3
   fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)
 # The cross compiler, its sources of tests, Wine, and what draws the icon.
 ULM_WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64 librsvg2-bin)
+# Cross compilers for other processors, and what runs their programs.
+ULM_CROSS_PACKAGES=(g++-aarch64-linux-gnu g++-i686-linux-gnu g++-s390x-linux-gnu qemu-user googletest python3)

@@ -1,7 +1,6 @@
 #include "command/font/report.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <vector>
 
 #include "command/font/font_file.h"
@@ -90,25 +89,6 @@ std::string objectText(const Json& object, const Json& units, const std::string&
 std::string plainText(const Json& object) {
   const auto units = object.find("units");
   return objectText(object, units == object.end() ? Json::object() : *units, "");
-}
-
-std::string jsonText(const Json& object) {
-  const std::string plain = object.dump();
-  std::string text;
-  // JSON allows C1 controls and DEL without an escape, but a terminal obeys them.
-  for (std::size_t i = 0; i < plain.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(plain[i]);
-    const unsigned next = i + 1 < plain.size() ? static_cast<unsigned char>(plain[i + 1]) : 0u;
-    if (byte != 0x7F && (byte != 0xC2 || next >= 0xA0)) {
-      text += plain[i];
-      continue;
-    }
-    char escape[8];
-    std::snprintf(escape, sizeof escape, "\\u%04x", byte == 0x7F ? 0x7Fu : next);
-    text += escape;
-    i += byte != 0x7F;
-  }
-  return text + '\n';
 }
 
 void addCharacter(Json& object, char32_t code) {

@@ -2,19 +2,15 @@
 // and tables.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
-namespace ulm::tools {
+#include "command/json_text.h"
 
-using Json = nlohmann::ordered_json;
+namespace ulm::tools {
 
 // The member "units" of an object is not printed as text. It maps the key of a value to its unit,
 // which is printed after the value.
 std::string plainText(const Json& object);
-
-// Returns the object on one line, with all control characters escaped.
-std::string jsonText(const Json& object);
 
 // Adds a character as "code", U+0041, and "character", A. Both are null if `code` is 0.
 void addCharacter(Json& object, char32_t code);

@@ -13,26 +13,35 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 namespace ulm::win32 {
 
-static_assert(std::endian::native == std::endian::little,
-              "the constants below are stored in the byte order of the machine");
+// Returns the number whose bytes in memory are those of `value` with the low byte first.
+template <class Number>
+constexpr Number lowByteFirst(Number value) noexcept {
+  if constexpr (std::endian::native == std::endian::little) return value;
+  std::uint64_t swapped = 0;
+  for (std::size_t i = 0; i < sizeof(Number); ++i) {
+    swapped = swapped << 8 | (static_cast<std::uint64_t>(value) >> 8 * i & 0xFF);
+  }
+  return static_cast<Number>(swapped);
+}
 
 struct VersionBlock {
-  std::uint16_t length = sizeof(VersionBlock);
-  std::uint16_t valueLength = 52;
+  std::uint16_t length = lowByteFirst<std::uint16_t>(sizeof(VersionBlock));
+  std::uint16_t valueLength = lowByteFirst<std::uint16_t>(52);
   std::uint16_t type = 0;
-  char16_t key[16] = u"VS_VERSION_INFO";
+  char16_t key[16] = {};
   std::uint16_t padding = 0;
-  std::uint32_t signature = 0xFEEF04BD;
-  std::uint32_t structureVersion = 0x00010000;
+  std::uint32_t signature = lowByteFirst<std::uint32_t>(0xFEEF04BD);
+  std::uint32_t structureVersion = lowByteFirst<std::uint32_t>(0x00010000);
   std::uint32_t fileVersion[2];     // high half, low half: four 16-bit numbers
   std::uint32_t productVersion[2];  // as fileVersion
-  std::uint32_t flagsMask = 0x3F;
+  std::uint32_t flagsMask = lowByteFirst<std::uint32_t>(0x3F);
   std::uint32_t flags = 0;
-  std::uint32_t os = 0x00040004;
-  std::uint32_t fileType = 2;
+  std::uint32_t os = lowByteFirst<std::uint32_t>(0x00040004);
+  std::uint32_t fileType = lowByteFirst<std::uint32_t>(2);
   std::uint32_t fileSubtype = 0;
   std::uint32_t date[2] = {0, 0};
 
@@ -41,11 +50,14 @@ struct VersionBlock {
   };
   constexpr VersionBlock(const Numbers& file, const Numbers& product) noexcept
       : fileVersion{pair(file.first, file.second), pair(file.third, file.fourth)},
-        productVersion{pair(product.first, product.second), pair(product.third, product.fourth)} {}
+        productVersion{pair(product.first, product.second), pair(product.third, product.fourth)} {
+    for (std::size_t i = 0; i + 1 < std::size(key); ++i)
+      key[i] = lowByteFirst(u"VS_VERSION_INFO"[i]);
+  }
 
  private:
   static constexpr std::uint32_t pair(std::uint32_t high, std::uint32_t low) noexcept {
-    return high << 16 | low;
+    return lowByteFirst(high << 16 | low);
   }
 };
 static_assert(sizeof(VersionBlock) == 92, "the block has no hidden padding");
@@ -54,14 +66,15 @@ static_assert(sizeof(VersionBlock) == 92, "the block has no hidden padding");
 template <std::size_t Length>  // in UTF-16 units, without a terminator
 struct StringEntry {
   std::uint16_t number;
-  std::uint16_t length = Length;
+  std::uint16_t length = lowByteFirst<std::uint16_t>(Length);
   char16_t text[Length];
 
   // From a literal of UTF-16 units, or of ASCII characters.
   template <class Character>
   constexpr StringEntry(std::uint16_t stringNumber, const Character (&literal)[Length + 1]) noexcept
-      : number(stringNumber), text{} {
-    for (std::size_t i = 0; i < Length; ++i) text[i] = static_cast<char16_t>(literal[i]);
+      : number(lowByteFirst(stringNumber)), text{} {
+    for (std::size_t i = 0; i < Length; ++i)
+      text[i] = lowByteFirst(static_cast<char16_t>(literal[i]));
   }
 };
 template <class Character, std::size_t Size>

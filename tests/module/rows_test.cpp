@@ -28,32 +28,4 @@ TEST(Heaps, AForeignBlockEndsTheProcess) {
   EXPECT_NE(result.output.find("not from odrxAlloc"), std::string::npos) << result.output;
 }
 
-// Every combination of the libraries of a host, in both kinds of program: the first that is present
-// in the order of the search decides.
-TEST(Lookup, EveryMixtureOfLibraries) {
-  for (unsigned mixture = 0; mixture < 16; ++mixture) {
-    const bool app = (mixture & 1) != 0, view = (mixture & 2) != 0, support = (mixture & 4) != 0;
-    const bool exporting = (mixture & 8) != 0;  // its export returns null here
-    ProbeRow row{"", exporting ? "lookup_probe_exporting" : "lookup_probe", {}, ""};
-    if (app) row.steps.push_back("load=QlHostApp.dll");
-    if (view) row.steps.push_back("load=qlview.dll");
-    if (support) row.steps.push_back("load=qlsupport.dll");
-    row.steps.insert(row.steps.end(), {"app", "instance", "translate"});
-    row.expected = std::string("app ") + (app ? "QlHostApp" : "null") + "\ninstance " +
-                   (exporting ? "null"
-                    : view    ? "qlview"
-                    : app     ? "QlHostApp"
-                              : "null") +
-                   // The application's library links the core library, which then does the
-                   // translation.
-                   "\ntranslate " +
-                   (app       ? "1 1"
-                    : support ? "2 2"
-                              : "0 0") +
-                   "\n";
-    SCOPED_TRACE(mixture);
-    ulm::test::runRow(row);
-  }
-}
-
 }  // namespace

@@ -3,8 +3,9 @@
 
 Checks that it exports its two entry points and nothing else; that no type whose memory is managed inside
 the language's shared library comes near it (a block of one heap could be freed into the other); that it
-carries allocation operators of its own; that it holds no static object of a function; and that of all static initialisers linked into it only the
-library's entry has the default priority, which makes it the last to run.
+carries allocation operators of its own; that its big integers have the plain kernel and no other; that it
+holds no static object of a function; and that of all static initialisers linked into it only the library's
+entry has the default priority, which makes it the last to run.
 Usage: main_library.py LIBRARY OBJECT_OR_ARCHIVE...
 """
 
@@ -20,6 +21,7 @@ FOREIGN = re.compile(
 LATE_STATICS = re.compile(r"__cxa_guard_acquire|__cxa_thread_atexit")
 # All that an initialiser may hold which does nothing.
 IDLE = re.compile(r"\t(push|pop|ret|endbr64|nop\S*|mov\s+%rsp,%rbp|data16|cs nopw|xchg\s+%ax,%ax)\b")
+KERNEL = re.compile(r" ulm::bignum::kernel::(\w+)::")
 OPERATORS = ("operator new(unsigned long)", "operator delete(void*)")
 
 
@@ -39,6 +41,9 @@ def check_symbols(library):
     for operator in OPERATORS:
         if not re.search(rf" t {re.escape(operator)}$", defined, re.MULTILINE):
             yield f"{library} has no {operator} of its own"
+    kernels = set(KERNEL.findall(defined))
+    if kernels != {"plain"}:
+        yield f"{library} has the big integers' kernels {sorted(kernels)}"
     for line in lines("nm", "-D", "-C", "--undefined-only", library):
         if LATE_STATICS.search(line):
             yield f"{library} uses {line.strip()}: a static object outside the load order"

@@ -8,9 +8,8 @@
 #include <random>
 #include <sstream>
 
-#include "tests/support/font_image.h"
 #include "tests/support/vector_blocks.h"
-#include "tests/truetype/subset_check.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/reader/fixed_point.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <ctime>
 
-#include "tests/support/font_image.h"
 #include "tests/truetype/bisection.h"
+#include "tests/truetype/font_image.h"
 
 namespace {
 

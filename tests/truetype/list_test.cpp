@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 
 namespace {
 

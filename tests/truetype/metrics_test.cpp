@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/font_image.h"
 #include "tests/truetype/bisection.h"
+#include "tests/truetype/font_image.h"
 
 namespace {
 

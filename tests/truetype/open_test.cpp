@@ -3,7 +3,7 @@
 
 #include <set>
 
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/truetype.h"
 
 namespace {

@@ -18,8 +18,8 @@
 #include <sstream>
 
 #include "command/support/process.h"
-#include "tests/support/font_image.h"
-#include "tests/truetype/subset_check.h"
+#include "fuzz/font_properties.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/reader/kerning.h"
 
 namespace {

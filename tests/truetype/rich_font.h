@@ -1,7 +1,7 @@
 // A small font with something in every table that is read.
 #pragma once
 
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 
 namespace ulm::test {
 

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "tests/support/font_image.h"
 #include "tests/support/vector_blocks.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/reader/glyphs.h"
 #include "truetype/reader/metrics.h"
 

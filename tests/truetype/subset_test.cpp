@@ -3,10 +3,10 @@
 
 #include <random>
 
-#include "tests/support/font_image.h"
+#include "fuzz/font_properties.h"
 #include "tests/truetype/failing_memory.h"
+#include "tests/truetype/font_image.h"
 #include "tests/truetype/rich_font.h"
-#include "tests/truetype/subset_check.h"
 #include "truetype/reader/tables.h"
 
 namespace {

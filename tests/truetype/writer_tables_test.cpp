@@ -4,7 +4,7 @@
 #include <memory>
 #include <random>
 
-#include "tests/support/font_image.h"
+#include "tests/truetype/font_image.h"
 #include "truetype/bytes.h"
 #include "truetype/reader/glyphs.h"
 #include "truetype/writer/table.h"

@@ -70,7 +70,7 @@ void divide(Word* quotient, Word* remainder, std::uint32_t aCount, const Word* d
   shiftLimbsLeft(d, d, bn, shift);
   a[an] = shiftLimbsLeft(a, a, an, shift);
   // Without a bit above the dividend, or one that reaches the divisor's, there is a limb less.
-  const std::size_t used = a[an] == 0 ? an : an + 1;
+  const std::size_t used = Digit{a[an]} == 0 ? an : an + 1;
   const Digit above = divLimbs(q, a, used, d, bn, scratch.take(0));
   const std::size_t qn = used - bn;
   shiftLimbsRight(a, a, bn, shift);

@@ -67,10 +67,10 @@ Steps stepsOf(Double x, Double y) noexcept {
 
 // The limbs index and below it shifted up by s bits: 128 bits. Limbs below the array are zero.
 Double topBits(const Limb* a, std::size_t index, unsigned s) noexcept {
-  const Digit second = index >= 1 ? a[index - 1] : 0;
+  const Digit second = index >= 1 ? Digit{a[index - 1]} : 0;
   const Double both = Double{a[index]} << kLimbBits | second;
   if (s == 0) return both;
-  const Digit third = index >= 2 ? a[index - 2] : 0;
+  const Digit third = index >= 2 ? Digit{a[index - 2]} : 0;
   return both << s | third >> (kLimbBits - s);
 }
 

@@ -12,60 +12,75 @@
 namespace ulm::bignum::kernel {
 inline namespace wide {
 
-// A limb in an array, which may be a pair of words of a value: those are aligned to 4 bytes and are
-// objects of another type.
-using Limb [[gnu::may_alias, gnu::aligned(4)]] = std::uint64_t;
 // A limb by itself.
 using Digit = std::uint64_t;
 __extension__ using Double = unsigned __int128;
 
 inline constexpr unsigned kLimbBits = 64;
-// Whether an array of words reads as an array of limbs.
-inline constexpr bool kWordsAreLimbs = std::endian::native == std::endian::little;
+
+// A limb in an array: two words, the low one first on every machine, so that an array of words can
+// be used as one of limbs. It has the alignment of a word, and is read and written as bytes.
+class Limb {
+ public:
+  Limb() = default;  // has no value yet
+  explicit Limb(Digit value) noexcept { *this = value; }
+  [[gnu::always_inline]] operator Digit() const noexcept {
+    Digit value;
+    std::memcpy(&value, words_, sizeof value);
+    return lowWordFirst(value);
+  }
+  [[gnu::always_inline]] Limb& operator=(Digit value) noexcept {
+    value = lowWordFirst(value);
+    std::memcpy(words_, &value, sizeof value);
+    return *this;
+  }
+
+ private:
+  // Changes a limb to the machine's order of its halves or from it.
+  static constexpr Digit lowWordFirst(Digit value) noexcept {
+    return std::endian::native == std::endian::little ? value : std::rotl(value, kWordBits);
+  }
+
+  Word words_[2];
+};
+static_assert(sizeof(Limb) == sizeof(Digit) && alignof(Limb) == alignof(Word));
+
+inline Limb* limbsAt(Word* words) noexcept { return static_cast<Limb*>(static_cast<void*>(words)); }
+inline const Limb* limbsAt(const Word* words) noexcept {
+  return static_cast<const Limb*>(static_cast<const void*>(words));
+}
 
 constexpr std::size_t limbsFor(std::size_t words) noexcept { return words / 2 + words % 2; }
 
 inline void copyLimbs(Limb* dst, const Limb* src, std::size_t n) noexcept {
-  if (n != 0) std::memmove(static_cast<void*>(dst), src, n * sizeof(Digit));
+  if (n != 0) std::memmove(dst, src, n * sizeof(Limb));
 }
 inline void zeroLimbs(Limb* dst, std::size_t n) noexcept {
-  if (n != 0) std::memset(static_cast<void*>(dst), 0, n * sizeof(Digit));
+  if (n != 0) std::memset(static_cast<void*>(dst), 0, n * sizeof(Limb));
 }
 
 // limbsFor(count) limbs of `count` words. What follows the words is not read.
 inline void limbsOfWords(Limb* limbs, const Word* words, std::size_t count) noexcept {
-  if constexpr (kWordsAreLimbs) {
-    if (count % 2 != 0) limbs[count / 2] = words[count - 1];
-    std::memcpy(static_cast<void*>(limbs), words, count / 2 * sizeof(Digit));
-  } else {
-    for (std::size_t i = 0; i + 1 < count; i += 2) {
-      limbs[i / 2] = words[i] | Digit{words[i + 1]} << kWordBits;
-    }
-    if (count % 2 != 0) limbs[count / 2] = words[count - 1];
-  }
+  if (count % 2 != 0) limbs[count / 2] = words[count - 1];
+  copyLimbs(limbs, limbsAt(words), count / 2);
 }
 
 // `count` words of limbs, of which there are limbsFor(count) or more.
 inline void wordsOfLimbs(Word* words, const Limb* limbs, std::size_t count) noexcept {
-  if constexpr (kWordsAreLimbs) {
-    std::memcpy(words, limbs, count * sizeof(Word));
-  } else {
-    for (std::size_t i = 0; i < count; ++i) {
-      words[i] = static_cast<Word>(limbs[i / 2] >> (i % 2 * kWordBits));
-    }
-  }
+  std::memcpy(words, limbs, count * sizeof(Word));
 }
 
 // The number of limbs without zero limbs on top; 0 for zero. n may be 0.
 inline std::size_t significant(const Limb* a, std::size_t n) noexcept {
-  while (n != 0 && a[n - 1] == 0) --n;
+  while (n != 0 && Digit{a[n - 1]} == 0) --n;
   return n;
 }
 
 // The order of two numbers of n limbs: -1, 0 or 1. n may be 0.
 inline int compareLimbs(const Limb* a, const Limb* b, std::size_t n) noexcept {
   while (n-- > 0) {
-    if (a[n] != b[n]) return a[n] < b[n] ? -1 : 1;
+    const Digit x = a[n], y = b[n];
+    if (x != y) return x < y ? -1 : 1;
   }
   return 0;
 }

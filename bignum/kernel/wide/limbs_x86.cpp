@@ -225,7 +225,7 @@ Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
 }
 
 void mulRows(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) noexcept {
-  r[an] = mulLimb(r, a, an, b[0]);
+  r[an] = x86::mulLimb(r, a, an, b[0]);
   byTail<MulRows>(an, r, a, an / 8, b, bn);
 }
 
@@ -234,7 +234,7 @@ void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept {
   r[0] = 0;
   r[2 * n - 1] = 0;
   if (n > 1) {
-    r[n] = mulLimb(r + 1, a + 1, n - 1, a[0]);
+    r[n] = x86::mulLimb(r + 1, a + 1, n - 1, a[0]);
     for (std::size_t j = 1; j + 1 < n; ++j) {
       const std::size_t length = n - 1 - j;
       r[n + j] = byTail<AddMul>(length, r + 2 * j + 1, a + j + 1, length / 8, Digit{a[j]});

@@ -4,7 +4,7 @@
 
 #include "bignum/kernel/wide/limbs.h"
 
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(__ILP32__)  // pointers have 64 bits
 #define ULM_LIMBS_X86 1
 
 namespace ulm::bignum::kernel {

@@ -10,7 +10,7 @@ namespace {
 
 // Whether operands and product can be used where they are: in whole limbs.
 bool inPlace(std::uint32_t aCount, std::uint32_t bCount) noexcept {
-  return kWordsAreLimbs && aCount % 2 == 0 && bCount % 2 == 0;
+  return aCount % 2 == 0 && bCount % 2 == 0;
 }
 
 std::size_t limbsToTake(std::uint32_t aCount, std::uint32_t bCount) noexcept {
@@ -43,11 +43,7 @@ void multiply(Word* product, const Word* a, std::uint32_t aCount, const Word* b,
   const std::size_t an = limbsFor(aCount), bn = limbsFor(bCount);
   Scratch scratch(scratchWords);
   if (inPlace(aCount, bCount)) {
-    const auto limbsAt = [](const Word* words) {
-      return static_cast<const Limb*>(static_cast<const void*>(words));
-    };
-    multiplyLimbs(static_cast<Limb*>(static_cast<void*>(product)), limbsAt(a), an, limbsAt(b), bn,
-                  scratch.take(0));
+    multiplyLimbs(limbsAt(product), limbsAt(a), an, limbsAt(b), bn, scratch.take(0));
     return;
   }
   Limb* const aLimbs = scratch.take(an);

@@ -31,7 +31,7 @@ class Candidate {
       odd_ >>= zeros;
       twos_ += zeros;
     }
-    Digit digit = 1;
+    const Limb digit(1);
     by_.enter(one_, &digit, 1, scratch_);
     subLimbs(minus_, by_.modulus(), one_, n_);
   }
@@ -58,7 +58,7 @@ class Candidate {
   static constexpr Window kMostWindow{7};
 
   void raise(std::uint32_t base, const QLInteger& exponent) noexcept {
-    Digit digit = base;
+    const Limb digit(base);
     by_.enter(base_, &digit, 1, scratch_);
     Window window = windowFor(exponent);
     window.bits = std::min(window.bits, kMostWindow.bits);

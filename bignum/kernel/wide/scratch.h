@@ -21,8 +21,7 @@ constexpr std::size_t wordsToAsk(std::size_t limbs) noexcept {
 class Scratch {
  public:
   // `words` is what the caller made of wordsToAsk; null where that is 0.
-  explicit Scratch(Word* words) noexcept
-      : next_(words == nullptr ? frame_ : static_cast<Limb*>(static_cast<void*>(words))) {}
+  explicit Scratch(Word* words) noexcept : next_(words == nullptr ? frame_ : limbsAt(words)) {}
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;
 
@@ -33,7 +32,7 @@ class Scratch {
   }
 
  private:
-  Digit frame_[kFrameLimbs];  // not initialised: that would take longer than a short operation
+  Limb frame_[kFrameLimbs];  // not initialised: that would take longer than a short operation
   Limb* next_;
 };
 
@@ -63,7 +62,7 @@ inline void setLimbs(QLInteger& value, const Limb* limbs, std::size_t n) noexcep
     value.words[0] = 0;
     value.count = 1;
   } else {
-    const std::size_t words = 2 * n - (limbs[n - 1] >> kWordBits == 0 ? 1 : 0);
+    const std::size_t words = 2 * n - (Digit{limbs[n - 1]} >> kWordBits == 0 ? 1 : 0);
     wordsOfLimbs(value.words, limbs, words);
     value.count = static_cast<std::uint32_t>(words);
   }

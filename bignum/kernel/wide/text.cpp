@@ -132,9 +132,9 @@ class Writer {
     while (blocks-- > 0) {
       Digit block = 0;
       if (n != 0) {
-        const Digit above = shift_ == 0 ? 0 : a[n - 1] >> (kLimbBits - shift_);
+        const Digit above = shift_ == 0 ? 0 : Digit{a[n - 1]} >> (kLimbBits - shift_);
         block = divideShifted(a, n, above) >> shift_;
-        if (a[n - 1] == 0) --n;
+        if (Digit{a[n - 1]} == 0) --n;
       }
       putBlock(out + blocks * block_.digits, block, block_.digits, radix_);
     }
@@ -144,7 +144,7 @@ class Writer {
   Digit divideShifted(Limb* a, std::size_t n, Digit above) const noexcept {
     for (std::size_t i = n; i-- > 0;) {
       Digit low = a[i] << shift_;
-      if (shift_ != 0 && i != 0) low |= a[i - 1] >> (kLimbBits - shift_);
+      if (shift_ != 0 && i != 0) low |= Digit{a[i - 1]} >> (kLimbBits - shift_);
       a[i] = divideDouble(above, low, divisor_, inverse_, above);
     }
     return above;
@@ -200,9 +200,9 @@ constexpr auto kDigitValues = [] {
   std::array<std::uint8_t, 256> values{};
   values.fill(255);
   for (std::uint8_t digit = 0; digit < 16; ++digit) {
-    const auto character = static_cast<std::uint8_t>(DigitTable[digit]);
+    const auto character = static_cast<std::size_t>(DigitTable[digit]);
     values[character] = digit;
-    if (digit > 9) values[character - 'A' + 'a'] = digit;
+    if (digit > 9) values[character + ('a' - 'A')] = digit;
   }
   return values;
 }();

@@ -1,4 +1,4 @@
-// The routines on words, two at a time where their order in memory allows it.
+// The routines on words, two at a time.
 #include <algorithm>
 
 #include "bignum/kernel/kernel.h"
@@ -8,13 +8,8 @@ namespace ulm::bignum::kernel {
 inline namespace wide {
 namespace {
 
-Limb* limbsAt(Word* words) noexcept { return static_cast<Limb*>(static_cast<void*>(words)); }
-const Limb* limbsAt(const Word* words) noexcept {
-  return static_cast<const Limb*>(static_cast<const void*>(words));
-}
-
 // The words of n that are done as limbs.
-std::uint32_t pairedWords(std::uint32_t n) noexcept { return kWordsAreLimbs ? n / 2 * 2 : 0; }
+std::uint32_t pairedWords(std::uint32_t n) noexcept { return n / 2 * 2; }
 
 }  // namespace
 

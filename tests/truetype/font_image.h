@@ -282,4 +282,13 @@ inline OwnedGlyph glyphOf(const truetype::TrueTypeFont* font, std::uint32_t glyp
   return OwnedGlyph(truetype::getGlyphData(font, glyph));
 }
 
+inline std::vector<truetype::GlyphPoint> pointsOf(const truetype::TrueTypeFont* font,
+                                                  std::uint32_t glyph) {
+  truetype::GlyphPoint* points = nullptr;
+  const std::int32_t count = truetype::getGlyphPoints(font, glyph, &points);
+  std::vector<truetype::GlyphPoint> copy(points, points + (count < 0 ? 0 : count));
+  std::free(points);
+  return copy;
+}
+
 }  // namespace ulm::test

@@ -1,21 +1,79 @@
-// A subset of a font, held to what it must be of whatever source.
+// What is true of every font that opens, of every file that the writer makes, and of every subset.
+// Each check returns the number of properties that do not hold.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <vector>
 
+#include "tests/truetype/font_image.h"
 #include "truetype/bytes.h"
-#include "truetype/reader/glyphs.h"
+#include "truetype/reader/kerning.h"
 #include "truetype/reader/metrics.h"
-#include "truetype/reader/open.h"
+#include "truetype/reader/names.h"
+#include "truetype/reader/tables.h"
 #include "truetype/writer/subset.h"
 #include "truetype/writer/writer.h"
 
 namespace ulm::test {
+
+// Of every reading operation; `glyphLimit` bounds the glyphs looked at.
+inline int checkReading(const truetype::TrueTypeFont* font, std::uint32_t glyphLimit) {
+  using namespace truetype;
+  int wrong = 0;
+  const auto expect = [&wrong](bool holds) { wrong += holds ? 0 : 1; };
+  NameRecord* names = nullptr;
+  const std::int32_t nameCount = getNameRecords(font, &names);
+  for (std::int32_t i = 0; i < nameCount; ++i)
+    expect((names[i].data != nullptr) == (names[i].length != 0));
+  releaseNameRecords(names, nameCount);
+  GlobalFontInfo info;
+  getGlobalFontInfo(font, &info);
+  expect(info.family != nullptr && info.subfamily != nullptr && info.postScript != nullptr);
+
+  for (std::uint32_t code = 0; font->cmapLookup != nullptr && code < 0x10000;
+       code += code < 0x200 || code >= 0xFFF0 ? 1 : 0x10) {
+    font->cmapLookup(font->cmapSubtable, static_cast<std::uint16_t>(code));
+  }
+  std::free(readAllGlyphBoxes(font));
+  const std::uint16_t run[] = {0, 1, 2, 0xFFFF, 7};
+  std::free(getScaledAdvances(font, run, 5, 0));
+  std::free(getScaledAdvances(font, run, 5, 1));
+  KernAdjustment kerning[4];
+  if (font->kernType != 1) getRunKerning(font, run, 5, 0, kerning);
+  if (font->kernType != 1) getRunKerning(font, run, 5, 1, kerning);
+  for (const std::uint32_t tag : {0x676C7966u, 0x7A7A7A7Au, 0u}) {
+    std::uint32_t length = 0;
+    std::uint8_t* copy = copyTableByTag(font, tag, &length);
+    expect((copy != nullptr) == (findTableByTag(font, tag) != nullptr));
+    std::free(copy);
+  }
+
+  const std::uint32_t glyphs = font->numGlyphs < glyphLimit ? font->numGlyphs : glyphLimit;
+  for (std::uint32_t glyph = 0; glyph < glyphs; ++glyph) {
+    GlyphMetrics metrics;
+    readGlyphMetrics(font, glyph, &metrics);
+    GlyphPoint* points = nullptr;
+    const std::int32_t count = getGlyphPoints(font, glyph, &points);
+    expect(count >= 0 && (count == 0 || points != nullptr));
+    std::uint32_t contours = 0;
+    for (std::int32_t i = 0; i < count; ++i) contours += points[i].flags >> 15 & 1u;
+    if (const OwnedGlyph data = glyphOf(font, glyph)) {
+      expect(data->pointCount == (count & 0xFFFF) && data->contourCount == (contours & 0xFFFF));
+      expect((data->data != nullptr) == (data->byteCount != 0));
+    }
+    std::free(points);
+    TTList* list = listCreate();
+    if (list != nullptr) {
+      expect(collectGlyphComponents(font, glyph, list) ==
+             static_cast<std::int32_t>(listCount(list)));
+      listDispose(list);
+    }
+  }
+  return wrong;
+}
 
 // Whether a glyph's outline is made of bytes inside its own part of glyf alone, and those of its
 // components of theirs, without a cycle: what a subset has to keep. Written apart from the library.
@@ -76,16 +134,7 @@ class OwnOutline {
   const truetype::TrueTypeFont* font_;
 };
 
-inline std::vector<truetype::GlyphPoint> pointsOf(const truetype::TrueTypeFont* font,
-                                                  std::uint32_t glyph) {
-  truetype::GlyphPoint* points = nullptr;
-  const std::int32_t count = truetype::getGlyphPoints(font, glyph, &points);
-  std::vector<truetype::GlyphPoint> copy(points, points + (count < 0 ? 0 : count));
-  std::free(points);
-  return copy;
-}
-
-// The number of results that cannot be, of a file made by the writer: sums, order, places, padding.
+// Of a file made by the writer: sums, order, offsets, padding.
 inline int checkFile(const std::uint8_t* image, std::uint32_t length) {
   using namespace truetype;
   int wrong = tableChecksum(image, length) == 0xB1B0AFBA ? 0 : 1;
@@ -103,7 +152,7 @@ inline int checkFile(const std::uint8_t* image, std::uint32_t length) {
   return wrong + (end == length ? 0 : 1);
 }
 
-// The number of results that cannot be, of a subset of the glyphs, with codes from 32 on.
+// Of a subset of the glyphs, with codes from 32 on.
 inline int checkSubset(const truetype::TrueTypeFont* font, const std::vector<std::uint16_t>& glyphs,
                        std::uint32_t flags) {
   using namespace truetype;
