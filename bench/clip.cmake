@@ -1,6 +1,6 @@
 # The clipper next to its peers, each of which is measured if it is installed.
 
-add_executable(clip_bench clip_bench.cpp)
+add_executable(clip_bench clip_bench.cpp clip_in_place_bench.cpp)
 ulm_common(clip_bench)
 target_link_libraries(clip_bench PRIVATE Ulmira::clip benchmark::benchmark ${CMAKE_DL_LIBS})
 

@@ -31,8 +31,18 @@ std::vector<Point> disc(std::mt19937& random, double x, double y, double radius,
   return points;
 }
 
-ClipBatch polygons(const std::string& kind, std::uint32_t count, bool flat) {
-  ClipBatch batch{(flat ? "rectangle/" : "volume/") + kind + "/" + std::to_string(count), {}, flat};
+// An outline of random vertices, which may cross itself and each plane many times.
+std::vector<Point> tangle(std::mt19937& random, std::uint32_t count) {
+  std::vector<Point> points;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    points.push_back(
+        {uniform(random, -1.5, 1.5), uniform(random, -1.5, 1.5), uniform(random, -1.1, 1.1), 1});
+  }
+  return points;
+}
+
+ClipBatch polygons(const std::string& group, const std::string& kind, std::uint32_t count) {
+  ClipBatch batch{group + "/" + kind + "/" + std::to_string(count), {}, group == "rectangle"};
   std::mt19937 random(count);
   for (std::size_t i = 0; i < std::max<std::size_t>(kShapes / (1 + count / 16), 50); ++i) {
     const double shift = uniform(random, -0.05, 0.05);
@@ -42,6 +52,9 @@ ClipBatch polygons(const std::string& kind, std::uint32_t count, bool flat) {
       batch.shapes.push_back(disc(random, 1 + shift, shift, 0.6, count));
     } else if (kind == "several") {
       batch.shapes.push_back(disc(random, shift, shift, 1.25, count));
+    } else if (kind == "tangle") {
+      batch.shapes.push_back(
+          tangle(random, 3 + static_cast<std::uint32_t>(random() % (count - 2))));
     } else {
       batch.shapes.push_back(disc(random, uniform(random, -1.6, 1.6), uniform(random, -1.6, 1.6),
                                   uniform(random, 0.1, 1.5),
@@ -303,9 +316,15 @@ int main(int argc, char** argv) {
   for (const char* kind : {"inside", "one", "several", "mixture"}) {
     for (const std::uint32_t count : {3U, 4U, 8U, 24U, 100U, 1000U}) {
       const bool fixed = count <= 24;  // leaves capacity for the vertices that the planes add
-      addPolygons<false>(batches.emplace_back(polygons(kind, count, false)), fixed);
-      addPolygons<true>(batches.emplace_back(polygons(kind, count, true)), fixed);
+      addPolygons<false>(batches.emplace_back(polygons("volume", kind, count)), fixed);
+      addPolygons<true>(batches.emplace_back(polygons("rectangle", kind, count)), fixed);
     }
+  }
+  const std::pair<const char*, std::uint32_t> kInPlace[] = {
+      {"one", 3},      {"one", 30},     {"one", 1000}, {"several", 3}, {"several", 24},
+      {"mixture", 12}, {"mixture", 24}, {"tangle", 3}, {"tangle", 12}};
+  for (const auto& [kind, count] : kInPlace) {
+    addInPlace(batches.emplace_back(polygons("in_place", kind, count)));
   }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

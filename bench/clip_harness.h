@@ -35,6 +35,9 @@ inline double threadSeconds() {
 // remaining vertices. area(i), which is optional, clips shape i and returns the area of the result
 // in x and y. If the sum of the areas is not `expected`, the run fails and nothing is timed. Each
 // iteration has another order: in a fixed order the branch predictor would learn the list.
+// A peer that clips in place has prepare(order), which is not timed and makes copies in that order;
+// clip(i) then clips copy i, or clipAll() all of them. isRight(), which is optional, compares
+// results and decides whether the peer is timed.
 template <class Peer>
 void runClipPeer(benchmark::State& state, const ClipBatch& batch, double expected) {
   const auto peer = std::make_unique<Peer>(batch);
@@ -47,13 +50,24 @@ void runClipPeer(benchmark::State& state, const ClipBatch& batch, double expecte
       return;
     }
   }
+  if constexpr (requires { peer->isRight(); }) {
+    if (!peer->isRight()) return state.SkipWithError("wrong result");
+  }
   std::mt19937 random(1);
   std::vector<std::uint32_t> order(count);
   std::iota(order.begin(), order.end(), 0U);
   for (auto _ : state) {
     std::shuffle(order.begin(), order.end(), random);
+    constexpr bool copies = requires { peer->prepare(order); };
+    if constexpr (copies) peer->prepare(order);
     const double start = threadSeconds();
-    for (const std::uint32_t i : order) benchmark::DoNotOptimize(peer->clip(i));
+    if constexpr (requires { peer->clipAll(); }) {
+      benchmark::DoNotOptimize(peer->clipAll());
+    } else if constexpr (copies) {
+      for (std::size_t i = 0; i < count; ++i) benchmark::DoNotOptimize(peer->clip(i));
+    } else {
+      for (const std::uint32_t i : order) benchmark::DoNotOptimize(peer->clip(i));
+    }
     state.SetIterationTime(threadSeconds() - start);
   }
   state.counters["each"] =
@@ -92,6 +106,9 @@ double areaOf(std::size_t count, X&& x, Y&& y) {
   }
   return sum / 2;
 }
+
+// Registers the benchmarks of the in-place drivers, with a plain loop next to them.
+void addInPlace(const ClipBatch& batch);
 
 // Each function registers the benchmarks of a peer: segments and polygons against the rectangle.
 void addAggSegments(const ClipBatch& batch);

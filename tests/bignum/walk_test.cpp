@@ -9,9 +9,9 @@
 
 #include "bignum/integer.h"
 #include "bignum/text.h"
-#include "standin/odrx/alloc_control.h"
 #include "tests/bignum/operands.h"
 #include "tests/bignum/walk_steps.h"
+#include "tests/support/runtime_heap.h"
 #include "tests/support/vector_blocks.h"
 
 namespace ulm::bignum::test {
@@ -19,28 +19,34 @@ namespace {
 
 // Runs the step on copies of the values with each of its allocations failing in turn. Only values
 // that the step changes may then differ from before.
-void failEachAllocation(Walk& walk, Step step, const bool (&changes)[8]) {
+void failEachOfStep(Walk& walk, Step step, const bool (&changes)[8]) {
   QLInteger kept[8];
-  for (int i = 0; i < 8; ++i) kept[i].Swap(walk.registers[i]);
-  for (std::uint64_t served = 0;; served += 1 + served / 4) {
+  for (int i = 0; i < 8; ++i) {
+    kept[i].Swap(walk.registers[i]);
+    QLInteger(kEmptyHolder).Swap(walk.registers[i]);
+  }
+  const auto call = [&](ulm::test::FailingMemory& memory) {
     for (int i = 0; i < 8; ++i) {
       QLInteger copy(kept[i]);
       if (copy.capacity < kept[i].capacity) copy.Reallocate(kept[i].capacity, true);
       copy.Swap(walk.registers[i]);
     }
-    const std::uint64_t calls = odrxAllocCounts().calls;
-    odrxAllocFail(served, 1);
-    walk.run(step);
-    odrxAllocFail(0, 0);
-    if (odrxAllocCounts().calls - calls <= served) break;
-    EXPECT_EQ(walk.result, "bad_alloc");
+    const bool whole = memory.run([&] {
+      walk.run(step);
+      return walk.result != "bad_alloc";
+    });
+    bool intact = true;
     for (int i = 0; i < 8; ++i) {
-      const std::string state = stateOf(walk.registers[i]);
-      EXPECT_TRUE(state == stateOf(kept[i]) ||
-                  (changes[i] && (state == "0 0 +" || isNormal(walk.registers[i]))))
-          << state << " in register " << i << " after " << served;
+      if (!whole) {
+        const std::string state = stateOf(walk.registers[i]);
+        intact = intact && (state == stateOf(kept[i]) ||
+                            (changes[i] && (state == "0 0 +" || isNormal(walk.registers[i]))));
+      }
+      QLInteger(kEmptyHolder).Swap(walk.registers[i]);
     }
-  }
+    return intact;
+  };
+  EXPECT_EQ(failEachAllocation(ulm::test::kRuntimeHeap, call, true).fault, "");
   for (int i = 0; i < 8; ++i) kept[i].Swap(walk.registers[i]);
 }
 
@@ -79,9 +85,7 @@ TEST(Walk, LeavesTheExpectedStates) {
         expected[i] = state.value_or(stateOf(walk.registers[i]));
       }
 
-      const std::uint64_t blocks = odrxAllocCounts().liveBlocks;
-      failEachAllocation(walk, step, changes);
-      EXPECT_EQ(odrxAllocCounts().liveBlocks, blocks);
+      failEachOfStep(walk, step, changes);
       walk.run(step);
       EXPECT_EQ(walk.result, block.find("Result").value_or(""));
       std::istringstream values(out.value_or(""));

@@ -87,12 +87,6 @@ TEST(Growable, GrowsAsItIsMadeAndWritten) {
     EXPECT_EQ(codeRaisedBy([&] { polygon.vertexForWrite(index); }), 9) << index;
     EXPECT_TRUE(polygon.count == 22 && polygon.vertices.length() == 22);
   }
-  ClipPolygonArray spare(4, false);
-  const ClipPolygonArray shared = spare;
-  odrxAllocFail(0, 1);
-  EXPECT_EQ(codeRaisedBy([&] { spare.vertexForWrite(1); }), 9);  // the copy of the shared buffer
-  odrxAllocFail(0, 0);
-  EXPECT_EQ(spare.count, 0U);
 }
 
 // The tests on outcodes allocate and detach nothing. A trace then holds the origins of an untouched
@@ -147,28 +141,6 @@ TEST(Growable, ACountAboveTheLengthIsAnInvalidIndex) {
   }
   first.count = 1;  // with fewer than two vertices no element is read
   EXPECT_EQ(clipPolygonArrayToVolume(polygon, second, first, ~0U), nullptr);
-}
-
-// Every allocation of a call fails once: OdError 9, the input unchanged, no memory leaked.
-TEST(Growable, SurvivesEachFailingAllocation) {
-  const std::uint64_t liveBefore = odrxAllocCounts().liveBlocks;
-  {
-    const ClipPolygonArray original = circle(40);
-    std::uint64_t served = 0;
-    for (std::int32_t code = 9; code != 0; ++served) {
-      ClipPolygonArray polygon = original;
-      ClipTrace<ClipPolygonArray> trace;
-      odrxAllocFail(served, 1);
-      code = codeRaisedBy([&] { clipPolygonInPlace(polygon, trace); });
-      odrxAllocFail(0, 0);
-      if (code == 0) break;
-      ASSERT_EQ(code, 9);
-      ASSERT_EQ(polygon.count, 40U);
-      EXPECT_EQ(bufferOf(polygon)[39].y, bufferOf(original)[39].y);
-    }
-    EXPECT_GE(served, 6U);  // two scratch polygons, the detached input, the trace
-  }
-  EXPECT_EQ(odrxAllocCounts().liveBlocks, liveBefore);
 }
 
 }  // namespace

@@ -107,25 +107,6 @@ TEST(ListEnumerator, WalksToItsEdgesAndKeepsItsListAlive) {
   EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
 }
 
-TEST(List, MemoryThatRunsOutChangesNothing) {
-  auto* list = ulm::glue::makeObject<List>();
-  const std::uint64_t live = odrxAllocCounts().liveBlocks;
-  for (std::uint64_t n = 0; n < 3; ++n) {  // the string, the node, the enumerator
-    const auto ask = [&]() -> void* {
-      odrxAllocFail(n % 2, 1);
-      if (n == 2) return list->GetEnum();
-      return list->AddTail("b");
-    };
-    EXPECT_THROW(ask(), std::bad_alloc) << n;
-    std::set_new_handler([] {});
-    EXPECT_EQ(ask(), nullptr) << n;
-    std::set_new_handler(nullptr);
-  }
-  EXPECT_EQ(odrxAllocCounts().liveBlocks, live);
-  EXPECT_EQ(list->GetCount(), 0u);
-  EXPECT_EQ(list->Release(), 0u);  // no reference was leaked
-}
-
 TEST(List, RefusesOnceItCloses) {
   struct Closable : List {
     using List::Close;

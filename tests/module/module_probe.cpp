@@ -21,6 +21,7 @@
 #include "tests/module/heap_watch.h"
 #include "tests/module/main_variant.h"
 #include "tests/module/script.h"
+#include "tests/support/runtime_heap.h"
 #include "tests/support/system_names.h"
 
 namespace {
@@ -79,19 +80,15 @@ std::string init() {
 std::string sweep(std::string (*call)(), void (*undo)()) {
   std::vector<std::string> outcomes;
   std::string last;
-  for (std::uint64_t n = 0; n < 1000; ++n) {
+  ulm::test::failEachAllocation(ulm::test::kRuntimeHeap, [&](ulm::test::FailingMemory& memory) {
     _wputenv(L"PATH=/start");
-    const std::uint64_t callsBefore = odrxAllocCounts().calls;
-    odrxAllocFail(n, 1);
-    last = call();
-    odrxAllocFail(0, 0);
-    undo();
-    const bool reached = odrxAllocCounts().calls > callsBefore + n;
-    if (!balanced()) last += " unbalanced";
-    if (!reached) break;
-    if (std::find(outcomes.begin(), outcomes.end(), last) == outcomes.end())
+    if (!last.empty() && std::find(outcomes.begin(), outcomes.end(), last) == outcomes.end())
       outcomes.push_back(last);
-  }
+    memory.run([&] { return !(last = call()).empty(); });
+    undo();
+    if (!balanced()) last += " unbalanced";
+    return true;
+  });
   std::string text;
   for (const std::string& each : outcomes) text += each + " | ";
   return text + "whole: " + last;

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <hb-ot.h>
 #include <hb.h>
-#include <malloc.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -19,37 +18,9 @@
 
 #include "command/support/process.h"
 #include "fuzz/font_properties.h"
+#include "tests/support/c_heap.h"
 #include "tests/truetype/font_image.h"
 #include "truetype/reader/kerning.h"
-
-namespace {
-
-long heldBytes = 0, mostBytes = 0;
-void* held(void* block) {
-  heldBytes += static_cast<long>(malloc_usable_size(block));
-  mostBytes = std::max(mostBytes, heldBytes);
-  return block;
-}
-
-}  // namespace
-
-// The library's allocations are linked to these.
-extern "C" {
-void* __real_malloc(std::size_t size);
-void* __real_calloc(std::size_t count, std::size_t size);
-void __real_free(void* block);
-void* __wrap_malloc(std::size_t size);
-void* __wrap_calloc(std::size_t count, std::size_t size);
-void __wrap_free(void* block);
-}
-void* __wrap_malloc(std::size_t size) { return held(__real_malloc(size)); }
-void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return held(__real_calloc(count, size));
-}
-void __wrap_free(void* block) {
-  heldBytes -= static_cast<long>(malloc_usable_size(block));
-  __real_free(block);
-}
 
 namespace {
 
@@ -283,10 +254,10 @@ TEST_P(PeerTest, SubsetsHaveTheSourcesCharacters) {
   for (const bool composites : {false, true}) {
     const Chosen before = choose(composites);
     Chosen chosen = before;
-    const long start = mostBytes = heldBytes;
+    const std::int64_t start = cHeap.mostBytesHeld = cHeap.bytesHeld;
     const Bytes made = subsetOf(ours, chosen);
-    const long peak = mostBytes - start;
-    EXPECT_EQ(heldBytes, start);
+    const std::int64_t peak = cHeap.mostBytesHeld - start;
+    EXPECT_EQ(cHeap.bytesHeld, start);
 
     // A subset of the subset is the same font once more.
     const OpenFont opened(made);
@@ -296,9 +267,9 @@ TEST_P(PeerTest, SubsetsHaveTheSourcesCharacters) {
     EXPECT_EQ(again.glyphs, chosen.glyphs);
     // At its peak the work holds the glyphs' bytes once, the other tables twice and 200 bytes a
     // glyph.
-    const auto length = static_cast<long>(made.size());
+    const auto length = static_cast<std::int64_t>(made.size());
     EXPECT_GT(peak, length);
-    EXPECT_LE(peak, 2 * length - static_cast<long>(opened->tableLengths[kSlotGlyf]) +
+    EXPECT_LE(peak, 2 * length - static_cast<std::int64_t>(opened->tableLengths[kSlotGlyf]) +
                         200 * static_cast<long>(opened->numGlyphs));
 
     const Peers fresh(made, 0);

@@ -4,7 +4,6 @@
 #include <random>
 
 #include "fuzz/font_properties.h"
-#include "tests/truetype/failing_memory.h"
 #include "tests/truetype/font_image.h"
 #include "tests/truetype/rich_font.h"
 #include "truetype/reader/tables.h"
@@ -439,62 +438,6 @@ TEST(Subset, EqualsTheWriterByHand) {
     const Bytes made = file.table("head"), head = byHand.table("head");
     EXPECT_TRUE(std::equal(made.begin() + 36, made.begin() + 44, head.begin() + 36));
   }
-}
-
-TEST(Subset, MemoryFailsWhole) {
-  const OpenFont font(richFont());
-  const std::vector<std::uint16_t> glyphs{4, 3, 1, 9};
-  long refused = 0, rewritten = 0;
-  const long needed = withEachFailing([&] {
-    std::vector<std::uint16_t> ids = glyphs;
-    const std::vector<std::uint16_t> codes{65, 66, 67, 68};
-    std::uint8_t* image = nullptr;
-    std::uint32_t length = 0;
-    const WriterResult result = createTrueTypeSubset(font.get(), &image, &length, ids.data(),
-                                                     codes.data(), 4, 0, nullptr, SubsetKeepOS2);
-    if (result == WriterResultNoMemory) refused += image == nullptr && length == 0 ? 1 : 0;
-    rewritten += result == WriterResultNoMemory && ids != glyphs ? 1 : 0;
-    EXPECT_TRUE(ids == glyphs || ids == (std::vector<std::uint16_t>{0, 4, 5, 0xFFFF}));
-    std::free(image);
-  });
-  EXPECT_EQ(refused, needed);
-  EXPECT_GT(needed, 40);
-  EXPECT_GT(rewritten, 10);
-}
-
-TEST(Subset, MemoryFailsTablesWhole) {
-  const OpenFont font(richFont());
-  NameRecord name{1, 0, 0, 1, 1, const_cast<std::uint8_t*>(font->image)};
-  withEachFailing([&] {
-    const Writer writer = newWriter();
-    WriterTable* glyf = createGlyfTable();
-    std::uint32_t whole = 0;  // the records that there are to be
-    for (const std::uint32_t glyph : {0u, 2u, 4u}) {
-      if (glyf == nullptr) break;
-      const std::int32_t added = addGlyph(glyf, getGlyphData(font.get(), glyph), font.get());
-      const auto* list = static_cast<const TTList*>(glyf->data);
-      const bool hasFirst =
-          whole != 0 && static_cast<GlyphData*>(list->first->item)->glyphIndex == 0;
-      if (added >= 0) whole += glyph < 4 ? 1 : hasFirst ? 3 : 4;
-      EXPECT_EQ(glyphCount(glyf), whole);
-      EXPECT_EQ(list->current, list->first);
-    }
-    WriterTable* cmap = createCmapTable();
-    for (int i = 0; cmap != nullptr && i < 501; ++i) addCharMapping(cmap, 1, 1);
-    WriterTable* names = createNameTable(1, &name);
-    if (names != nullptr) addNameRecord(names, &name);
-    for (WriterTable* table : {glyf, cmap, names}) {
-      const std::uint8_t* bytes = nullptr;
-      std::uint32_t length = 0, tag = 0;
-      if (table == nullptr) continue;
-      const WriterResult result = getTableImage(table, &bytes, &length, &tag);
-      EXPECT_EQ(bytes != nullptr, result == WriterResultOk);
-      const std::uint32_t wanted = table == names ? 6 + 2 * 13 : 12 + 14 + 10 * 502;
-      EXPECT_TRUE(result != WriterResultOk || table == glyf || length == wanted);
-      writer == nullptr ? disposeWriterTable(table)
-                        : static_cast<void>(addWriterTable(writer.get(), table));
-    }
-  });
 }
 
 }  // namespace
