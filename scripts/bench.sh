@@ -33,8 +33,10 @@ programs=(bignum digest clip truetype subset module)
 ulm_quietly cmake --build --preset bench -j "$ulm_jobs" --target "${programs[@]/%/_bench}"
 
 wrapper=(${ULM_BENCH_WRAPPER:-})
+few=()
 if [ -n "$quick" ]; then
   rounds=3 seconds=0.01
+  few=("--benchmark_filter=-bits:1000000|(nextprime|fivepowers)/.*bits:(2048|4096)")
 else
   rounds=7 seconds=0.1
 fi
@@ -42,7 +44,7 @@ fi
 results=()
 for program in "${programs[@]}"; do
   ulm_stage "$program" ulm_quietly "${wrapper[@]}" "build/bench/bin/${program}_bench" \
-    --benchmark_min_time="$seconds" --benchmark_repetitions="$rounds" \
+    "${few[@]}" --benchmark_min_time="$seconds" --benchmark_repetitions="$rounds" \
     --benchmark_enable_random_interleaving=true --benchmark_out_format=json --benchmark_out="$out/$program.json"
   results+=("$out/$program.json")
 done

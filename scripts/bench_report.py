@@ -88,7 +88,10 @@ def pair(times):
                 "operation": operation, "variant": who[len(OURS) + 1:], "size": dict(values),
                 "ours": found[who], "peers": peers, "limit": found.get(LIMIT),
                 "fastest": fastest, "ratio": peers[fastest] / found[who] if fastest else None})
-    return rows
+    areas = list(dict.fromkeys(row["operation"].split("/")[0] for row in rows))
+    return sorted(rows, key=lambda row: (  # the results come in random order
+        areas.index(row["operation"].split("/")[0]), row["operation"], row["size"].get("width") != "64",
+        [int(value) if value.isdigit() else value for value in row["size"].values()], row["variant"]))
 
 
 def read_results(files):
