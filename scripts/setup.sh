@@ -80,6 +80,11 @@ ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-
   fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)
 # What the fuzz targets need.
 ULM_FUZZ_PACKAGES=(cmake ninja-build clang-14 libclang-rt-14-dev nlohmann-json3-dev libgmp-dev libssl-dev)
+# The programs of bench/ and their peers.
+ULM_BENCH_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" libbenchmark-dev binutils python3 python3-fonttools
+  libgmp-dev libssl-dev libtommath-dev libfreetype-dev libharfbuzz-dev libstb-dev
+  libbullet-dev libagg-dev libcgal-dev libboost-dev libpolyclipping-dev
+  fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)
 # The cross compiler, its sources of tests, Wine, and what draws the icon.
 ULM_WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix googletest wine wine64 librsvg2-bin)
 # Cross compilers for other processors, and what runs their programs.
