@@ -15,4 +15,10 @@ std::size_t tablePlace(Member member) {
   return (offset - 1) / sizeof(void*);
 }
 
+// Returns true if the operations have consecutive entries from `index` on.
+template <class... Members>
+bool inTableOrder(std::size_t index, Members... members) {
+  return ((tablePlace(members) == index++) && ...);
+}
+
 }  // namespace ulm::test

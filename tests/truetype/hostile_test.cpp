@@ -12,13 +12,6 @@ namespace {
 using namespace ulm::test;
 using namespace ulm::truetype;
 
-// Glyph 16 draws 65,536 times on the first one.
-std::vector<Bytes> towerOn(const Bytes& glyph) {
-  std::vector<Bytes> glyphs{glyph};
-  for (int i = 0; i < 16; ++i) glyphs.push_back(compositeGlyph({moved(i, 1, 1), moved(i, 0, 0)}));
-  return glyphs;
-}
-
 // 65,534 glyphs, of which every other one has the bytes from `start` to `end`.
 FontImage sharing(const Bytes& glyf, std::size_t start, std::size_t end) {
   Bytes loca;
@@ -39,7 +32,7 @@ double secondsOf(auto operation) {
 TEST(Hostile, SmallFontsTakeLittleTimeAndMemory) {
   // Its ends of contours do not rise; a cycle in each of 256 composites has its points counted.
   const Bytes falling = simpleGlyph({0, 0}, {{0, 0}});
-  std::vector<Bytes> cycles = towerOn(falling);
+  std::vector<Bytes> cycles = doublings(falling, 16);
   for (int i = 17; i < 17 + 256; ++i) {
     cycles.push_back(compositeGlyph({moved(i, 0, 0), moved(16, 0, 0)}));
   }
@@ -83,7 +76,7 @@ TEST(Hostile, SmallFontsTakeLittleTimeAndMemory) {
   }
 
   const Part turned{0x0083, 16, Bytes().u16({3, 4, 0x2111, 0x1000, -0x1000, 0x2333})};
-  std::vector<Bytes> deep = towerOn(falling);
+  std::vector<Bytes> deep = doublings(falling, 16);
   for (int i = 17; i < 17 + 100; ++i) {
     deep.push_back(compositeGlyph({{turned.flags, i - 1, turned.rest}}));
   }
