@@ -75,12 +75,25 @@ void runClipPeer(benchmark::State& state, const ClipBatch& batch, double expecte
                                                          benchmark::Counter::kInvert);
 }
 
+// The name of a benchmark as scripts/bench_report.py reads it: what is done, by whom, how large the
+// shapes are and how wide the numbers. `who` ends with the width if that is 32 or there are two.
+inline std::string clipName(const ClipBatch& batch, std::string who) {
+  std::string width = "64";
+  if (who.ends_with("32") || who.ends_with("64")) {
+    width = who.substr(who.size() - 2);
+    who.resize(who.size() - 2);
+  }
+  const std::size_t slash = batch.name.rfind('/');
+  return "clip/" + batch.name.substr(0, slash) + '/' + who +
+         "/vertices:" + batch.name.substr(slash + 1) + "/width:" + width;
+}
+
 template <class Peer>
 void addClipPeer(const std::string& who, const ClipBatch& batch, double expected) {
-  benchmark::RegisterBenchmark(
-      ("clip/" + batch.name + "/" + who).c_str(),
-      [&batch, expected](benchmark::State& state) { runClipPeer<Peer>(state, batch, expected); })
-      ->UseManualTime();
+  benchmark::RegisterBenchmark(clipName(batch, who).c_str(), [&batch,
+                                                              expected](benchmark::State& state) {
+    runClipPeer<Peer>(state, batch, expected);
+  })->UseManualTime();
 }
 
 // Returns the area of `count` vertices. x(i) and y(i) return the coordinates of vertex i.

@@ -108,11 +108,11 @@ template <class Real>
 void addWidth(const ClipBatch& batch, const std::string& width) {
   const auto fits = [](const auto& shape) { return shape.size() <= clip::kClipPolygonCapacity; };
   if (std::all_of(batch.shapes.begin(), batch.shapes.end(), fits)) {
-    addClipPeer<OursInPlace<Real>>("ours" + width, batch, -1);
-    addClipPeer<OursBatch<Real>>("ours_batch" + width, batch, -1);
+    addClipPeer<OursInPlace<Real>>("ulmira" + width, batch, -1);
+    addClipPeer<OursBatch<Real>>("ulmira_batch" + width, batch, -1);
     addClipPeer<PlainInPlace<Real>>("plain" + width, batch, -1);
   }
-  addClipPeer<GrowableCopies<Real>>("ours_growable" + width, batch, -1);
+  addClipPeer<GrowableCopies<Real>>("ulmira_growable" + width, batch, -1);
 }
 
 }  // namespace

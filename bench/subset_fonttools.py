@@ -1,16 +1,13 @@
-"""Subsets of real fonts by Ulmira, HarfBuzz and fontTools, in one run: medians of processor time, and
-sizes in bytes.
+"""Subsets of real fonts by fontTools, as rows for subset_bench in the form of its own output.
 
-Usage: subset_fonttools.py SUBSET_BENCH [ROUNDS], with the benchmark program of the preset `bench`.
-The settings are those of the benchmark: hints, the outline of .notdef and OS/2 are kept; layout, kerning
-and glyph names are omitted. fontTools can't use a font twice, so its time includes the opening of the
-source, as the time of the others does in "opened".
+Usage: subset_fonttools.py FILE [ROUNDS]. The settings are those of the benchmark: hints, the outline of
+.notdef and OS/2 are kept; layout, kerning and glyph names are omitted. fontTools can't use a font twice,
+so its time includes the opening of the source, as "open_create" does.
 """
 import io
 import json
 import logging
-import statistics
-import subprocess
+import os
 import sys
 import time
 
@@ -52,29 +49,22 @@ def by_fonttools(file, codes):
 def main():
     rounds = int(sys.argv[2]) if len(sys.argv) > 2 else 3
     logging.disable(logging.WARNING)
-    run = subprocess.run(
-        [sys.argv[1], "--benchmark_format=json", f"--benchmark_repetitions={rounds}",
-         "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.1"],
-        check=True, capture_output=True)
-    cases = {}
-    for entry in json.loads(run.stdout)["benchmarks"]:
-        if entry.get("aggregate_name") == "median" and not entry.get("error_occurred"):
-            parts = entry["run_name"].split("/")
-            place = (int(parts[-2]), int(parts[-1].split(":")[1]))
-            cases.setdefault(place, {})["/".join(parts[1:-2])] = (
-                entry["cpu_time"] / 1e6, int(entry["bytes"]))
-    columns = ["ulmira", "harfbuzz", "opened/ulmira", "opened/harfbuzz", "fonttools"]
-    print(f"{'milliseconds and bytes':32}" + "".join(f"{name:>26}" for name in columns))
-    for (index, count), found in sorted(cases.items()):
-        file = FOLDER + FILES[index]
-        with TTFont(file, fontNumber=0, lazy=True) as source:
-            codes = characters(source, count)
-        timed = [by_fonttools(file, codes) for _ in range(rounds)]
-        found["fonttools"] = (statistics.median(each[0] for each in timed) * 1e3, timed[0][1])
-        cells = [found.get(name) for name in columns]
-        print(f"{FILES[index].split('/')[1][:22]:24}{len(codes):8}" +
-              "".join(f"{cell[0]:14.3f}{cell[1]:12}" if cell else f"{'-':>26}" for cell in cells),
-              flush=True)
+    rows = []
+    for index, name in enumerate(FILES):
+        file = FOLDER + name
+        if not os.path.exists(file):
+            continue
+        for count in (100, 1000, 5000) + ((GAPLESS,) if index == len(FILES) - 1 else ()):
+            with TTFont(file, fontNumber=0, lazy=True) as source:
+                codes = characters(source, count)
+            for _ in range(rounds):
+                seconds, length = by_fonttools(file, codes)
+                rows.append({"name": f"subset/open_create/fonttools/font:{index}/glyphs:{count}",
+                             "run_type": "iteration", "label": os.path.basename(file),
+                             "cpu_time": seconds * 1e9, "real_time": seconds * 1e9, "time_unit": "ns",
+                             "bytes": length})
+    with open(sys.argv[1], "w", encoding="utf-8") as out:
+        json.dump({"benchmarks": rows}, out, indent=1)
 
 
 if __name__ == "__main__":

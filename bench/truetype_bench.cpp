@@ -225,9 +225,10 @@ void kernUlmira(benchmark::State& state, const Subject& subject) {
   });
 }
 
-#define ULM_BENCH_ON(body, name) BENCHMARK(on<body>)->Name("truetype/" name)->DenseRange(0, 3)
+#define ULM_BENCH_ON(body, name) \
+  BENCHMARK(on<body>)->Name("truetype/" name)->ArgName("font")->DenseRange(0, 3)
 ULM_BENCH_ON(openUlmira, "open/ulmira");
-ULM_BENCH_ON(openLocaCopy, "open/loca_copy");
+ULM_BENCH_ON(openLocaCopy, "open/limit");
 ULM_BENCH_ON(mapUlmira<false>, "map/ulmira");
 ULM_BENCH_ON(mapUlmira<true>, "map_shuffled/ulmira");
 ULM_BENCH_ON(advanceUlmira, "advance/ulmira");

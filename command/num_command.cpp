@@ -121,7 +121,7 @@ class NumRun {
       busy_.resume();
       if (!answer(words)) status = 1;
       busy_.pause();
-      if (source_.mayWait()) std::cout.flush();
+      if (source_.mayWait()) flushStandardOutput();
     }
   }
 
@@ -210,7 +210,7 @@ void requireOperands(const NumOperation& operation, const Texts& numbers) {
 
 // Separates the options after the operation from the numbers. CLI11 would take a negative number
 // for an option, so it leaves these arguments unparsed. Returns the numbers.
-Texts parseOptions(const CLI::App& num, const Texts& arguments) {
+Texts parseOptions(CLI::App& num, const Texts& arguments) {
   Texts numbers;
   bool optionsEnded = false;
   for (auto next = arguments.begin(); next != arguments.end(); ++next) {
@@ -225,7 +225,7 @@ Texts parseOptions(const CLI::App& num, const Texts& arguments) {
     const std::size_t equal = std::min(next->find('='), next->size());
     const std::string name = next->substr(0, equal);
     if (name == "-h" || name == "--help") throw CLI::CallForHelp();
-    CLI::Option* const option = const_cast<CLI::App&>(num).get_option_no_throw(name);
+    CLI::Option* const option = num.get_option_no_throw(name);
     if (option == nullptr) throw CLI::ExtrasError({*next});
     const bool takesValue = option->get_items_expected_max() > 0;
     if (takesValue && equal == next->size() && std::next(next) == arguments.end()) {

@@ -49,24 +49,24 @@ MEMORY = 8 << 30
 # Each stage is the targets to build and a regular expression over the names of tests. A target that the build
 # does not have is left out.
 NUMBERS = [
-    ("bignum_test bignum_plain_test", r"^bignum(_plain)?\."),
+    ("bignum_test bignum_plain_test memory_test", r"^(bignum(_plain)?|memory)\."),
     ("bignum_kernels_test bignum_division_fuzz bignum_kernels_fuzz bignum_example digest_example",
      r"^(bignum_kernels|fuzz\.bignum.*|example\.(bignum|digest)$)"),
     ("ulmira", r"^command\.(num_command|commands|streams)$"),
 ]
 FONTS = [
-    ("truetype_test", r"^truetype\."),
-    ("font_fuzz font_seeds ulmira font_files", r"^(fuzz\.font.*|command\.font.*)$"),
+    ("truetype_test memory_test", r"^(truetype|memory)\."),
+    ("font_fuzz fuzz_seeds ulmira font_files", r"^(fuzz\.seeds|fuzz\.font.*|command\.font.*)$"),
     ("truetype_peer_test truetype_example subset_example",
      r"^(truetype_peer|example\.(truetype|subset)|subset\.peer)"),
 ]
 MODULE = ("module_probe lookup_probe lookup_probe_exporting ULM_Main ULM_MainVariant", r"^module\.")
 HOST = ("ulmira leaky_module", r"^(command\.host_command|structure\.main_library)")
 ROOMS = {
-    "core": [("core_test", r"^core\."), ("module_parts_test", r"^module_parts"), MODULE, HOST],
+    "core": [("core_test memory_test", r"^(core|memory)\."), ("module_parts_test", r"^module_parts"), MODULE, HOST],
     "module": [("module_parts_test core_test", r"^(module_parts|core)\."), MODULE, HOST],
-    "standin": [("standin_win32_test standin_win32_layer_test odrx_alloc_test "
-                 "od_array_test", r"^(standin|odrx|od_array)"),
+    "standin": [("standin_win32_test standin_win32_layer_test memory_system_test odrx_alloc_test "
+                 "od_array_test", r"^(standin|memory_system|odrx|od_array)"),
                 ("core_test module_parts_test", r"^(core|module_parts)\."), MODULE, HOST],
     "bignum": NUMBERS,
     "digest": NUMBERS,
@@ -76,7 +76,7 @@ ROOMS = {
     "truetype-glyph": FONTS,
     "truetype-reader": FONTS,
     "truetype-writer": FONTS,
-    "clip": [("clip_model_test clip_growable_test", r"^clip_"),
+    "clip": [("clip_model_test clip_growable_test memory_test", r"^(clip_|memory\.)"),
              ("clip_polygon_fuzz clip_example ulmira", r"^(fuzz\.clip.*|clip\.example|clip\.heap|command\.clip)$"),
              ("clip_exact_results", r"^clip\.enclosing_flags$")],
     "command": [("ulmira font_files file_batch_test", r"^(command\.|file_batch)"), HOST,

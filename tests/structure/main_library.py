@@ -4,8 +4,9 @@
 Checks that it exports its two entry points and nothing else; that no type whose memory is managed inside
 the language's shared library comes near it (a block of one heap could be freed into the other); that it
 carries allocation operators of its own; that its big integers have the plain kernel and no other; that it
-holds no static object of a function; and that of all static initialisers linked into it only the library's
-entry has the default priority, which makes it the last to run.
+holds no static object of a function, and not the compiler's slow test of processor features; and that of
+all static initialisers linked into it only the library's entry has the default priority, which makes it the
+last to run.
 Usage: main_library.py LIBRARY OBJECT_OR_ARCHIVE...
 """
 
@@ -22,6 +23,8 @@ LATE_STATICS = re.compile(r"__cxa_guard_acquire|__cxa_thread_atexit")
 # All that an initialiser may hold which does nothing.
 IDLE = re.compile(r"\t(push|pop|ret|endbr64|nop\S*|mov\s+%rsp,%rbp|data16|cs nopw|xchg\s+%ax,%ax)\b")
 KERNEL = re.compile(r" ulm::bignum::kernel::(\w+)::")
+# Asks for all features of the processor at every load, although no source mentions it.
+FEATURES = re.compile(r" __cpu_(indicator_init|model)\b")
 OPERATORS = ("operator new(unsigned long)", "operator delete(void*)")
 
 
@@ -44,6 +47,8 @@ def check_symbols(library):
     kernels = set(KERNEL.findall(defined))
     if kernels != {"plain"}:
         yield f"{library} has the big integers' kernels {sorted(kernels)}"
+    if FEATURES.search(defined):
+        yield f"{library} holds the compiler's test of processor features: it slows down every load"
     for line in lines("nm", "-D", "-C", "--undefined-only", library):
         if LATE_STATICS.search(line):
             yield f"{library} uses {line.strip()}: a static object outside the load order"

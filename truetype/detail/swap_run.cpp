@@ -6,7 +6,10 @@
 // aligned for them.
 #if defined(__x86_64__) && defined(__GNUC__) && (defined(__OPTIMIZE__) || !defined(_WIN32))
 #define ULM_SWAP_BY_SHUFFLE
+#include <cpuid.h>
 #include <immintrin.h>
+
+#include <atomic>
 #endif
 
 namespace ulm::truetype::detail {
@@ -67,7 +70,30 @@ constexpr std::size_t kLanes = 8;  // numbers in a vector
   return done;
 }
 
-bool canShuffle() noexcept { return __builtin_cpu_supports("avx2") != 0; }
+// Whether the processor has AVX2 and the system keeps its registers.
+bool findAvx2() noexcept {
+  constexpr unsigned kAvxWithXsave = 3u << 27, kAvx2 = 1u << 5, kVectors = 6;
+  unsigned a = 0, b = 0, c = 0, d = 0;
+  if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & kAvxWithXsave) != kAvxWithXsave) return false;
+  unsigned kept = 0;
+  __asm__("xgetbv" : "=a"(kept), "=d"(d) : "c"(0));
+  if ((kept & kVectors) != kVectors) return false;
+  return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & kAvx2) != 0;
+}
+
+// Found out with the first run. The compiler's own test would ask for all features of the processor
+// whenever a library that holds this file is loaded, which takes long in a virtual machine.
+enum class Shuffle : std::uint8_t { Unknown, No, Yes };
+constinit std::atomic<Shuffle> shuffle{Shuffle::Unknown};
+
+bool canShuffle() noexcept {
+  Shuffle found = shuffle.load(std::memory_order_relaxed);
+  if (found == Shuffle::Unknown) {
+    found = findAvx2() ? Shuffle::Yes : Shuffle::No;
+    shuffle.store(found, std::memory_order_relaxed);
+  }
+  return found == Shuffle::Yes;
+}
 
 #else
 
