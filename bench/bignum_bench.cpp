@@ -27,7 +27,9 @@ namespace {
 
 using ulm::bignum::QLInteger;
 
-// One interface to each library. Numbers are passed as hexadecimal digits.
+// One interface to each library. Numbers are passed as hexadecimal digits. All results go to
+// numbers that are there and have their storage, except those of freshProduct: it makes a number,
+// and the old one is freed.
 struct Ulmira {
   struct Number {
     QLInteger value;
@@ -40,6 +42,14 @@ struct Ulmira {
     }
   };
   static void multiply(Number& out, const Number& a, const Number& b) {
+    out.value.Assign(a.value);
+    out.value *= b.value;
+  }
+  static void square(Number& out, const Number& a) {
+    out.value.Assign(a.value);
+    out.value *= out.value;
+  }
+  static void freshProduct(Number& out, const Number& a, const Number& b) {
     QLInteger product = a.value * b.value;
     out.value.Swap(product);
   }
@@ -83,6 +93,13 @@ struct Gmp {
   };
   static void multiply(Number& out, const Number& a, const Number& b) {
     mpz_mul(out.value, a.value, b.value);
+  }
+  static void freshProduct(Number& out, const Number& a, const Number& b) {
+    mpz_t product;
+    mpz_init(product);
+    mpz_mul(product, a.value, b.value);
+    mpz_swap(out.value, product);
+    mpz_clear(product);
   }
   static void divide(Number& quotient, Number& rest, const Number& a, const Number& b) {
     mpz_tdiv_qr(quotient.value, rest.value, a.value, b.value);
@@ -146,6 +163,12 @@ struct OpenSsl {
   static void multiply(Number& out, const Number& a, const Number& b) {
     BN_mul(out.value, a.value, b.value, context());
   }
+  static void freshProduct(Number& out, const Number& a, const Number& b) {
+    BIGNUM* const product = BN_new();
+    BN_mul(product, a.value, b.value, context());
+    BN_free(out.value);
+    out.value = product;
+  }
   static void divide(Number& quotient, Number& rest, const Number& a, const Number& b) {
     BN_div(quotient.value, rest.value, a.value, b.value, context());
   }
@@ -207,6 +230,13 @@ struct TomMath {
   static void need(mp_err result) { Number::need(result); }
   static void multiply(Number& out, const Number& a, const Number& b) {
     need(mp_mul(&a.value, &b.value, &out.value));
+  }
+  static void freshProduct(Number& out, const Number& a, const Number& b) {
+    mp_int product;
+    need(mp_init(&product));
+    need(mp_mul(&a.value, &b.value, &product));
+    mp_exch(&out.value, &product);
+    mp_clear(&product);
   }
   static void divide(Number& quotient, Number& rest, const Number& a, const Number& b) {
     need(mp_div(&a.value, &b.value, &quotient.value, &rest.value));
@@ -273,7 +303,29 @@ struct Square {
   template <class Library, class Out, class Measure>
   void run(std::int64_t bits, Out& out, Out&, Measure measure) {
     const Out a(digits(bits, 1));
-    measure([&] { Library::multiply(out, a, a); });
+    measure([&] {
+      if constexpr (requires { Library::square(out, a); }) {
+        Library::square(out, a);
+      } else {
+        Library::multiply(out, a, a);
+      }
+    });
+  }
+};
+
+struct FreshMultiply {
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits, 1)), b(digits(bits, 2));
+    measure([&] { Library::freshProduct(out, a, b); });
+  }
+};
+
+struct FreshSquare {
+  template <class Library, class Out, class Measure>
+  void run(std::int64_t bits, Out& out, Out&, Measure measure) {
+    const Out a(digits(bits, 1));
+    measure([&] { Library::freshProduct(out, a, a); });
   }
 };
 
@@ -373,6 +425,8 @@ void addLibrary(const std::string& name) {
   };
   add("multiply", {16384, 1000000}, Multiply());
   add("square", {16384, 1000000}, Square());
+  add("freshmultiply", {16384, 1000000}, FreshMultiply());
+  add("freshsquare", {16384, 1000000}, FreshSquare());
   add("divide", {16384, 1000000}, Divide2nByN());
   add("modpow", {}, PublicPower());
   add("fullpow", {}, FullPower());

@@ -4,20 +4,12 @@
 #include <algorithm>
 #include <bit>
 #include <new>
-#include <utility>
 
+#include "bignum/detail/fresh.h"
 #include "bignum/detail/storage.h"
 
 namespace ulm::bignum {
 namespace {
-
-constexpr std::uint32_t kStorageStep = 32;
-
-// The words that a request for n words allocates: the next multiple of 32.
-std::uint32_t capacityFor(std::uint32_t n) {
-  static_assert(detail::kMaxWords % kStorageStep == 0, "rounding up must not pass the limit");
-  return RoundUpTo(detail::checkedCount(n), kStorageStep);
-}
 
 int threeWay(std::uint32_t a, std::uint32_t b) noexcept { return a < b ? -1 : a > b ? 1 : 0; }
 
@@ -31,20 +23,14 @@ int signedOrder(bool aNegative, bool bNegative, int magnitudes) noexcept {
 
 QLInteger::QLInteger() : QLInteger(0) {}
 
-QLInteger::QLInteger(EmptyHolder) noexcept : count(0), capacity(0), words(nullptr), negative(0) {}
-
 QLInteger::QLInteger(std::int32_t number) : QLInteger(kEmptyHolder) { Assign(number); }
 
 QLInteger::QLInteger(const QLInteger& source) : QLInteger(kEmptyHolder) { Assign(source); }
-
-QLInteger::QLInteger(QLInteger&& source) noexcept : QLInteger(kEmptyHolder) { Swap(source); }
 
 QLInteger::QLInteger(std::uint32_t wordCount, Word fill) : QLInteger(kEmptyHolder) {
   EnsureCount(wordCount);
   std::fill_n(words, count, fill);
 }
-
-QLInteger::~QLInteger() { FreeWords(words); }
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign checks for it
 QLInteger& QLInteger::operator=(const QLInteger& source) {
@@ -82,15 +68,8 @@ void QLInteger::Assign(std::int32_t number) {
   negative = static_cast<std::uint8_t>(number < 0);
 }
 
-void QLInteger::Swap(QLInteger& other) noexcept {
-  std::swap(count, other.count);
-  std::swap(capacity, other.capacity);
-  std::swap(words, other.words);
-  std::swap(negative, other.negative);
-}
-
 void QLInteger::Reallocate(std::uint32_t wordCount, bool keep) {
-  const std::uint32_t newCapacity = capacityFor(std::max(wordCount, count));
+  const std::uint32_t newCapacity = detail::capacityFor(std::max(wordCount, count));
   if (keep) {
     words = ResizeWords(words, newCapacity, count);
   } else {
@@ -109,18 +88,6 @@ void QLInteger::EnsureCount(std::uint32_t n) {
 }
 
 void QLInteger::AppendZeroWord() { EnsureCount(count + 1); }
-
-void QLInteger::Normalise() noexcept {
-  while (count > 1 && words[count - 1] == 0) --count;
-}
-
-void QLInteger::Negate() noexcept {
-  if (IsNonZero()) negative ^= 1;
-}
-
-void QLInteger::MakeNegative() noexcept {
-  if (IsNonZero()) negative = 1;
-}
 
 std::uint32_t QLInteger::BitLength() const noexcept {
   if (!IsNonZero()) return 0;

@@ -5,7 +5,7 @@
 // destination nor a result does not change.
 //
 // Storage is part of the interface: each operation states the count and the capacity that it
-// leaves.
+// leaves. Where it says fresh storage, the destination may keep its own, if that has the same size.
 //
 // Failure: std::bad_alloc is the only exception. It is thrown when memory runs out or a capacity
 // would exceed 2^27 words (2^32 bits). The operands are then unchanged, and a destination holds a
@@ -21,6 +21,7 @@
 #include <compare>
 #include <concepts>
 #include <cstdint>
+#include <utility>
 
 #include "bignum/words.h"
 
@@ -59,7 +60,7 @@ class QLInteger {
 
   // 0, with capacity 32.
   QLInteger();
-  explicit QLInteger(EmptyHolder) noexcept;
+  explicit QLInteger(EmptyHolder) noexcept : count(0), capacity(0), words(nullptr), negative(0) {}
   // The number, with capacity 32. Not explicit, so that small numbers can be operands.
   QLInteger(std::int32_t number);
   template <NarrowedTo<std::int32_t> T>
@@ -67,10 +68,12 @@ class QLInteger {
   // A copy. Its storage has the size for the source's count, whatever the source's capacity.
   QLInteger(const QLInteger& source);
   // Takes over the storage and leaves an empty holder.
-  QLInteger(QLInteger&& source) noexcept;
+  QLInteger(QLInteger&& source) noexcept : QLInteger(kEmptyHolder) { Swap(source); }
   // wordCount words that equal fill, not negative and not normalised; the empty holder for 0 words.
   QLInteger(std::uint32_t wordCount, Word fill);
-  ~QLInteger();
+  ~QLInteger() {
+    if (words != nullptr) FreeWords(words);
+  }
 
   // As Assign. There is no assignment by move, since an assignment never shrinks the storage.
   QLInteger& operator=(const QLInteger& source);
@@ -91,7 +94,12 @@ class QLInteger {
   template <NarrowedTo<std::int32_t> T>
   void Assign(T number) = delete;
   // Exchanges all four fields.
-  void Swap(QLInteger& other) noexcept;
+  void Swap(QLInteger& other) noexcept {
+    std::swap(count, other.count);
+    std::swap(capacity, other.capacity);
+    std::swap(words, other.words);
+    std::swap(negative, other.negative);
+  }
 
   // Replaces the storage by a zeroed array for wordCount words, rounded up to a multiple of 32; a
   // wordCount below count is as count. With keep, the words in use are copied to it. count does not
@@ -103,7 +111,9 @@ class QLInteger {
   // EnsureCount of count + 1.
   void AppendZeroWord();
   // Removes zero words from the top while count is above 1. The sign does not change.
-  void Normalise() noexcept;
+  void Normalise() noexcept {
+    while (count > 1 && words[count - 1] == 0) --count;
+  }
 
   bool IsNegative() const noexcept { return negative != 0; }
   bool IsNonNegative() const noexcept { return negative == 0; }
@@ -112,9 +122,13 @@ class QLInteger {
   // True for an empty holder too.
   bool IsEven() const noexcept { return count == 0 || (words[0] & 1) == 0; }
   // Reverses the sign; zero does not change.
-  void Negate() noexcept;
+  void Negate() noexcept {
+    if (IsNonZero()) negative ^= 1;
+  }
   // Makes the sign negative; zero does not change.
-  void MakeNegative() noexcept;
+  void MakeNegative() noexcept {
+    if (IsNonZero()) negative = 1;
+  }
   // 0xFFFFFFFF for a negative value, else 0.
   Word SignWord() const noexcept { return IsNegative() ? 0xFFFFFFFFu : 0; }
 

@@ -1,4 +1,5 @@
 // Quotients and remainders.
+#include "bignum/detail/fresh.h"
 #include "bignum/detail/storage.h"
 #include "bignum/integer.h"
 #include "bignum/kernel/kernel.h"
@@ -60,30 +61,57 @@ void divideEqual(const Division& d) {
   if (d.quotient != nullptr) d.quotient->Assign(d.quotientNegative ? -1 : 1);
 }
 
+// The words that the remainder has after it was assigned the dividend and grew as by a left shift
+// of 32 bits, if the quotient has more than 32.
+std::uint32_t remainderCapacity(const Division& d, std::uint64_t diff) {
+  std::uint32_t capacity = d.remainder.capacity;
+  if (capacity < d.dividend.count) capacity = detail::capacityFor(d.dividend.count);
+  const std::uint64_t grown = std::uint64_t{d.dividendCount} + 2;
+  if (diff >= kWordBits && capacity < grown) capacity = detail::capacityFor(grown);
+  return capacity;
+}
+
+// Whether the quotient, of n words, can be written where the old one is.
+bool quotientFits(const Division& d, std::uint32_t n) {
+  return kernel::kReusesStorage && d.quotient->capacity == detail::capacityFor(n) &&
+         d.quotient != &d.dividend && d.quotient != &d.divisor && d.quotient != &d.remainder;
+}
+
 // The magnitude of the dividend is the larger one, and the divisor is not zero.
 void divideLarger(const Division& d) {
   const std::uint64_t diff = detail::bitLengthOf(d.dividend.words, d.dividendCount) -
                              detail::bitLengthOf(d.divisor.words, d.divisorCount);
   // All memory is allocated before the remainder, which may be the dividend, changes.
-  const auto scratch = detail::scratchWords(kernel::divideScratch(d.dividendCount, d.divisorCount));
-  QLInteger digits(kEmptyHolder);
-  if (d.quotient != nullptr) digits.EnsureCount(detail::checkedCount((diff + 32) >> 5));
-  d.remainder.Assign(d.dividend);
-  d.remainder.Normalise();
-  // As a left shift by 32 bits grows it.
-  if (diff >= kWordBits) d.remainder.EnsureCount(d.dividendCount + 2);
+  QLInteger digits(kEmptyHolder), rest(kEmptyHolder);
+  Word* digitWords = nullptr;
+  const std::uint32_t digitCount = detail::checkedCount((diff + 32) >> 5);
+  if (d.quotient != nullptr) {
+    if (quotientFits(d, digitCount)) {
+      digitWords = d.quotient->words;
+    } else {
+      QLInteger fresh = detail::freshValue(digitCount);
+      digits.Swap(fresh);
+      digitWords = digits.words;
+    }
+  }
+  const std::uint32_t capacity = remainderCapacity(d, diff);
+  if (capacity != d.remainder.capacity) rest.EnsureCount(capacity);
+  Word* const restWords = rest.words != nullptr ? rest.words : d.remainder.words;
 
-  kernel::divide(d.quotient != nullptr ? digits.words : nullptr, d.remainder.words, d.dividendCount,
-                 d.divisor.words, d.divisorCount, scratch.get());
+  kernel::divide(digitWords, restWords, d.dividend.words, d.dividendCount, d.divisor.words,
+                 d.divisorCount);
 
-  d.remainder.count = d.dividendCount;
+  if (rest.words != nullptr) d.remainder.Swap(rest);
+  d.remainder.count = d.divisorCount;
   d.remainder.negative = 0;
   d.remainder.Normalise();
   if (d.dividendNegative) d.remainder.MakeNegative();
   if (d.quotient != nullptr) {
-    digits.Normalise();
-    if (d.quotientNegative) digits.MakeNegative();
-    d.quotient->Swap(digits);
+    if (digits.words != nullptr) d.quotient->Swap(digits);
+    d.quotient->count = digitCount;
+    d.quotient->negative = 0;
+    d.quotient->Normalise();
+    if (d.quotientNegative) d.quotient->MakeNegative();
   }
 }
 

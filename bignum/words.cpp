@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <new>
 
+#include "bignum/detail/storage.h"
 #include "bignum/kernel/kernel.h"
 #include "hostsdk/adapter/alloc.h"
 
@@ -62,13 +63,18 @@ bool EqualWords(const Word* a, const Word* b, std::uint32_t n) noexcept {
   return std::equal(a, a + n, b);
 }
 
-Word* AllocateWords(std::uint32_t n) {
+Word* detail::allocateUnfilled(std::uint32_t n) {
   const std::size_t count = n;
   if (count > SIZE_MAX / sizeof(Word)) throw std::bad_alloc();
   // This is not operator new: a new-handler that a process has installed must not run here.
   auto* words = static_cast<Word*>(odrxAlloc(count * sizeof(Word)));
   if (words == nullptr) throw std::bad_alloc();
-  std::fill_n(words, count, Word{0});
+  return words;
+}
+
+Word* AllocateWords(std::uint32_t n) {
+  Word* words = detail::allocateUnfilled(n);
+  std::fill_n(words, std::size_t{n}, Word{0});
   return words;
 }
 

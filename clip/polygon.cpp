@@ -1,6 +1,7 @@
 #include "clip/polygon.h"
 
 #include "clip/detail/fixed_polygon.h"
+#include "clip/detail/outcode.h"
 #include "clip/detail/planes.h"
 #include "clip/detail/polygon_pass.h"
 
@@ -81,9 +82,7 @@ std::size_t clipPolygonsInPlace2D(BasicClipPolygon<Real>* polygons, std::size_t 
 template <std::floating_point Real>
 std::uint32_t computeOutcode(BasicClipPolygon<Real>& polygon) noexcept {
   const std::uint32_t count = detail::PolygonAccess<BasicClipPolygon<Real>>::countOf(polygon);
-  std::uint32_t any = 0;
-  for (std::uint32_t i = 0; i < count; ++i) any |= computeOutcode(polygon.vertices[i]);
-  return any;
+  return detail::setOutcodes(polygon.vertices, count);
 }
 
 template <std::floating_point Real>

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "clip/detail/outcode.h"
 #include "clip/detail/planes.h"
 
 namespace ulm::clip {
@@ -36,13 +37,7 @@ bool isInsideVolume3D(const Point& p) noexcept {
 
 template <std::floating_point Real>
 std::uint32_t computeOutcode(BasicClipVertex<Real>& vertex) noexcept {
-  std::uint32_t outcode = 0;
-  detail::VolumePlanes::allOf([&](auto plane) {
-    outcode |= plane.beyond(vertex) ? plane.kBit : 0U;
-    return true;
-  });
-  vertex.outcode = outcode;
-  return outcode;
+  return vertex.outcode = detail::outcodeOf(vertex);
 }
 
 template <HomogeneousPoint Point>

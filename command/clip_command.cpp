@@ -88,13 +88,26 @@ void runCommand(const ClipOptions& options) {
   }
 }
 
+constexpr const char* kFooter =
+    R"(JSON is {"polygons": [[[x, y, z, w], ...], ...], "segments": [[[x, y, z, w], [x, y, z, w]], ...]}. Plain
+text has a vertex on each line, and a blank line between shapes; the headings polygons and segments
+separate both kinds.
+
+EXAMPLES
+  ulmira clip scene.json --svg scene.svg >clipped.json
+  printf '2 0 0 1\n-2 0 0 1\n0 2 0 1\n' | ulmira clip --rectangle
+  ulmira clip scene.json --planes zmin,zmax --float -o clipped.json
+)";
+
 }  // namespace
 
 void addClipCommand(CLI::App& app, int& /*status*/) {
   const auto options = std::make_shared<ClipOptions>();
   CLI::App* const command =
       app.add_subcommand("clip", "Clip polygons and segments against the view volume");
-  command->add_option("file", options->input, "JSON or plain text; without it, standard input");
+  command->footer(kFooter);
+  command->add_option("FILE", options->input,
+                      "JSON or plain text; - or no argument reads standard input");
   command->add_flag("--rectangle", options->rectangle, "Clip in x and y only");
   command->add_flag("--float", options->inFloat, "Compute in 32 bits instead of 64");
   const auto readPlanes = [options](const std::vector<std::string>& names) {
@@ -112,7 +125,7 @@ void addClipCommand(CLI::App& app, int& /*status*/) {
       command->add_flag("--json", options->json, "Write JSON; without it, the form of the input");
   command->add_flag("--text", options->text, "Write plain text; without it, the form of the input")
       ->excludes(json);
-  command->add_option("-o,--output", options->output, "Write to this file");
+  command->add_option("-o,--output", options->output, "Write to this file; - for standard output");
   command->add_option("--svg", options->svg, "Write a picture of before and after to this file");
   command->callback([options, planes] {
     if (options->rectangle && planes->count() == 0) options->mask = kRectangle;

@@ -15,6 +15,7 @@
 #include "command/commands.h"
 #include "command/digest_list.h"
 #include "command/json_text.h"
+#include "command/list_argument.h"
 #include "command/support/program.h"
 #include "command/support/progress.h"
 #include "command/support/streams.h"
@@ -217,7 +218,8 @@ void addDigestCommand(CLI::App& app, int& status) {
   digest->add_option("HASH", arguments->hash, "sha1, or sha0 for the first version of SHA")
       ->required()
       ->check(CLI::IsMember({"sha1", "sha0"}));
-  digest->add_option("FILE", arguments->files, "Files; - or no argument reads standard input");
+  addListArgument(*digest, "FILE", arguments->files,
+                  "Files; - or no argument reads standard input");
   CLI::Option* const json =
       digest->add_flag("--json", arguments->json, "Print a JSON object for each file, on a line");
   CLI::Option* const tag =

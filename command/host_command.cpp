@@ -21,6 +21,7 @@ using Json = nlohmann::ordered_json;
 struct HostOptions {
   std::string module;
   std::vector<std::string> without;
+  bool debugMonitor = false;
   bool json = false;
 };
 
@@ -45,9 +46,34 @@ void printRecord(const Json& record) {
   }
 }
 
-void printPath(const std::string& before, const std::string& after) {
-  if (before == after) {
-    label("PATH") << "unchanged\n";
+std::string textOr(const Json& text, const char* none) {
+  return text.is_null() ? none : text.get<std::string>();
+}
+
+// Prints what the module finds in the process before it starts.
+void printSurroundings(const Json& report) {
+  label("main instance") << textOr(report["mainInstance"], "none") << '\n';
+  label("translation") << textOr(report["translation"], "none")
+                       << "; second choice: " << textOr(report["secondTranslation"], "none")
+                       << '\n';
+  std::string switches;
+  for (const auto& [key, state] : report["switches"].items()) {
+    if (!state["inFile"].get<bool>()) continue;
+    switches += (switches.empty() ? "" : ", ") + key;
+    switches += state["on"].get<bool>() ? " on" : " off, since no debug monitor runs";
+  }
+  label("mt.ini") << (switches.empty() ? "all switches off" : switches) << '\n';
+}
+
+void printPath(const Json& report) {
+  const std::string before = report["pathBefore"], after = report["pathAfter"];
+  const std::string kept = textOr(report["pathKept"], "");
+  if (kept == "listed") {
+    label("PATH") << "unchanged: the module's folder is in it already\n";
+  } else if (kept == "too long") {
+    label("PATH") << "unchanged: with the module's folder it would be too long\n";
+  } else if (before == after) {
+    label("PATH") << "unchanged by the module\n";
   } else if (after.compare(0, before.size(), before) == 0) {
     label("PATH") << "added at the end: " << after.substr(before.size()) << '\n';
   } else {
@@ -72,11 +98,11 @@ void printReport(const Json& report) {
   label("API version") << version[0] << '.' << version[1] << '.' << version[2] << '.' << version[3]
                        << '\n';
   label("module path") << report["modulePath"].get_ref<const std::string&>() << '\n';
+  printSurroundings(report);
   std::cout << "Started\n";
   printRecord(report["record"]);
-  label(".wld file") << (report["wld"].is_null() ? "none" : report["wld"].get<std::string>())
-                     << '\n';
-  printPath(report["pathBefore"], report["pathAfter"]);
+  label(".wld file") << textOr(report["wld"], "none") << '\n';
+  printPath(report);
   printLoads(report["loads"]);
   label("initApp result") << (report["started"].get<bool>() ? "true" : "false") << '\n';
   std::cout << "Stopped and unloaded\n";
@@ -103,6 +129,7 @@ int runHost(const HostOptions& options) {
                                            : std::filesystem::absolute(fileNamed(options.module));
   std::vector<std::string> arguments{"--module=" + textOf(module)};
   for (const std::string& name : options.without) arguments.push_back("--without=" + name);
+  if (options.debugMonitor) arguments.emplace_back("--debug-monitor");
   const ProcessResult result = runProcess(findCompanion(ULMIRA_HOST), arguments);
   if (!result.ending.empty()) {
     throw std::runtime_error("the host process failed: " + result.ending);
@@ -118,6 +145,12 @@ int runHost(const HostOptions& options) {
   return 0;
 }
 
+constexpr const char* kFooter = R"(EXAMPLES
+  ulmira host                           one life of the module, and its effects
+  ulmira host --without qlview --without qlsupport
+  ulmira host --module ./ULM_Main.so --json | jq .switches
+)";
+
 }  // namespace
 
 void addHostCommand(CLI::App& app, int& status) {
@@ -128,11 +161,16 @@ void addHostCommand(CLI::App& app, int& status) {
                       "The library to load; without it, the built ULM_Main");
   command
       ->add_option("--without", options->without,
-                   "Run without a host library: QlHostApp, qlview, qlsupport, qlhostcmd")
+                   "Run without a host library: QlHostApp (no identity is published), qlview "
+                   "(QlHostApp is the main instance), qlsupport (there is no second choice for "
+                   "translation), qlhostcmd (no modules are loaded)")
       ->check(CLI::IsMember({"QlHostApp", "qlview", "qlsupport", "qlhostcmd"}))
       ->take_all()
       ->allow_extra_args(false);
+  command->add_flag("--debug-monitor", options->debugMonitor,
+                    "Run as if a debug monitor were there, so that mqlassert of mt.ini is read");
   command->add_flag("--json", options->json, "Print one JSON object");
+  command->footer(kFooter);
   command->callback([options, &status] { status = runHost(*options); });
 }
 

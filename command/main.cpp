@@ -41,8 +41,12 @@ class HelpFormatter : public CLI::Formatter {
     // The names of checks follow the type and a colon. An argument's name says enough.
     const std::string type = option->get_type_name();
     return (option->nonpositional() ? ' ' + type.substr(0, type.find(':')) : "") +
-           (option->get_expected_max() == CLI::detail::expected_max_vector_size ? " ..." : "") +
+           (option->get_expected_max() > 1 ? " ..." : "") +
            (option->get_required() && option->nonpositional() ? " (required)" : "");
+  }
+  std::string make_option_usage(const CLI::Option* option) const override {
+    const std::string name = option->get_name(true) + (option->get_expected_max() > 1 ? "..." : "");
+    return option->get_required() ? name : '[' + name + ']';
   }
   std::string make_usage(const CLI::App* app, std::string name) const override {
     std::string usage = Formatter::make_usage(app, std::move(name));

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "command/busy_line.h"
 #include "command/commands.h"
 #include "command/json_text.h"
 #include "command/num_operations.h"
@@ -101,7 +102,8 @@ class NumRun {
         arguments_(arguments),
         operandCount_(wordsOf(operation.operands).size()),
         resultNames_(wordsOf(operation.results)),
-        source_(std::move(numbers)) {}
+        source_(std::move(numbers)),
+        busy_("num " + std::string(operation.name)) {}
 
   // Prints a line for each group of operands. A group with a number that cannot be read, and one
   // without a result, is reported and left out. Returns the exit code.
@@ -116,8 +118,10 @@ class NumRun {
       }
       if (words.empty()) return status;
       if (words.size() < operandCount_) return reportIncomplete(words.back());
+      busy_.resume();
       if (!answer(words)) status = 1;
-      if (source_.mayWait()) std::cout.flush();
+      busy_.pause();
+      if (source_.mayWait()) flushStandardOutput();
     }
   }
 
@@ -128,7 +132,7 @@ class NumRun {
     return 1;
   }
 
-  bool answer(const std::vector<Word>& words) const {
+  bool answer(const std::vector<Word>& words) {
     NumOperation::Operands operands;
     bool readable = true;
     for (const Word& word : words) {
@@ -140,18 +144,19 @@ class NumRun {
 
   // Returns false if the work throws std::runtime_error, which is reported.
   template <class Work>
-  static bool attempt(const Word& word, Work work) {
+  bool attempt(const Word& word, Work work) {
     try {
       work();
       return true;
     } catch (const std::runtime_error& error) {
+      busy_.pause();
       printMessage("num", word.where + error.what());
       return false;
     }
   }
 
   void print(const NumOperation::Operands& operands,
-             const std::vector<NumOperation::Result>& results) const {
+             const std::vector<NumOperation::Result>& results) {
     Json object, values = Json::array();
     std::string line;
     for (const bignum::QLInteger& operand : operands) {
@@ -166,6 +171,7 @@ class NumRun {
       if (arguments_.json) object[resultNames_[i]] = truth == nullptr ? Json(text) : Json(*truth);
       line += (i == 0 ? "" : " ") + text;
     }
+    busy_.pause();
     std::cout << (arguments_.json ? jsonText(object) : line + '\n');
   }
 
@@ -178,6 +184,7 @@ class NumRun {
   const std::size_t operandCount_;
   const Texts resultNames_;
   NumberSource source_;
+  BusyLine busy_;
 };
 
 const NumOperation& operationNamed(const std::string& name) {
@@ -203,7 +210,7 @@ void requireOperands(const NumOperation& operation, const Texts& numbers) {
 
 // Separates the options after the operation from the numbers. CLI11 would take a negative number
 // for an option, so it leaves these arguments unparsed. Returns the numbers.
-Texts parseOptions(const CLI::App& num, const Texts& arguments) {
+Texts parseOptions(CLI::App& num, const Texts& arguments) {
   Texts numbers;
   bool optionsEnded = false;
   for (auto next = arguments.begin(); next != arguments.end(); ++next) {
@@ -218,7 +225,7 @@ Texts parseOptions(const CLI::App& num, const Texts& arguments) {
     const std::size_t equal = std::min(next->find('='), next->size());
     const std::string name = next->substr(0, equal);
     if (name == "-h" || name == "--help") throw CLI::CallForHelp();
-    CLI::Option* const option = const_cast<CLI::App&>(num).get_option_no_throw(name);
+    CLI::Option* const option = num.get_option_no_throw(name);
     if (option == nullptr) throw CLI::ExtrasError({*next});
     const bool takesValue = option->get_items_expected_max() > 0;
     if (takesValue && equal == next->size() && std::next(next) == arguments.end()) {
@@ -250,7 +257,7 @@ NUMBERS
   - reads numbers from standard input and @FILE from a file, separated by blanks and line ends.
   More numbers than one result needs give a line for each group of them. A group without a result
   is reported, with its line if it is from an input; the others are answered, and the exit code
-  is 1.
+  is 1. What would take more than about a minute is refused with the maximum length in bits.
 
 PRIMES
   isprime answers true if a number passes 18 Fermat and 18 strong tests to fixed bases.

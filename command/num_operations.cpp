@@ -1,6 +1,7 @@
 #include "command/num_operations.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <stdexcept>
@@ -17,12 +18,31 @@ using Operands = NumOperation::Operands;
 using Result = NumOperation::Result;
 using Results = std::vector<Result>;
 
-// The maximum length of a computed result in bits: its decimal text takes about a minute with the
-// wide kernel.
+// The maximum lengths of numbers in bits. Longer ones take more than about a minute with the wide
+// kernel: the decimal text of a result, Euclid's algorithm, a root, 18 tests of a prime, the tests
+// of a gap between primes. The plain kernel takes longer, and has the same limits.
 constexpr std::uint32_t kMaxResultBits = 1u << 26;
+constexpr std::uint32_t kMaxDivisorBits = 1u << 23;
+constexpr std::uint32_t kMaxRootBits = 1u << 24;
+constexpr std::uint32_t kMaxTestedBits = 1u << 15;
+constexpr std::uint32_t kMaxSearchBits = 1u << 13;
 
-[[noreturn]] void failTooLong(const std::string& what) {
-  throw std::runtime_error(what + " is longer than " + std::to_string(kMaxResultBits) + " bits");
+// The same for the exponent of modpow. It is 2^16 for a modulus of 2^16 bits. Each bit of it takes
+// a product, whose time grows with the 1.6th power of the modulus's length.
+std::uint64_t maxExponentBits(std::uint32_t modulusBits) {
+  const auto width = static_cast<int>(std::bit_width(modulusBits - 1));  // at most 2^width bits
+  return std::uint64_t{1} << std::max(16 + (16 - width) * 8 / 5, 0);
+}
+
+[[noreturn]] void failTooLong(const std::string& what, std::uint64_t most = kMaxResultBits) {
+  throw std::runtime_error(what + " is longer than " + std::to_string(most) + " bits");
+}
+
+// Throws if the number is longer than `most` bits. Returns it otherwise.
+const QLInteger& checkedLength(const QLInteger& number, std::uint64_t most,
+                               const std::string& what = "the number") {
+  if (number.BitLength() > most) failTooLong(what, most);
+  return number;
 }
 
 // Returns `number`. Throws if it is 0.
@@ -52,7 +72,12 @@ Results one(const Operands& operands) {
 
 QLInteger sumOf(const Operands& n) { return n[0] + n[1]; }
 QLInteger differenceOf(const Operands& n) { return n[0] - n[1]; }
-QLInteger productOf(const Operands& n) { return n[0] * n[1]; }
+QLInteger productOf(const Operands& n) {
+  if (n[0].BitLength() + std::uint64_t{n[1].BitLength()} > kMaxResultBits) {
+    failTooLong("the product");
+  }
+  return n[0] * n[1];
+}
 QLInteger quotientOf(const Operands& n) { return n[0] / checkedDivisor(n[1]); }
 QLInteger lengthOf(const Operands& n) { return QLInteger::fromUint64(n[0].BitLength()); }
 QLInteger orderOf(const Operands& n) { return QLInteger(n[0].Compare(n[1])); }
@@ -91,12 +116,22 @@ QLInteger powerOf(const Operands& n) {
 }
 
 QLInteger modularPower(const Operands& n) {
+  const std::uint32_t bits = checkedDivisor(n[2]).BitLength();
+  checkedLength(notNegative(n[1], "the exponent"), maxExponentBits(bits),
+                "the exponent to a modulus of " + std::to_string(bits) + " bits");
   QLInteger result;
-  ModPow(n[0], notNegative(n[1], "the exponent"), checkedDivisor(n[2]), result);
+  ModPow(n[0], n[1], n[2], result);
   return result;
 }
 
+// Euclid's first step makes both numbers as short as the shorter one.
+void checkShorter(const Operands& n) {
+  const bool first = n[0].CompareMagnitude(n[1]) < 0;
+  checkedLength(n[first ? 0 : 1], kMaxDivisorBits, "the shorter number");
+}
+
 QLInteger commonDivisor(const Operands& n) {
+  checkShorter(n);
   const QLInteger a = magnitudeOf(n[0]), b = magnitudeOf(n[1]);
   QLInteger divisor;
   return Gcd(a, b, divisor) ? divisor : a + b;  // one of them is 0, which every number divides
@@ -104,13 +139,14 @@ QLInteger commonDivisor(const Operands& n) {
 
 QLInteger commonMultiple(const Operands& n) {
   if (!n[0].IsNonZero() || !n[1].IsNonZero()) return {0};
-  return magnitudeOf(n[0] / commonDivisor(n) * n[1]);
+  return magnitudeOf(productOf({n[0] / commonDivisor(n), n[1]}));
 }
 
 // The library's function takes the sign of the divisor from the remainders and stops at operands
 // that are not positive. For magnitudes it gives the greatest common divisor. Each factor then gets
 // the sign of its operand.
 Results extendedDivisor(const Operands& n) {
+  checkShorter(n);
   QLInteger g, x, y;
   ExtendedGcd(magnitudeOf(n[0]), magnitudeOf(n[1]), g, x, y);
   if (n[0].IsNegative()) x.Negate();
@@ -121,6 +157,7 @@ Results extendedDivisor(const Operands& n) {
 QLInteger inverseOf(const Operands& n) {
   const QLInteger& modulus = n[1];
   if (!modulus.IsPositive()) throw std::runtime_error("the modulus is below 1");
+  checkedLength(modulus, kMaxDivisorBits, "the modulus");
   QLInteger base = remainderOf(n);
   if (base.IsNegative()) base += modulus;
   QLInteger g, x, y;
@@ -136,7 +173,7 @@ QLInteger inverseOf(const Operands& n) {
 
 QLInteger rootOf(const Operands& n) {
   if (n[0].IsNegative()) throw std::runtime_error("the root of a negative number");
-  return IntegerSqrt(n[0]);
+  return IntegerSqrt(checkedLength(n[0], kMaxRootBits));
 }
 
 // Returns a number of 0 to 2^32 - 1.
@@ -189,27 +226,19 @@ QLInteger productUpTo(std::uint32_t last) {
 
 QLInteger factorialOf(const Operands& n) {
   const std::uint32_t last = countOf(n[0], "the number");
-  // A factor from 2^k up adds k bits or more. A factorial that passes this test is at most `last`
-  // bits too long, and its length is checked after it is computed.
-  std::uint64_t leastBits = 0;
-  for (std::uint64_t power = 2, k = 1; power <= last; power *= 2, ++k) {
-    leastBits += k * (std::min<std::uint64_t>(last, 2 * power - 1) - power + 1);
-  }
-  if (leastBits >= kMaxResultBits) failTooLong("the factorial");
-  QLInteger factorial = productUpTo(last);
-  if (factorial.BitLength() > kMaxResultBits) failTooLong("the factorial");
-  return factorial;
+  if (std::lgamma(last + 1.0) >= kMaxResultBits * std::log(2.0)) failTooLong("the factorial");
+  return productUpTo(last);
 }
 
 // With all bases in both kinds of test, the primes that are bases are recognised too.
 bool passesAllRounds(const QLInteger& number) { return IsProbablePrime(number, 18, 18); }
 
-bool primalityOf(const Operands& n) { return passesAllRounds(n[0]); }
+bool primalityOf(const Operands& n) { return passesAllRounds(checkedLength(n[0], kMaxTestedBits)); }
 
 // NextPrime tests fewer bases and returns some composites, such as 3215031751.
 QLInteger primeFrom(const Operands& n) {
   QLInteger prime;
-  NextPrime(n[0], prime);
+  NextPrime(checkedLength(n[0], kMaxSearchBits), prime);
   while (!passesAllRounds(prime)) NextPrime(prime + QLInteger(1), prime);
   return prime;
 }

@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   std::ofstream made(argv[2], std::ios::binary);
-  made.write(reinterpret_cast<const char*>(image), length);
+  made.write(reinterpret_cast<const char*>(image), static_cast<std::streamsize>(length));
   std::free(image);
   std::cout << source.size() << " bytes in, " << length << " out\n";
   return made.flush() ? 0 : 1;

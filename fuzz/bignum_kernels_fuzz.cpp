@@ -1,39 +1,16 @@
 // The wide kernel held to the plain one. An input is a byte that names an operation, a byte of
-// flags, two bytes that divide the rest into three operands, and the operands: each byte is a run
-// of up to 64 equal bits, so that short inputs make long numbers with the runs that reach
-// corrections.
-#include <algorithm>
+// flags, two bytes that divide the rest into three operands, and the operands as runs of bits.
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <span>
 #include <string>
 
-#include "bignum/integer.h"
 #include "bignum/text.h"
+#include "fuzz/number_input.h"
 #include "tests/bignum/twin_walk.h"
 
 namespace {
 
 using ulm::bignum::QLInteger;
-
-// The low 6 bits of a byte are the length of a run, less 1; the seventh is the bit. With the top
-// bit set a byte is 7 bits as they are.
-QLInteger numberOf(std::span<const std::uint8_t> bytes) {
-  QLInteger number(0);
-  for (const std::uint8_t byte : bytes) {
-    const std::uint32_t bits = (byte & 0x80) != 0 ? 7 : (byte & 63u) + 1;
-    number <<= bits;
-    if ((byte & 0x80) != 0) {
-      number += byte & 0x7F;
-    } else if ((byte & 0x40) != 0) {
-      number += ulm::bignum::PowerOfTwo(bits) - 1;
-    }
-  }
-  return number;
-}
+using namespace ulm::fuzz;
 
 struct Operation {
   const char* step;
@@ -63,11 +40,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < 4 || size > 1024) return 0;
   const Operation& operation = kOperations[data[0] % kOperations.size()];
   const std::uint8_t flags = data[1];
-  std::span<const std::uint8_t> rest(data + 4, size - 4);
+  Bytes rest(data + 4, size - 4);
   ulm::bignum::test::TwinWalk walk;
   for (std::size_t i = 0; i < 3; ++i) {
     const std::size_t length = i < 2 ? rest.size() * data[2 + i] / 255 : rest.size();
-    QLInteger number = numberOf(rest.first(length));
+    QLInteger number = numberOfRuns(rest.first(length));
     if (number.count > operation.mostWords) return 0;
     rest = rest.subspan(length);
     if (i == 1 && (flags & 8) != 0) {  // a dividend next to a multiple
@@ -85,7 +62,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (faults.empty() && std::string(operation.step) == "ToText" && operation.args[1] == 10) {
     faults = walk.run("FromText", {3}, ulm::bignum::toString(walk.get(0)));
   }
-  if (faults.empty()) return 0;
-  std::fprintf(stderr, "the kernels differ: %s\n", faults.c_str());
-  std::abort();
+  require(faults.empty(), faults.c_str());
+  return 0;
 }

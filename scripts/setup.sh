@@ -68,16 +68,18 @@ ulm_quietly() {
   "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 }
 
-# How many compilers, or tests, run at once.
-ulm_jobs=$(nproc 2>/dev/null || echo 2)
+# How many compilers, tests or fuzz targets run at once: as many as there are processors, or ULM_JOBS.
+ulm_jobs=${ULM_JOBS:-$(nproc 2>/dev/null || echo 2)}
 
-ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev)
+ULM_BUILD_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev libwoff-dev)
 ULM_TEST_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" clang-14 clang-format-14 libclang-rt-14-dev libgtest-dev
   libgmock-dev libbenchmark-dev python3 binutils git
   # Peers to compare with, and fonts to read.
   libgmp-dev libssl-dev libtommath-dev libfreetype-dev libharfbuzz-dev libstb-dev
   python3-fonttools opentype-sanitizer
   fonts-dejavu-core fonts-freefont-ttf fonts-liberation fonts-wqy-microhei)
+# What the fuzz targets need.
+ULM_FUZZ_PACKAGES=(cmake ninja-build clang-14 libclang-rt-14-dev nlohmann-json3-dev libgmp-dev libssl-dev)
 # The programs of bench/ and their peers.
 ULM_BENCH_PACKAGES=("${ULM_BUILD_PACKAGES[@]}" libbenchmark-dev binutils python3 python3-fonttools
   libgmp-dev libssl-dev libtommath-dev libfreetype-dev libharfbuzz-dev libstb-dev

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the three libraries with their tests for other processors and runs the tests under qemu: aarch64,
-# i686 (32-bit words) and s390x (high byte first). Results must be the same bits on each.
+# i686 (32-bit words) and s390x (high byte first). Results must be the same bits on each. Programs for i686 run
+# without qemu where the processor and the system can.
 # Arguments are the processors to test instead. A processor without a cross compiler or qemu is left out with
 # a message, unless this script can install them.
 set -euo pipefail
@@ -15,12 +16,24 @@ fi
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 
+# Sets emulator to the command that runs programs for a processor; fails where there is none.
+find_emulator() {
+  local root=/usr/$1-linux-gnu
+  local loader=$root/lib/ld-linux.so.2
+  if [ "$1" = i686 ] && "$loader" --version >/dev/null 2>&1; then
+    emulator="$loader;--library-path;$root/lib"
+  else
+    emulator="qemu-${1/i686/i386};-L;$root"
+    command -v "${emulator%%;*}" >/dev/null
+  fi
+}
+
 configure() {  # PROCESSOR SOURCE BUILD OPTION...
   local processor=$1 source=$2 build=$3
   shift 3
   ulm_quietly cmake -S "$source" -B "$build" -G Ninja --toolchain "$PWD/cmake/toolchain-linux.cmake" \
     -DULM_CROSS="$processor" -DULM_CROSS_PACKAGES="$PWD/build/cross/$processor/packages" \
-    -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
+    -DCMAKE_CROSSCOMPILING_EMULATOR="$emulator" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
 }
 
 build() {
@@ -42,10 +55,9 @@ run_tests() {
 }
 
 for processor in "${processors[@]}"; do
-  emulator=qemu-${processor/i686/i386}
-  if ! command -v "$emulator" >/dev/null || ! command -v "$processor-linux-gnu-g++" >/dev/null ||
+  if ! find_emulator "$processor" || ! command -v "$processor-linux-gnu-g++" >/dev/null ||
     [ ! -d /usr/src/googletest ]; then
-    echo "== cross $processor: left out, no $emulator, $processor-linux-gnu-g++ or /usr/src/googletest"
+    echo "== cross $processor: left out, no ${emulator%%;*}, $processor-linux-gnu-g++ or /usr/src/googletest"
     continue
   fi
   ulm_stage "cross $processor: building" build "$processor"

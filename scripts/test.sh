@@ -37,6 +37,7 @@ for preset in "${presets[@]}"; do
   fi
   ulm_stage "$preset: building" build "$preset"
   ulm_stage "$preset: testing" run_tests "$preset"
+  [ "$preset" != fuzz ] || ulm_stage "fuzz: five seconds for each target" scripts/fuzz.sh 5
 done
 echo "== all stages: $SECONDS s"
 python3 scripts/count_tests.py "${presets[@]}"

@@ -33,6 +33,10 @@ inline std::uint32_t checkedCount(std::uint64_t wordCount) {
   return static_cast<std::uint32_t>(wordCount);
 }
 
+// Returns an array of exactly n words without a value, to be freed by FreeWords; never null. Throws
+// std::bad_alloc.
+Word* allocateUnfilled(std::uint32_t n);
+
 // Zeroes n words by stores that no compiler removes, although the words are freed next. words may
 // be null if n is 0.
 inline void wipeWords(Word* words, std::uint32_t n) noexcept {

@@ -1,14 +1,14 @@
 // The interface of a kernel: the word arithmetic in which the big integers spend their time.
 //
-// A kernel works on bare arrays, least significant word first. It allocates nothing, knows no sign
-// and decides nothing about storage: the operations of QLInteger provide all room by their own
-// rules, so that values, counts and capacities are the same with each kernel.
+// A kernel works on bare arrays, least significant word first. It knows no sign and decides nothing
+// about the storage of values: the operations of QLInteger provide all room by their own rules, so
+// that values, counts and capacities are the same with each kernel. What it allocates is its own
+// working space.
 //
 // The build chooses one kernel by ULM_BIGNUM_KERNEL. The names of each kernel are in a namespace of
 // its own, so that a program can link two of them and compare their results.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "bignum/words.h"
@@ -27,28 +27,30 @@ void shiftLeft(Word* words, std::uint32_t n, std::uint32_t s) noexcept;
 void shiftRight(Word* words, std::uint32_t n, std::uint32_t s) noexcept;
 int compare(const Word* a, const Word* b, std::uint32_t n) noexcept;
 
-// Returns the words of scratch space that multiply needs for operands of these lengths.
-std::size_t multiplyScratch(std::uint32_t aCount, std::uint32_t bCount) noexcept;
-
-// product = a * b.
-//   product  aCount + bCount words, zeroed by the caller; overlaps neither operand
+// product = a * b. Throws std::bad_alloc before anything is written.
+//   product  receives aCount + bCount words; overlaps neither operand
 //   a, b     at least 1 word each; may be the same array
-//   scratch  multiplyScratch words; may be null if that is 0
 void multiply(Word* product, const Word* a, std::uint32_t aCount, const Word* b,
-              std::uint32_t bCount, Word* scratch) noexcept;
+              std::uint32_t bCount);
 
-// Returns the words of scratch space that divide needs for operands of these lengths.
-std::size_t divideScratch(std::uint32_t aCount, std::uint32_t bCount) noexcept;
+// Divides a by b, where a > b > 0 and neither has a zero word at its top. Throws std::bad_alloc
+// before anything is written.
+//   quotient   receives ((aBits - bBits) + 32) >> 5 words; null if only the remainder is asked for
+//   remainder  receives bCount words. Has room for aCount words, and for 2 more if a is at least 32
+//              bits longer than b; what is above the remainder then has no meaning
+//   dividend   a in aCount words; may be the array of the remainder
+//   divisor    b in bCount words; overlaps no array that is written
+void divide(Word* quotient, Word* remainder, const Word* dividend, std::uint32_t aCount,
+            const Word* divisor, std::uint32_t bCount);
 
-// Divides a by b, where a > b > 0 and neither has a zero word at its top.
-//   quotient   receives ((aBits - bBits) + 32) >> 5 words, zeroed by the caller; null if only the
-//              remainder is asked for
-//   remainder  holds a in aCount words and receives the remainder, with zero words above it. If a
-//              is at least 32 bits longer than b, there is room for 2 more words of any content
-//   divisor    b in bCount words, which do not change; overlaps no other array
-//   scratch    divideScratch words; may be null if that is 0
-void divide(Word* quotient, Word* remainder, std::uint32_t aCount, const Word* divisor,
-            std::uint32_t bCount, Word* scratch) noexcept;
+// Whether an operation may write a result to the storage of its destination, where that has the
+// size that fresh storage would have. This saves an allocation; only the address of the words shows
+// it.
+#ifdef ULM_KERNEL_REUSES_STORAGE
+inline constexpr bool kReusesStorage = true;
+#else
+inline constexpr bool kReusesStorage = false;
+#endif
 
 }  // namespace ULM_BIGNUM_KERNEL
 }  // namespace ulm::bignum::kernel

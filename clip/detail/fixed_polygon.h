@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <optional>
 
 #include "clip/detail/polygon_pass.h"
 #include "clip/polygon.h"
@@ -42,6 +44,7 @@ struct PolygonAccess<BasicClipPolygon<Real>> {
    private:
     Vertex* slots_;
   };
+  static constexpr bool kGrows = false;
   static std::uint32_t finish(Polygon& polygon, std::uint32_t n) noexcept {
     return polygon.count = std::min(n, kClipPolygonCapacity);
   }
@@ -51,6 +54,30 @@ struct PolygonAccess<BasicClipPolygon<Real>> {
   static void handOver(const Scratch& result, Polygon& polygon) noexcept {
     std::copy_n(result.vertices, result.written, polygon.vertices);
     polygon.count = result.count;
+  }
+
+  // With one plane to run, the result of a long outline can be written where the source is.
+  template <class Planes>
+  static std::optional<ClipOutcome> clipQuickly(Polygon& polygon, std::uint32_t mask) noexcept {
+    constexpr std::uint32_t kLong = 17;  // below it a copy takes less time than the mask
+    std::optional<ClipOutcome> outcome;
+    const std::uint32_t count = countOf(polygon);
+    if (count < kLong || !std::has_single_bit(mask)) return outcome;
+    Planes::allOf([&](auto plane) {
+      if (mask != plane.kBit) return true;
+      const Cut cut = cutOfFew<decltype(plane)>(polygon.vertices, count);
+      const std::uint32_t made = cut.made(count);
+      if (cut.kind == Cut::Many || made > kClipPolygonCapacity) return false;
+      if (made < 3) {
+        outcome = ClipOutcome::Gone;
+        return false;
+      }
+      writeCut<decltype(plane)>(polygon.vertices, count, cut, polygon.vertices, NewOutcodes::Zero);
+      polygon.count = made;
+      outcome = ClipOutcome::Clipped;
+      return false;
+    });
+    return outcome;
   }
 
   template <class List>

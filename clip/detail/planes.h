@@ -38,6 +38,12 @@ constexpr auto along(const Point& p) noexcept {
 template <ClipPlaneBit Bit, Axis A, Side S>
 struct Plane {
   static constexpr std::uint32_t kBit = Bit;
+  static constexpr bool kAtMax = S == Side::Max;
+
+  template <class Point>
+  static constexpr auto coordinate(const Point& p) noexcept {
+    return along<A>(p);
+  }
 
   // For polygons and outcodes: whether `p` is strictly beyond the plane.
   template <class Point>
@@ -120,8 +126,8 @@ constexpr auto crossingOf(const Point& p, const Point& q) noexcept {
 
 // Sets the four coordinates of `out`, which may be p or q, to those at t. They are not snapped onto
 // the plane.
-template <class Point, class Real>
-constexpr void setBetween(Point& out, const Point& p, const Point& q, Real t) noexcept {
+template <class Out, class Point, class Real>
+constexpr void setBetween(Out& out, const Point& p, const Point& q, Real t) noexcept {
   out.x = between(p.x, q.x, t);
   out.y = between(p.y, q.y, t);
   out.z = between(p.z, q.z, t);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "clip/detail/outcode.h"
 #include "clip/detail/planes.h"
 #include "clip/detail/polygon_pass.h"
 #include "clip/growable/detail/polygon_array_access.h"
@@ -82,11 +83,10 @@ std::size_t clipPolygonArraysInPlace2D(BasicClipPolygonArray<Real>* polygons,
 
 template <std::floating_point Real>
 std::uint32_t computeOutcode(BasicClipPolygonArray<Real>& polygon) {
-  detail::PolygonAccess<BasicClipPolygonArray<Real>>::peek(
-      polygon);  // checks `count`, so that all are written or none
-  std::uint32_t any = 0;
-  for (std::uint32_t i = 0; i < polygon.count; ++i) any |= computeOutcode(polygon.vertices.at(i));
-  return any;
+  if (polygon.count == 0) return 0;
+  polygon.vertices.at(polygon.count -
+                      1);  // checks `count` and detaches, so that all are written or none
+  return detail::setOutcodes(polygon.vertices.data(), polygon.count);
 }
 
 template <std::floating_point Real>

@@ -128,8 +128,10 @@ BasicClipPolygonArray<Real>* clipPolygonArrayToRectangle(BasicClipPolygonArray<R
 
 // Clips `polygon` against the volume, by its outcodes. Returns whether a polygon remains, by the
 // rules of clipPolygonInPlace. The tests on outcodes allocate nothing and copy no shared buffer. A
-// polygon that was clipped takes over the array of the result as its only owner. The `outcode` of a
-// new vertex is unspecified. Call computeOutcode to clip again.
+// polygon that was clipped is the only owner of its array, which has a capacity of the former count
+// plus kClipSpareVertices, or more, and grows by half; references to former vertices are not valid.
+// Its former array may stay if it has this form. The `outcode` of a new vertex is unspecified. Call
+// computeOutcode to clip again.
 template <std::floating_point Real>
 bool clipPolygonArrayInPlace(BasicClipPolygonArray<Real>& polygon);
 

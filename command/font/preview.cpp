@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "command/font/woff2.h"
 #include "command/support/text.h"
 #include "truetype/format/byte_sink.h"
 #include "truetype/format/byte_view.h"
@@ -264,13 +265,16 @@ Promise.all([load("subset"), load("source")]).then(async states => {
 void addFace(std::string& page, const char* name, std::string_view font) {
   page += "@font-face { font-family: \"ulmira ";
   page += name;
-  page += "\"; src: url(data:font/ttf;base64," + base64(font) + "); }\n";
+  page +=
+      isWoff2(font) ? "\"; src: url(data:font/woff2;base64," : "\"; src: url(data:font/ttf;base64,";
+  page += base64(font) + "); }\n";
 }
 
 }  // namespace
 
-std::string previewPage(const FontFile& font, std::string_view subset, const SubsetPlan& plan,
-                        const std::vector<std::string>& layout, const SubsetOptions& options) {
+std::string previewPage(const FontFile& font, std::string_view subset,
+                        const std::string& subsetName, const SubsetPlan& plan,
+                        const std::vector<std::string>& layout) {
   const std::string source = separateFace(font);
   std::string page =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
@@ -278,20 +282,19 @@ std::string previewPage(const FontFile& font, std::string_view subset, const Sub
   addFace(page, "subset", subset);
   addFace(page, "source", source);
   page += kStyle;
-  const bool list = options.input == SubsetInput::Unicodes || options.input == SubsetInput::Glyphs;
   page += "</style>\n</head>\n<body>\n<h1>Loading</h1>\n<aside>";
   if (!layout.empty()) {
     page += "<div>The new font does not have these tables, which apply to the characters:";
     for (const std::string& table : layout) page += ' ' + table;
     page += "</div>";
   }
-  page += list ? "</aside>\n<main class=\"list\">\n" : "</aside>\n<main>\n";
+  page += plan.isList ? "</aside>\n<main class=\"list\">\n" : "</aside>\n<main>\n";
   const auto addColumn = [&](const char* name, const std::string& file, std::size_t size) {
     page += "<section>\n<h2>" + escapedName(file) + ", " + std::to_string(size) +
             " bytes</h2>\n<p class=\"" + name + "\">" +
-            (list ? separateCharacters(plan.text) : escapedText(plan.text)) + "</p>\n";
+            (plan.isList ? separateCharacters(plan.text) : escapedText(plan.text)) + "</p>\n";
   };
-  addColumn("subset", options.output == "-" ? "standard output" : options.output, subset.size());
+  addColumn("subset", subsetName, subset.size());
   if (!plan.assigned.empty()) {
     page += "<h2>Glyphs that no character of the source maps to</h2>\n<div><p class=\"subset\">" +
             separateCharacters(plan.assigned) + "</p></div>\n";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -33,44 +34,60 @@ std::u32string readTextFile(const std::string& file) {
   return text;
 }
 
-// Reads a number up to `maximum`: a character in radix 16, a glyph index in radix 10.
-std::uint32_t parseNumber(const std::string& word, int radix, std::uint32_t maximum) {
-  const char* digits = radix == 16 ? "0123456789abcdefABCDEF" : "0123456789";
-  if (!word.empty() && word.size() <= 8 && word.find_first_not_of(digits) == std::string::npos) {
-    const unsigned long value = std::stoul(word, nullptr, radix);
-    if (value <= maximum) return static_cast<std::uint32_t>(value);
+// A list of characters or of glyphs.
+struct ListKind {
+  int radix;
+  std::uint32_t maximum;
+  const char* what;   // one of the numbers
+  const char* range;  // an example
+};
+constexpr ListKind kCharacters{16, 0x10FFFF, "character (as U+0041)", "U+0041-U+005A"};
+constexpr ListKind kGlyphs{10, 0xFFFF, "glyph number", "7-12"};
+
+// Reads a number of the list, for characters with or without U+ or 0x before it.
+std::uint32_t parseNumber(std::string word, const ListKind& kind) {
+  const std::string given = word;
+  if (kind.radix == 16 && word.size() > 2 &&
+      (((word[0] == 'U' || word[0] == 'u') && word[1] == '+') ||
+       (word[0] == '0' && (word[1] == 'x' || word[1] == 'X')))) {
+    word.erase(0, 2);
   }
-  throw std::runtime_error('"' + word + "\": no " +
-                           (radix == 16 ? "character (as U+0041)" : "glyph number"));
+  const char* digits = kind.radix == 16 ? "0123456789abcdefABCDEF" : "0123456789";
+  if (!word.empty() && word.size() <= 8 && word.find_first_not_of(digits) == std::string::npos) {
+    const unsigned long value = std::stoul(word, nullptr, kind.radix);
+    if (value <= kind.maximum) return static_cast<std::uint32_t>(value);
+  }
+  throw std::runtime_error('"' + given + "\": no " + kind.what);
 }
 
-// Reads numbers and ranges, which are separated by commas or blanks. Returns each number once, in
-// ascending order.
-Numbers parseList(const std::string& list, int radix, std::uint32_t maximum) {
-  const auto parse = [&](std::string word) {
-    if (radix == 16 && word.size() > 2 && (word[0] == 'U' || word[0] == 'u') && word[1] == '+') {
-      word.erase(0, 2);
-    }
-    return parseNumber(word, radix, maximum);
-  };
-  std::vector<bool> listed(maximum + std::size_t{1});
+// Adds the numbers of a list, which are separated by commas or blanks: numbers, ranges, and '*',
+// which sets `all`.
+void readList(const std::string& list, const ListKind& kind, std::vector<bool>& listed, bool& all) {
+  listed.resize(kind.maximum + std::size_t{1});
   for (std::size_t end = 0, start = 0; start < list.size(); start = end + 1) {
     end = std::min(list.find_first_of(", \t\r\n", start), list.size());
     if (end == start) continue;
     const std::string word = list.substr(start, end - start);
+    if (word == "*") {
+      all = true;
+      continue;
+    }
     const std::size_t dash = word.find('-');
     if (dash != std::string::npos && (dash == 0 || dash + 1 == word.size())) {
-      throw std::runtime_error('"' + word + "\": a range needs both its ends, as " +
-                               (radix == 16 ? "U+0041-U+005A" : "7-12"));
+      throw std::runtime_error('"' + word + "\": a range needs both its ends, as " + kind.range);
     }
-    const std::uint32_t first = parse(word.substr(0, dash));
-    const std::uint32_t last = dash == std::string::npos ? first : parse(word.substr(dash + 1));
+    const std::uint32_t first = parseNumber(word.substr(0, dash), kind);
+    const std::uint32_t last =
+        dash == std::string::npos ? first : parseNumber(word.substr(dash + 1), kind);
     if (last < first) throw std::runtime_error('"' + word + "\": a range that runs backwards");
     std::fill(listed.begin() + first, listed.begin() + last + 1, true);
   }
+}
+
+Numbers numbersOf(const std::vector<bool>& listed) {
   Numbers numbers;
-  for (std::uint32_t number = 0; number <= maximum; ++number) {
-    if (listed[number]) numbers.push_back(number);
+  for (std::size_t number = 0; number < listed.size(); ++number) {
+    if (listed[number]) numbers.push_back(static_cast<std::uint32_t>(number));
   }
   return numbers;
 }
@@ -108,10 +125,8 @@ bool isUsable(const FontFile& font, std::uint32_t glyph) {
 // Collects the glyphs of a plan.
 class Planner {
  public:
-  explicit Planner(const FontFile& font) : font_(font) {
+  explicit Planner(const FontFile& font) : font_(font), taken_(font->numGlyphs) {
     if (!isUsable(font, 0)) throw std::runtime_error("the font's glyph 0, .notdef, is damaged");
-    plan_.glyphs.push_back(0);
-    plan_.codes.push_back(0);
   }
 
   void takeCharacters(const Numbers& codes) {
@@ -133,6 +148,7 @@ class Planner {
     leaveOut("mapped to damaged glyphs:", damaged, characterName);
   }
 
+  // Takes the glyphs that no taken character maps to.
   void takeGlyphs(Numbers glyphs) {
     const auto unusable = std::stable_partition(
         glyphs.begin(), glyphs.end(), [&](std::uint32_t glyph) { return isUsable(font_, glyph); });
@@ -141,29 +157,32 @@ class Planner {
     requestsNotdef_ = !glyphs.empty() && glyphs[0] == 0;
 
     const std::vector<std::uint16_t> lowestCodes = font_.lowestCodes();
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> glyphsByCode;
     Numbers withoutCode;
     for (const std::uint32_t glyph : glyphs) {
-      if (glyph == 0) continue;
+      if (glyph == 0 || taken_[glyph]) continue;
       if (lowestCodes[glyph] == 0) {
         withoutCode.push_back(glyph);
       } else {
-        glyphsByCode.emplace_back(lowestCodes[glyph], glyph);
+        add(lowestCodes[glyph], glyph);
       }
     }
     const Numbers assigned = assignCodes(withoutCode);
-    for (std::size_t i = 0; i < withoutCode.size(); ++i) {
-      glyphsByCode.emplace_back(assigned[i], withoutCode[i]);
-    }
-    std::sort(glyphsByCode.begin(), glyphsByCode.end());
-    for (const auto& [code, glyph] : glyphsByCode) add(code, static_cast<std::uint16_t>(glyph));
+    for (std::size_t i = 0; i < withoutCode.size(); ++i) add(assigned[i], withoutCode[i]);
   }
 
   SubsetPlan finish() {
-    if (plan_.glyphs.size() == 1 && !requestsNotdef_) {
+    if (glyphsByCode_.empty() && !requestsNotdef_) {
       std::string why;
       for (const std::string& line : plan_.leftOut) why += "; " + line;
       throw std::runtime_error("no glyphs to take" + why);
+    }
+    // No two entries have the same code: a glyph of a list is left out if a character brought it.
+    std::sort(glyphsByCode_.begin(), glyphsByCode_.end());
+    plan_.glyphs.push_back(0);
+    plan_.codes.push_back(0);
+    for (const auto& [code, glyph] : glyphsByCode_) {
+      plan_.codes.push_back(code);
+      plan_.glyphs.push_back(glyph);
     }
     return std::move(plan_);
   }
@@ -187,9 +206,9 @@ class Planner {
     plan_.assigned.assign(unused.begin(), unused.end());
     return unused;
   }
-  void add(std::uint32_t code, std::uint16_t glyph) {
-    plan_.codes.push_back(static_cast<std::uint16_t>(code));
-    plan_.glyphs.push_back(glyph);
+  void add(std::uint32_t code, std::uint32_t glyph) {
+    glyphsByCode_.emplace_back(static_cast<std::uint16_t>(code), static_cast<std::uint16_t>(glyph));
+    taken_[glyph] = true;
   }
   void leaveOut(const char* why, const Numbers& numbers, std::string (*name)(std::uint32_t)) {
     if (!numbers.empty())
@@ -198,47 +217,78 @@ class Planner {
 
   const FontFile& font_;
   SubsetPlan plan_;
+  std::vector<std::pair<std::uint16_t, std::uint16_t>> glyphsByCode_;
+  std::vector<bool> taken_;  // by glyph index
   bool requestsNotdef_ = false;
 };
 
-Numbers charactersOf(std::u32string text) {
-  std::sort(text.begin(), text.end());
-  text.erase(std::unique(text.begin(), text.end()), text.end());
-  return {text.begin(), text.end()};
+// Returns the characters that the font maps, and those of the request.
+Numbers withAllCharacters(const FontFile& font, const Numbers& characters) {
+  Numbers all;
+  for (std::uint32_t code = 1; code < 0xFFFF; ++code) {
+    if (font.glyphOf(code) != 0) all.push_back(code);
+  }
+  Numbers both;
+  std::set_union(all.begin(), all.end(), characters.begin(), characters.end(),
+                 std::back_inserter(both));
+  return both;
 }
 
 }  // namespace
 
-SubsetPlan planSubset(const FontFile& font, const SubsetOptions& options) {
-  Planner planner(font);
-  std::u32string text;
-  switch (options.input) {
-    case SubsetInput::Text:
-      text = decodeUtf8(options.list);
-      planner.takeCharacters(charactersOf(text));
-      break;
-    case SubsetInput::TextFile: {
-      text = readTextFile(options.list);
-      std::u32string characters = text;
-      std::erase_if(characters, [](char32_t code) { return code == U'\n' || code == U'\r'; });
-      planner.takeCharacters(charactersOf(std::move(characters)));
-      break;
+SubsetRequest readSubsetLists(const SubsetLists& lists) {
+  SubsetRequest request;
+  std::vector<bool> characters(kCharacters.maximum + std::size_t{1}), glyphs;
+  const auto addText = [&](const std::u32string& text) {
+    request.text += (request.text.empty() ? U"" : U"\n") + text;
+  };
+  for (const std::string& list : lists.texts) {
+    const std::u32string text = decodeUtf8(list);
+    addText(text);
+    for (const char32_t code : text) characters[code] = true;
+  }
+  for (const std::string& file : lists.textFiles) {
+    const std::u32string text = readTextFile(file);
+    addText(text);
+    for (const char32_t code : text) {
+      if (code != U'\n' && code != U'\r') characters[code] = true;
     }
-    case SubsetInput::Unicodes:
-      planner.takeCharacters(parseList(options.list, 16, 0x10FFFF));
-      break;
-    case SubsetInput::Glyphs:
-      planner.takeGlyphs(parseList(options.list, 10, 0xFFFF));
-      break;
   }
+  for (const std::string& list : lists.unicodes) {
+    readList(list, kCharacters, characters, request.allCharacters);
+  }
+  for (const std::string& list : lists.glyphs) {
+    readList(list, kGlyphs, glyphs, request.allGlyphs);
+  }
+  request.characters = numbersOf(characters);
+  request.glyphs = numbersOf(glyphs);
+  return request;
+}
+
+SubsetPlan planSubset(const FontFile& font, const SubsetRequest& request) {
+  Planner planner(font);
+  planner.takeCharacters(request.allCharacters ? withAllCharacters(font, request.characters)
+                                               : request.characters);
+  Numbers glyphs = request.glyphs;
+  if (request.allGlyphs) {
+    glyphs.erase(glyphs.begin(), std::lower_bound(glyphs.begin(), glyphs.end(), font->numGlyphs));
+    Numbers all(font->numGlyphs);
+    std::iota(all.begin(), all.end(), 0u);
+    glyphs.insert(glyphs.begin(), all.begin(), all.end());
+  }
+  if (!glyphs.empty()) planner.takeGlyphs(std::move(glyphs));
   SubsetPlan plan = planner.finish();
-  if (text.empty()) {
-    std::copy_if(plan.codes.begin() + 1, plan.codes.end(), std::back_inserter(text),
-                 [&](char32_t code) {
-                   return !std::binary_search(plan.assigned.begin(), plan.assigned.end(), code);
-                 });
+  plan.text = request.text;
+  plan.isList = request.text.empty();
+  std::u32string shown = request.text;
+  std::sort(shown.begin(), shown.end());
+  for (std::size_t i = 1; i < plan.codes.size(); ++i) {
+    const char32_t code = plan.codes[i];
+    if (std::binary_search(plan.assigned.begin(), plan.assigned.end(), code)) continue;
+    if (std::binary_search(shown.begin(), shown.end(), code)) continue;
+    if (!plan.isList) plan.text += U'\n';
+    plan.text += code;
   }
-  plan.text = std::move(text);
   return plan;
 }
 

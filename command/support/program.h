@@ -56,6 +56,19 @@ std::optional<std::uint64_t> regularSize(std::FILE* file);
 // Returns true if the error stream is a terminal.
 bool errorStreamIsTerminal();
 
+// Discards what is written to the error stream while the object lives, for libraries that print
+// there. Does nothing if the system refuses. One object may live at a time.
+class SilencedErrorStream {
+ public:
+  SilencedErrorStream();
+  SilencedErrorStream(const SilencedErrorStream&) = delete;
+  SilencedErrorStream& operator=(const SilencedErrorStream&) = delete;
+  ~SilencedErrorStream();
+
+ private:
+  int own_;  // a duplicate of the descriptor; -1 if nothing is discarded
+};
+
 // Returns a stream to the standard output, which the caller closes, and redirects standard output
 // to the error stream, so that text which a library prints cannot mix with a report. Throws
 // std::runtime_error if standard output is closed.

@@ -13,6 +13,10 @@
 
 namespace {
 
+nlohmann::ordered_json orNull(const std::optional<std::string>& text) {
+  return text ? nlohmann::ordered_json(*text) : nlohmann::ordered_json();
+}
+
 nlohmann::ordered_json toJson(const ulm::tools::RunReport& report) {
   using nlohmann::ordered_json;
   ordered_json record;  // null if no record was published
@@ -26,12 +30,23 @@ nlohmann::ordered_json toJson(const ulm::tools::RunReport& report) {
   for (const auto& load : report.loads) {
     loads.push_back({{"file", load.file}, {"engine", load.engine}, {"number", load.number}});
   }
+  ordered_json switches = ordered_json::object();
+  for (const auto& found : report.switches) {
+    switches[found.key] = {{"on", found.on}, {"inFile", found.inFile}};
+  }
+  constexpr const char* kPathKept[] = {nullptr, "listed", "too long", "by the module"};
+  const char* const pathKept = kPathKept[static_cast<std::size_t>(report.pathKept)];
   return {{"apiVersion", report.apiVersion},
           {"modulePath", report.modulePath},
+          {"mainInstance", orNull(report.mainInstance)},
+          {"translation", orNull(report.translation)},
+          {"secondTranslation", orNull(report.secondTranslation)},
+          {"switches", switches},
           {"record", record},
-          {"wld", report.wld ? ordered_json(*report.wld) : ordered_json()},
+          {"wld", orNull(report.wld)},
           {"pathBefore", report.pathBefore},
           {"pathAfter", report.pathAfter},
+          {"pathKept", pathKept == nullptr ? ordered_json() : ordered_json(pathKept)},
           {"loads", loads},
           {"started", report.started},
           {"unbalanced", report.unbalanced}};
@@ -47,6 +62,7 @@ int main(int argc, char** argv) {
     app.allow_windows_style_options(false);
     app.add_option("--module", options.moduleFile, "the library to take up")->required();
     app.add_option("--without", options.without, "host libraries to leave out")->take_all();
+    app.add_flag("--debug-monitor", options.debugMonitor, "open a debug monitor's window");
     CLI11_PARSE(app, arguments.count(), arguments.values());
     std::FILE* const output = ulm::tools::takeStandardOutput();
     const std::string report = toJson(ulm::tools::runModule(options))

@@ -1,13 +1,16 @@
 #include "standin/host/module_run.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <exception>
+#include <string_view>
 #include <utility>
 
 #include "hostsdk/odrx/rx_object.h"
 #include "hostsdk/win32/win32.h"
 #include "module/entry.h"
 #include "module/glue/instance.h"
+#include "module/host_lookup.h"
 #include "standin/host/host_calls.h"
 #include "standin/hostapp/control.h"
 #include "standin/hostcmd/control.h"
@@ -19,6 +22,8 @@ namespace ulm::tools {
 namespace {
 
 using win32::toUtf8;
+
+constexpr wchar_t kDebugMonitor[] = L"_indebmon";  // the class of a debug monitor's window
 
 using GetApiVersion = decltype(odrxGetAPIVersion);
 using CreateModuleObject = decltype(odrxCreateModuleObject);
@@ -83,14 +88,46 @@ std::optional<RunReport::Record> publishedRecord(const HostAppControl* applicati
   return record;
 }
 
+std::wstring folderOf(const std::wstring& file) { return file.substr(0, file.rfind(L'\\') + 1); }
+std::wstring nameOf(const std::wstring& file) { return file.substr(file.rfind(L'\\') + 1); }
+
+std::optional<std::string> libraryName(HMODULE library) {
+  if (library == nullptr) return std::nullopt;
+  const std::wstring name = nameOf(moduleName(library));
+  return toUtf8(name.substr(0, name.rfind(L'.')).c_str());
+}
+
+// Reads the switches from mt.ini next to the module, as the module did before its entry ran.
+std::vector<RunReport::Switch> readSwitches(const std::wstring& module) {
+  const std::wstring file = folderOf(module) + L"mt.ini";
+  std::vector<RunReport::Switch> switches;
+  for (const wchar_t* key : {L"JumpArrOnAdd", L"JumpArrOnRemove", L"DefecateMem", L"mqlassert"}) {
+    const bool inFile = GetPrivateProfileIntW(L"mt", key, 0, file.c_str()) != 0;
+    const bool isRead =
+        std::wstring_view(key) != L"mqlassert" || FindWindowW(kDebugMonitor, nullptr) != nullptr;
+    switches.push_back({toUtf8(key), inFile && isRead, inFile});
+  }
+  return switches;
+}
+
+// Returns why the module kept a value of PATH.
+PathKept whyKept(const std::wstring& path, const std::wstring& folder) {
+  constexpr std::size_t kMaxAssignment =
+      8319;  // characters of PATH=VALUE;FOLDER that the module handles
+  if (path.find(folder) != std::wstring::npos) return PathKept::Listed;
+  const std::size_t length = std::wcslen(L"PATH=;") + path.size() + folder.size();
+  return length > kMaxAssignment ? PathKept::TooLong : PathKept::ByModule;
+}
+
 // Starts and stops the object, and releases it finally on every path.
-void startAndStop(OdRxModule* object, RunReport& report) {
+void startAndStop(OdRxModule* object, const std::wstring& fullName, RunReport& report) {
   struct FinalRelease {
     OdRxModule* object;
     ~FinalRelease() { object->finalRelease(); }
   } const finalRelease{object};
   report.modulePath = toUtf8(object->modulePath().c_str());
-  report.pathBefore = toUtf8(environmentVariable(L"PATH").c_str());
+  const std::wstring pathBefore = environmentVariable(L"PATH");
+  report.pathBefore = toUtf8(pathBefore.c_str());
   try {
     report.started = object->initApp();
   } catch (const std::exception& error) {
@@ -98,14 +135,23 @@ void startAndStop(OdRxModule* object, RunReport& report) {
   } catch (...) {
     throw RunError("initApp raised an exception");
   }
-  report.pathAfter = toUtf8(environmentVariable(L"PATH").c_str());
+  const std::wstring pathAfter = environmentVariable(L"PATH");
+  report.pathAfter = toUtf8(pathAfter.c_str());
+  if (pathAfter == pathBefore) report.pathKept = whyKept(pathBefore, folderOf(fullName));
   object->uninitApp();
 }
 
 // Runs the library once, unloads it and returns its full name.
 std::wstring runOnce(const std::string& file, RunReport& report) {
+  const std::int64_t translationUsers = qlcoreTranslationUsers();
   const LoadedLibrary module(file);
   std::wstring fullName = moduleName(module.get());
+  if (qlcoreTranslationUsers() != translationUsers) {
+    report.translation = libraryName(GetModuleHandleW(L"qlcore.dll"));
+  }
+  report.secondTranslation = libraryName(GetModuleHandleW(L"qlsupport.dll"));
+  report.mainInstance = libraryName(Host_GetMainInstance());
+  report.switches = readSwitches(fullName);
   const auto need = [&](auto* entry, const char* name) {
     if (entry == nullptr) throw RunError(file + " lacks the entry " + name);
     return entry;
@@ -119,13 +165,14 @@ std::wstring runOnce(const std::string& file, RunReport& report) {
   HINSTANCE slot = module.get();
   OdRxModule* object = create(&slot);
   if (object == nullptr) throw RunError(file + " made no module object");
-  startAndStop(object, report);
+  startAndStop(object, fullName, report);
   return fullName;
 }
 
 }  // namespace
 
 RunReport runModule(const RunOptions& options) {
+  if (options.debugMonitor) ulmWin32OpenWindow(kDebugMonitor);
   const HostLibraries host(options.without);
   const std::vector<Balance> before = takeBalance(host.application);
   RunReport report;

@@ -1,6 +1,7 @@
 #include "hostsdk/odrx/alloc.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -18,11 +19,48 @@ struct alignas(16) BlockHeader {
 };
 constexpr std::uint64_t kSeal = 0x51A70DB10CC5EA1Eu;
 
-std::atomic<std::uint64_t> liveBlocks{0};
-std::atomic<std::uint64_t> liveBytes{0};
-std::atomic<std::uint64_t> calls{0};
-std::atomic<std::uint64_t> failFirst{0};  // number of the first call that fails
-std::atomic<std::uint64_t> failEnd{0};    // number of the first call that succeeds again
+using Count = std::atomic<std::uint64_t>;
+
+// What one thread has counted. A thread frees blocks of others too, so that only the sums over all
+// threads have a meaning; they are modulo 2^64.
+struct alignas(64) Counts {
+  Count blocks{0};
+  Count bytes{0};
+  Count calls{0};
+};
+// A thread keeps the entry that it got first. All threads after those of the other entries share
+// the last one.
+std::array<Counts, 64> counts;
+std::atomic<std::size_t> countingThreads{0};
+[[gnu::tls_model("initial-exec")]] thread_local Counts* countsOfThread = nullptr;
+
+Counts& ownCounts() noexcept {
+  if (countsOfThread == nullptr) {
+    countsOfThread = &counts[std::min(countingThreads.fetch_add(1), counts.size() - 1)];
+  }
+  return *countsOfThread;
+}
+
+// An addition that is locked takes longer than malloc, so an entry of one thread is changed by
+// plain stores.
+void add(const Counts& of, Count& count, std::uint64_t number) noexcept {
+  if (&of == &counts.back()) {
+    count.fetch_add(number, std::memory_order_relaxed);
+  } else {
+    count.store(count.load(std::memory_order_relaxed) + number, std::memory_order_relaxed);
+  }
+}
+
+std::uint64_t sumOf(Count Counts::*count) noexcept {
+  std::uint64_t sum = 0;
+  for (const Counts& of : counts) sum += (of.*count).load(std::memory_order_relaxed);
+  return sum;
+}
+
+// The calls since odrxAllocFail, as long as failures are due.
+Count callsToFail{0};
+Count failFirst{0};  // number of the first call that fails
+Count failEnd{0};    // number of the first call that succeeds again; 0 if none fails
 std::atomic<void (*)(void* block, std::uint64_t bytes)> watchFreed{nullptr};
 
 // Depends only on the header's address, not on its content.
@@ -32,19 +70,21 @@ std::uint64_t sealFor(BlockHeader* header) noexcept {
 }
 
 // Counts a call. Returns true if odrxAllocFail makes it fail.
-bool failsOnRequest() noexcept {
-  const std::uint64_t number = calls.fetch_add(1);
+bool failsOnRequest(Counts& own) noexcept {
+  add(own, own.calls, 1);
+  if (failEnd.load() == 0) return false;
+  const std::uint64_t number = callsToFail.fetch_add(1);
   return number >= failFirst.load() && number < failEnd.load();
 }
 
-void* makeBlock(std::size_t bytes) noexcept {
+void* makeBlock(Counts& own, std::size_t bytes) noexcept {
   if (bytes > SIZE_MAX - sizeof(BlockHeader)) return nullptr;
   auto* header = static_cast<BlockHeader*>(std::malloc(sizeof(BlockHeader) + bytes));
   if (header == nullptr) return nullptr;
   header->seal = sealFor(header);
   header->bytes = bytes;
-  liveBlocks.fetch_add(1);
-  liveBytes.fetch_add(bytes);
+  add(own, own.blocks, 1);
+  add(own, own.bytes, bytes);
   return header + 1;
 }
 
@@ -62,14 +102,16 @@ BlockHeader* headerOf(void* block) noexcept {
 }  // namespace
 
 void* odrxAlloc(std::size_t bytes) noexcept {
-  return failsOnRequest() ? nullptr : makeBlock(bytes);
+  Counts& own = ownCounts();
+  return failsOnRequest(own) ? nullptr : makeBlock(own, bytes);
 }
 
 void* odrxRealloc(void* block, std::size_t newBytes, std::size_t oldBytes) noexcept {
-  if (failsOnRequest()) return nullptr;
-  if (block == nullptr) return makeBlock(newBytes);
+  Counts& own = ownCounts();
+  if (failsOnRequest(own)) return nullptr;
+  if (block == nullptr) return makeBlock(own, newBytes);
   const auto held = static_cast<std::size_t>(headerOf(block)->bytes);
-  void* replacement = makeBlock(newBytes);
+  void* replacement = makeBlock(own, newBytes);
   if (replacement == nullptr) return nullptr;
   std::memcpy(replacement, block, std::min({newBytes, oldBytes, held}));
   odrxFree(block);
@@ -81,8 +123,9 @@ void odrxFree(void* block) noexcept {
   BlockHeader* header = headerOf(block);
   if (auto* const watch = watchFreed.load()) watch(block, header->bytes);
   header->seal = 0;
-  liveBlocks.fetch_sub(1);
-  liveBytes.fetch_sub(header->bytes);
+  Counts& own = ownCounts();
+  add(own, own.blocks, UINT64_MAX);
+  add(own, own.bytes, 0 - header->bytes);
   std::free(header);
 }
 
@@ -95,7 +138,7 @@ void odrxFree(void* block) noexcept {
 }
 
 OdrxAllocCounts odrxAllocCounts() noexcept {
-  return {liveBlocks.load(), liveBytes.load(), calls.load()};
+  return {sumOf(&Counts::blocks), sumOf(&Counts::bytes), sumOf(&Counts::calls)};
 }
 
 void odrxAllocWatchFreed(void (*watch)(void* block, std::uint64_t bytes)) noexcept {
@@ -103,8 +146,9 @@ void odrxAllocWatchFreed(void (*watch)(void* block, std::uint64_t bytes)) noexce
 }
 
 void odrxAllocFail(std::uint64_t after, std::uint64_t count) noexcept {
-  const std::uint64_t first = calls.load() + after;
   failEnd.store(0);
-  failFirst.store(first);
-  failEnd.store(count > UINT64_MAX - first ? UINT64_MAX : first + count);
+  if (count == 0) return;
+  callsToFail.store(0);
+  failFirst.store(after);
+  failEnd.store(count > UINT64_MAX - after ? UINT64_MAX : after + count);
 }

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <new>
 #include <sstream>
-#include <thread>
 #include <unordered_set>
 #include <vector>
 
@@ -156,17 +155,6 @@ TEST(Integer, PrimesAgreeWithTrialDivision) {
     EXPECT_EQ(found, n == 2 ? 3 : isPrime ? n : next) << n;
     if (isPrime) next = n;
   }
-}
-
-TEST(Integer, ThreadsShareValuesTheyRead) {
-  const QLInteger base = patterned(20, 0, 5, false), modulus = patterned(12, 0, 6, false);
-  QLInteger results[4];
-  std::vector<std::thread> threads;
-  for (QLInteger& result : results) {
-    threads.emplace_back([&] { ModPow(base, PrimeWitnesses[17], modulus, result); });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const QLInteger& result : results) EXPECT_EQ(result, results[0]);
 }
 
 TEST(Integer, BytesComeAndGoInBothOrders) {

@@ -119,6 +119,26 @@ TEST_P(Kernels, ProductsQuotientsAndSumsAreTheSame) {
   }
 }
 
+// The reciprocal of a divisor's top two limbs is corrected twice for these, and their remainder in
+// the second correction is above the top limb, or equal to it with a lower limb on either side.
+TEST_P(Kernels, QuotientsByRareDivisorsAreTheSame) {
+  std::uint64_t seed = 1;
+  for (const char* top : {"8000000000000000FFFFFFFFFFFFFFFFh", "8000000000000000C000000000000001h",
+                          "8832A43F0E979CF3B098838C8727F285h", "824D43C9CC11D357D08844DB04EEE93Ch",
+                          "8BE5BB2F1CFB10F6EECB9AF077E691F4h"}) {
+    for (const std::uint32_t lower : {0u, 3u}) {
+      for (int relation = 0; relation < 12; ++relation) {
+        QLInteger b = parseInteger(top);
+        b <<= 32 * lower;
+        if (lower != 0) b += operand(lower, relation % 2, ++seed);
+        walk_.set(0, dividendFor(b, 8, relation % 6, relation / 6, ++seed));
+        walk_.set(1, b);
+        expectEqual("Divide", {0, 1, 2, 3});
+      }
+    }
+  }
+}
+
 TEST_P(Kernels, RoutinesOnWordsAreTheSame) {
   for (std::uint32_t n = 1; n < 12; ++n) {
     for (int kind = 0; kind < 7; ++kind) {
@@ -163,7 +183,7 @@ TEST_P(Kernels, PowersAreTheSame) {
   }
   // The exponent that ends in a product with the base as it is: bases below the modulus, of its
   // length and not below it, and multiples of it.
-  for (std::uint32_t n = 1; n < 9; ++n) {
+  for (std::uint32_t n = 1; n < 16; ++n) {
     for (int kind = 0; kind < 7; ++kind) {
       walk_.set(1, QLInteger(65537));
       walk_.set(2, operand(n, kind, ++seed));
@@ -174,6 +194,14 @@ TEST_P(Kernels, PowersAreTheSame) {
         expectEqual("ModPow", {0, 1, 2, 3});
       }
     }
+  }
+  // Bases above twice the modulus, of as many limbs, that lead to more than twice the modulus if
+  // that product takes them as they are.
+  expectEqual("FromText", {2}, "6FFFFFFFFFFFFFFF0000000000000001h");
+  for (const std::int32_t below : {37, 38, 46, 60}) {
+    walk_.set(0, PowerOfTwo(128) - below);
+    walk_.set(1, QLInteger(65537));
+    expectEqual("ModPow", {0, 1, 2, 3});
   }
   for (const int modulus : {-5, -1, 0, 1, 2, 3, 9}) {
     for (const int base : {-7, 0, 1, 2, 9}) {
@@ -238,12 +266,14 @@ TEST_P(Kernels, DivisorsAndRootsAreTheSame) {
 }
 
 TEST_P(Kernels, PrimesAreTheSame) {
-  // Strong pseudoprimes, Carmichael numbers, factors of the screen next to them, and others.
+  // Strong pseudoprimes, two of them with factors of the screen, Carmichael numbers, a gap of 1550
+  // between primes, and others.
   for (const char* text :
-       {"3215031751", "3215031749", "561", "2047", "3474749660383", "341550071728321",
-        "3825123056546413051", "4294967291", "18446744073709551557", "1152271", "4295098369",
-        "9746347772161", "4503599627370497", "100000000000031h",
-        "FFFFFFFFFFFFFFFFFFFFFFFFFFFFFF61h", "1000000000000000000000000000000001h"}) {
+       {"3215031751", "3215031749", "48354810571", "14386156093", "18361375334787046699", "561",
+        "2047", "3474749660383", "341550071728321", "3825123056546413051", "4294967291",
+        "18446744073709551557", "1152271", "4295098369", "9746347772161", "4503599627370497",
+        "100000000000031h", "FFFFFFFFFFFFFFFFFFFFFFFFFFFFFF61h",
+        "1000000000000000000000000000000001h"}) {
     expectEqual("FromText", {0}, text);
     for (const long long f : {0, 1, 5, 18, 30}) {
       for (const long long r : {0, 3, 18}) expectEqual("IsProbablePrime", {0, f, r});
@@ -292,10 +322,18 @@ TEST_P(Kernels, TextsAreTheSame) {
       expectEqual("FromText", {1}, toString(walk_.get(0)));
     }
   }
-  for (const char* text :
-       {"", "-", "h", "0", "-0", "000000000000000000000000000", "12a4", "-0x1F", "1B",
-        "777777777777o", "x,y", "-00000000000000000000018446744073709551616"}) {
+  for (const char* text : {"", "-", "h", "0", "-0", "000000000000000000000000000", "12a4", "-0x1F",
+                           "1B", "777777777777o", "x,y", "1,2_3z4F,00000000h", "1 0 2 1b",
+                           "-00000000000000000000018446744073709551616"}) {
     expectEqual("FromText", {2}, text);
+  }
+  // Each character among digits that are taken 8 at a time, for each radix.
+  for (int character = 1; character < 256; ++character) {
+    for (const char* mark : {"", "h", "o", "b"}) {
+      std::string text = "1001011010100110100101101001";
+      text[static_cast<std::size_t>(character) % text.size()] = static_cast<char>(character);
+      expectEqual("FromText", {2}, text + mark);
+    }
   }
 }
 

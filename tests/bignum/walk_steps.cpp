@@ -12,8 +12,8 @@
 namespace ulm::bignum::test {
 namespace {
 
-// Bytes as BytesToHex tells them: those of ToBytes, and what HexToBytes leaves of 4 times EE,
-// behind what it gives.
+// Bytes in hexadecimal, by BytesToHex: those that ToBytes writes; and the result of HexToBytes,
+// with 4 bytes that were EE before.
 std::string bytesOf(const QLInteger& value, std::uint32_t size) {
   std::uint8_t bytes[8];
   char hex[17];

@@ -146,13 +146,25 @@ bool samePoint(const auto& v, const auto& k) {
   return sameBits(v.x, k[0]) && sameBits(v.y, k[1]) && sameBits(v.z, k[2]) && sameBits(v.w, k[3]);
 }
 
-// Points of one of three kinds: random ones near the volume, ones on a grid that hits the planes
-// often, or ones made of special values.
+// Points of one of four kinds: random ones near the volume, ones on a grid that hits the planes
+// often, ones made of special values, or the corners of a convex outline.
 template <class Real>
 struct PointSource {
   std::mt19937 random;
 
   std::uint32_t below(std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); }
+  std::vector<ModelPoint<Real>> outline(std::uint32_t count, std::uint32_t kind) {
+    std::vector<ModelPoint<Real>> points(count);
+    std::uniform_real_distribution<Real> middle(-1, 1), radius(Real(0.1), 2), weight(Real(0.5), 2);
+    const Real x = middle(random), y = middle(random), size = radius(random),
+               slope = middle(random);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const Real angle = x + Real(6.283185307179586) * Real(i) / Real(count), w = weight(random);
+      const Real px = x + size * std::cos(angle), py = y + size * std::sin(angle);
+      points[i] = kind == 3 ? ModelPoint<Real>{px * w, py * w, slope * px * w, w} : point(kind);
+    }
+    return points;
+  }
   ModelPoint<Real> point(std::uint32_t kind) {
     using Limits = std::numeric_limits<Real>;
     const Real hostile[] = {0,

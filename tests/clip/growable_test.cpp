@@ -124,6 +124,8 @@ TEST(Growable, ScratchPolygonsMayStartEmpty) {
   EXPECT_LT(odrxAllocCounts().calls - calls, 60U);
   ASSERT_EQ(result, &second);
   EXPECT_EQ(result->count, 25436U);
+  // From 17 by half each time, as for one vertex after the other.
+  EXPECT_TRUE(first.vertices.capacity() == 120723 && second.vertices.capacity() == 80482);
   EXPECT_EQ(taken.count, 100000U);
 }
 

@@ -3,11 +3,12 @@
 Usage: command_rows.py ROWS [--files FOLDER] [--windows] COMMAND...
 ROWS contains blocks of "Key = value" lines, separated by blank lines. '#' starts a comment line.
   Run     a shell command. The current folder contains a file abc with the text "abc" and copies of the
-          files of FOLDER. $U is COMMAND; num and font are short for `$U num` and `$U font`.
+          files of FOLDER. $U is COMMAND; num and font are short for `$U num` and `$U font`. $here is the
+          folder of the program, $library the ending of its libraries.
   Prints  the complete output of both streams without the last line end. \\n is a line end, \\\\ a backslash.
   Tells   a part of the output, in the same form. A row has either Prints or Tells.
   Status  the exit code; 0 without this key.
-  On      posix for a row that needs a facility which Windows does not have.
+  On      posix or windows, for a row that needs a facility of this system.
 With FOLDER, a row with another Status than 0 must not change any file; if the row has Tells and is not a
 usage error, its output must be one line.
 """
@@ -18,7 +19,11 @@ import subprocess
 import sys
 import tempfile
 
-PRELUDE = 'num() { $U num "$@"; }\nfont() { $U font "$@"; }\n'
+PRELUDE = """num() { $U num "$@"; }
+font() { $U font "$@"; }
+here=$(dirname "${U##* }")
+case $U in *.exe) library=.dll;; *) library=.so;; esac
+"""
 USAGE_ERROR = 2
 
 
@@ -70,8 +75,9 @@ def main():
     files = command[1] if command[0] == "--files" else None
     command = command[2:] if files else command
     windows = command[0] == "--windows"
+    here = " windows" if windows else " posix"
     found = [row for row in blocks(pathlib.Path(rows).read_text())
-             if row.pop("On", "") != " posix" or not windows]
+             if row.pop("On", here) == here]
     faults = [text for text in (fault(row, " ".join(command[windows:]), files) for row in found) if text]
     print("".join(faults) + f"{len(found)} rows, {len(faults)} faults")
     return 1 if faults or not found else 0

@@ -45,8 +45,9 @@ Bytes layoutTable(const std::string& feature, const std::vector<Lookup>& lookups
 }
 
 struct LayoutFont {
-  const char *name, *tag, *feature;
+  const char *name, *feature;
   std::vector<Lookup> lookups;
+  const char* tag = "GSUB";
 };
 
 // Each table acts on A and B, the glyphs 1 and 2, and not on A and R, the glyphs 1 and 3, unless a
@@ -60,49 +61,40 @@ std::vector<LayoutFont> layoutFonts() {
   for (int i = 0; i < 1000; ++i) unending.u16({2002});
   unending.u16({3, 2, 4});  // 1,000 times the ligature of A with a glyph that is not in the subset
   return {
-      {"single", "GSUB", "ccmp", {{1, single}}},
-      {"ligature", "GSUB", "liga", {{4, ligature}}},
-      {"extension", "GSUB", "liga", {{7, words({1, 4, 0, 8}).add(ligature)}}},
-      {"on demand", "GSUB", "dlig", {{4, ligature}}},  // acts on nothing by default
-      {"context 1",
-       "GSUB",
-       "calt",
-       {{5, words({1, 8, 1, 14, 1, 1, 1, 1, 4, 2, 1, 2, 0, 1})}, both}},
+      {"single", "ccmp", {{1, single}}},
+      {"ligature", "liga", {{4, ligature}}},
+      {"extension", "liga", {{7, words({1, 4, 0, 8}).add(ligature)}}},
+      {"on demand", "dlig", {{4, ligature}}},  // acts on nothing by default
+      {"context 1", "calt", {{5, words({1, 8, 1, 14, 1, 1, 1, 1, 4, 2, 1, 2, 0, 1})}, both}},
       {"context 2",
-       "GSUB",
        "calt",
        {{5, words({2, 12, 18, 2, 0, 28, 1, 1, 1, 1, 1, 2, 1, 2, 1, 4, 2, 1, 2, 0, 1})}, both}},
-      {"context 3", "GSUB", "calt", {{5, words({3, 2, 1, 14, 20, 0, 1, 1, 1, 1, 1, 1, 2})}, both}},
+      {"context 3", "calt", {{5, words({3, 2, 1, 14, 20, 0, 1, 1, 1, 1, 1, 1, 2})}, both}},
       {"context without a lookup",
-       "GSUB",
        "calt",  // acts on nothing
        {{5, words({3, 1, 1, 12, 0, 7, 1, 1, 1})}, both}},
-      {"chain 1",
-       "GSUB",
-       "calt",
-       {{6, words({1, 8, 1, 14, 1, 1, 1, 1, 4, 0, 1, 1, 2, 1, 0, 1})}, both}},
+      {"chain 1", "calt", {{6, words({1, 8, 1, 14, 1, 1, 1, 1, 4, 0, 1, 1, 2, 1, 0, 1})}, both}},
       {"chain 2",
-       "GSUB",
        "calt",
        {{6, words({2, 16, 0, 22, 22, 2, 0, 38, 1, 1, 1, 2, 2, 1,
                    1, 1,  2, 2,  2,  1, 4, 0,  1, 1, 2, 1, 0, 1})},
         both}},
-      {"chain 3",
-       "GSUB",
-       "calt",
-       {{6, words({3, 0, 1, 18, 1, 24, 1, 0, 1, 1, 1, 1, 1, 1, 2})}, both}},
-      {"reverse chain", "GSUB", "rlig", {{8, words({1, 14, 0, 1, 20, 1, 3, 1, 1, 1, 1, 1, 2})}}},
-      {"too costly", "GSUB", "liga", {{4, unending, 32000}}},  // counts as acting on both
-      {"cut", "GSUB", "liga", {{4, words({1, 8, 1})}}},        // acts on nothing
-      {"adjustment", "GPOS", "dist", {{1, single}}},
-      {"pair 1", "GPOS", "kern", {{2, words({1, 12, 4, 0, 1, 18, 1, 1, 1, 2, 2, -50, 3, 0})}}},
-      {"pair 2", "GPOS", "kern", {{2, words({2, 28, 4, 0, 34, 42, 2, 3, 0, 0, 0, 0, 0, -50,
-                                             1, 1,  1, 1, 1,  1,  1, 1, 1, 3, 1, 2, 0})}}},
-      {"mark", "GPOS", "mark", {{4, words({1, 12, 18, 1, 0, 0, 1, 1, 2, 1, 1, 1})}}},
-      {"chained pair",
-       "GPOS",
+      {"chain 3", "calt", {{6, words({3, 0, 1, 18, 1, 24, 1, 0, 1, 1, 1, 1, 1, 1, 2})}, both}},
+      {"reverse chain", "rlig", {{8, words({1, 14, 0, 1, 20, 1, 3, 1, 1, 1, 1, 1, 2})}}},
+      {"too costly", "liga", {{4, unending, 32000}}},  // counts as acting on both
+      {"cut", "liga", {{4, words({1, 8, 1})}}},        // acts on nothing
+      {"adjustment", "dist", {{1, single}}, "GPOS"},
+      {"pair 1", "kern", {{2, words({1, 12, 4, 0, 1, 18, 1, 1, 1, 2, 2, -50, 3, 0})}}, "GPOS"},
+      {"pair 2",
        "kern",
-       {{8, words({3, 0, 1, 18, 1, 24, 1, 0, 1, 1, 1, 1, 1, 1, 2})}, both}},
+       {{2, words({2, 28, 4, 0, 34, 42, 2, 3, 0, 0, 0, 0, 0, -50,
+                   1, 1,  1, 1, 1,  1,  1, 1, 1, 3, 1, 2, 0})}},
+       "GPOS"},
+      {"mark", "mark", {{4, words({1, 12, 18, 1, 0, 0, 1, 1, 2, 1, 1, 1})}}, "GPOS"},
+      {"chained pair",
+       "kern",
+       {{8, words({3, 0, 1, 18, 1, 24, 1, 0, 1, 1, 1, 1, 1, 1, 2})}, both},
+       "GPOS"},
   };
 }
 

@@ -24,7 +24,7 @@ TEST(FacilityMemory, Numbers) {
   const std::array<std::uint8_t, 200> bytes{1};
   const QLInteger modulus = parseInteger("3233"), exponent(17), large = PowerOfTwo(2000);
   const QLRSADecryptor key(large, exponent);
-  const QLInteger longer = PowerOfTwo(100);
+  const QLInteger longer = PowerOfTwo(8000);
   const std::string longerText = toString(longer);
   const auto value = [](const char* name, auto operation) {
     return MemoryRow{name, [operation](FailingMemory& memory) {
@@ -60,7 +60,7 @@ TEST(FacilityMemory, Numbers) {
        {"toString",
         [&](FailingMemory& memory) {
           return memory.run([&] { return toString(longer) == longerText; }),
-                 longer == PowerOfTwo(100);
+                 longer == PowerOfTwo(8000);
         }},
        {"QLRSADecryptor",
         [&](FailingMemory& memory) {

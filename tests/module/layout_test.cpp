@@ -28,7 +28,6 @@ using Impl = CQLUnknownImpl<IQLUnknown>;
 using List = CTListEnum<const char*, const char*>;
 using PlainList = CTPList<const char*>;
 using ListEnum = _CListEnum<const char*, const char*>;
-using ulm::test::tablePlace;
 
 struct Shape {
   const std::type_info& record;
@@ -85,8 +84,7 @@ struct Extended : T {
 // end.
 template <class T, class... Members>
 bool endsWith(std::size_t index, Members... members) {
-  const bool inOrder = ((tablePlace(members) == index++) && ...);
-  return inOrder && tablePlace(&Extended<T>::first) == index;
+  return ulm::test::inTableOrder(index, members..., &Extended<T>::first);
 }
 
 TEST(Layout, VirtualTables) {

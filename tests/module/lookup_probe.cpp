@@ -9,7 +9,6 @@
 #include "hostsdk/export.h"
 #include "hostsdk/win32/win32.h"
 #include "module/glue/debug_switches.h"
-#include "module/glue/exceptions.h"
 #include "module/glue/instance.h"
 #include "module/glue/translation.h"
 #include "module/host_lookup.h"
@@ -85,17 +84,6 @@ void registerClass(const std::string& name) {
   coreExport<Register>("qlcoreRegisterClass")(kept.c_str(), makeProbeApp);
 }
 
-int interfaceException() {
-  try {
-    throw CXIFaceException(typeid(IApp));
-  } catch (const CXException& error) {
-    const auto* missing = dynamic_cast<const CXIFaceException*>(&error);
-    const bool right = missing != nullptr && missing->GetInterface() == typeid(IApp) &&
-                       error.GetModule() == Module_GetInstance();
-    return right ? static_cast<int>(error.GetCode()) : -1;
-  }
-}
-
 }  // namespace
 
 #ifdef ULM_PROBE_EXPORTS_INSTANCE
@@ -148,9 +136,6 @@ int main(int argc, char** argv) {
               ResTranslation_LoadString(GetModuleHandleW(wide(library).c_str()), 2, buffer, 5);
           say("string ", length, ' ', buffer);
         }},
-       {"own",
-        [](const std::string&) {
-          say("own ", moduleName(Module_GetInstance()), ' ', interfaceException());
-        }}},
+       {"own", [](const std::string&) { say("own ", moduleName(Module_GetInstance())); }}},
       argc, argv);
 }

@@ -81,7 +81,6 @@ extern "C" ULM_EXPORT unsigned variantFlags() {
   return mask << 1 | (assertFlag ? 1u : 0u) | (lasting ? 0u : 16u);
 }
 
-extern "C" ULM_EXPORT void* variantMake() { return operator new(24); }
 extern "C" ULM_EXPORT void variantDelete(void* block) { operator delete(block); }
 
 extern "C" ULM_EXPORT const char* variantTryNew(bool failing) {

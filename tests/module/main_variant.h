@@ -5,9 +5,7 @@
 // 0 to 3. Bit 4 is set if the switches have other values when they are read again.
 using VariantFlags = unsigned();
 
-// Allocates a block with the library's new, and frees one with its delete, so that a test can mix
-// heaps.
-using VariantMake = void*();
+// Frees a block with the library's delete, so that a test can mix heaps.
 using VariantDelete = void(void* block);
 
 // Tries each form of new and delete. Returns the first that did not use odrxAlloc and odrxFree as

@@ -88,7 +88,7 @@ def check_include(source, header, rooms, root):
     own, other = room_of(source, rooms), room_of(header, rooms)
     if "/detail/" in header:
         owner = header.split("/detail/")[0]
-        if not source.startswith((owner + "/", "tests/" + owner + "/")):
+        if not source.startswith((owner + "/", "tests/" + owner + "/", "fuzz/" + owner + "/")):
             return f"{source}: includes {header}, private to {owner}"
     if own is None:
         return None

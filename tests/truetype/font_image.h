@@ -86,6 +86,16 @@ inline Part moved(int glyph, int x, int y, int flags = 0) {
   return {flags | 0x0003, glyph, Bytes().u16({x, y})};
 }
 
+// A glyph, and so many composites that each draw twice on the glyph before, with a record like
+// `part`.
+inline std::vector<Bytes> doublings(const Bytes& glyph, int depth, Part part = moved(0, 0, 0)) {
+  std::vector<Bytes> glyphs{glyph};
+  for (part.glyph = 0; part.glyph < depth; ++part.glyph) {
+    glyphs.push_back(compositeGlyph({part, part}));
+  }
+  return glyphs;
+}
+
 struct NameEntry {
   int platformID, encodingID, languageID, nameID;
   std::string bytes;

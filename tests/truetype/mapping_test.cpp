@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/truetype/bisection.h"
+#include <algorithm>
+#include <random>
+
 #include "tests/truetype/font_image.h"
+#include "truetype/detail/bisect.h"
 
 namespace {
 
@@ -89,9 +92,9 @@ TEST(Mapping, SubtablesThatLeadOutsideAreNotUsable) {
     bytes.pop_back();
     return bytes;
   };
-  const Bytes formats[] = {Bytes().u16({0, 262, 0}).zeros(256), format2(),
-                           cmapFormat4({{0x50, 0x52, 3, 2}}, {1, 2, 3}),
-                           Bytes().u16({6, 0, 0, 0x20, 3, 8, 9, 10})};
+  const Bytes formats[] = {
+      Bytes().u16({0, 262, 0}).zeros(256), format2(), cmapFormat4({{0x50, 0x52, 3, 2}}, {1, 2, 3}),
+      cmapFormat4({{0x41, 0x50, 1, 0}}), Bytes().u16({6, 0, 0, 0x20, 3, 8, 9, 10})};
   for (const Bytes& bytes : formats) {
     EXPECT_NE(lookupOf(atEnd(bytes)), nullptr);
     EXPECT_EQ(lookupOf(atEnd(shorter(bytes))), nullptr);
@@ -109,76 +112,56 @@ TEST(Mapping, SubtablesThatLeadOutsideAreNotUsable) {
   EXPECT_EQ(lookupOf(atEnd(Bytes().u16({6, 0, 0, 0xFFFF, 9, 1}))), cmapLookupFormat6);
 }
 
-// The lookup of format 4 as it is told; `left` where it led outside.
-struct Told {
-  Bytes table;
-  bool left = false;
-  int at(std::size_t place) {
-    left = left || place + 2 > table.size();
-    return left ? 0 : table[place] << 8 | table[place + 1];
-  }
-  int lookup(int code) {
-    const std::size_t count = static_cast<std::size_t>(at(6)) / 2;
-    std::vector<int> ends;
-    for (std::size_t i = 0; i < count; ++i) ends.push_back(at(14 + 2 * i));
-    const auto segment = static_cast<std::size_t>(bisectedNotBelow(ends, code));
-    if (segment == 0xFFFF) return 0;
-    const std::size_t start = 16 + 2 * count + 2 * segment, range = start + 4 * count;
-    if (at(start) > code) return 0;
-    const int delta = at(start + 2 * count), offset = at(range);
-    if (offset == 0) return (code + delta) & 0xFFFF;
-    const int glyph = at(range + static_cast<std::size_t>(offset + 2 * (code - at(start))));
-    return glyph == 0 ? 0 : (glyph + delta) & 0xFFFF;
-  }
-};
-
+// Segments in no order are bisected like others, and may lead outside where no code reaches them.
 TEST(Mapping, Format4OnAnySegments) {
-  std::mt19937 random(6);
-  const auto below = [&random](int limit) {
-    return static_cast<int>(random() % static_cast<unsigned>(limit));
-  };
-  int usable = 0;
-  for (int round = 0; round < 300; ++round) {
-    const int count = below(50), glyphs = 1 + below(30);
-    std::vector<int> ends;
-    for (int i = 0; i < count; ++i) ends.push_back(below(600));
-    if (round % 3 != 0) std::sort(ends.begin(), ends.end());
+  const struct {
     std::vector<Segment> segments;
-    for (const int end : ends) {
-      const int left = count - static_cast<int>(segments.size()) + glyphs;
-      segments.push_back(
-          {std::max(0, end - below(8)), end, below(99), below(9) == 0 ? 2 * below(left) : 0});
-    }
-    segments.push_back({-1, -1, 1, below(2) == 0 ? 0 : 0xFFFF});
-    Told told{cmapFormat4(segments)};
-    for (int i = 0; i < glyphs; ++i) told.table.u16({below(3)});
-    std::vector<int> expected;
-    for (int code = 0; code < 600; ++code) expected.push_back(told.lookup(code));
-    const OpenFont font(atEnd(told.table));
-    ASSERT_EQ(font->cmapLookup == nullptr, told.left) << round;
-    if (told.left) continue;
-    ++usable;
-    expected.push_back(told.lookup(0xFFFF));
-    for (int code = 0; code <= 600; ++code) {
-      const auto asked = static_cast<std::uint16_t>(code == 600 ? 0xFFFF : code);
-      ASSERT_EQ(font->cmapLookup(font->cmapSubtable, asked),
-                expected[static_cast<std::size_t>(code)])
-          << round << ' ' << asked;
+    std::initializer_list<int> glyphs;
+    int first;                         // the code of the first of `found`
+    std::initializer_list<int> found;  // none: the subtable is not usable
+  } rows[] = {
+      {{{0x50, 0x53, 0xFFFF, 2}}, {7, 0, 1, 3}, 0x4F, {0, 6, 0, 0, 2, 0}},
+      {{{0x10, 0x12, 0xFFF2, 0}, {0x20, 0x21, 1, 0}}, {}, 0x0F, {0, 2, 3, 4, 0}},
+      {{{0x50, 0x60, 0, 0}, {0x10, 0x20, 0, 0x8000}, {-1, -1, 1, 0}}, {}, 0x1F, {0, 0}},
+      {{{0x50, 0x60, 0, 0}, {0x10, 0x20, 0, 0x8000}, {-1, -1, 1, 0}}, {}, 0x50, {0, 0}},
+      {{{0x70, 0x71, 0, 0}, {0x10, 0x20, 0, 0}, {0x30, 0x70, 3, 0}}, {}, 0x70, {0x73, 0}},
+      {{{0x50, 0x4F, 0, 0x8000}, {-1, -1, 1, 0}}, {}, 0x4E, {0, 0, 0}},
+      {{{0x50, 0x50, 0, 0x8000}, {-1, -1, 1, 0}}, {}, 0, {}},
+      {{{0xFFFE, 0xFFFF, 0, 2}}, {9}, 0xFFFE, {9, 0}},
+      {{{0xFFFD, 0xFFFF, 0, 2}}, {9}, 0, {}},
+  };
+  for (const auto& [segments, glyphs, first, found] : rows) {
+    const Bytes table = cmapFormat4(segments, glyphs);
+    if (found.size() == 0) {
+      EXPECT_EQ(OpenFont(atEnd(table))->cmapLookup, nullptr) << segments[0].startCode;
+    } else {
+      expectLookups(table, first, found);
     }
   }
-  EXPECT_TRUE(usable > 50 && usable < 250) << usable;
 }
 
-TEST(Mapping, BisectionOnAnyOrder) {
-  compareOnAnyOrder(bisectedNotBelow, [](const std::vector<int>& numbers) {
+// Many numbers are compared at once, with the result of the bisection, sorted or not.
+TEST(Mapping, FirstNotBelowOnAnyOrder) {
+  std::mt19937 random(5);
+  for (std::size_t count = 0; count < 70; ++count) {
+    std::vector<int> numbers(count);
+    for (int& number : numbers) number = static_cast<int>(random() % 0x10000);
+    if (count % 2 == 0) std::sort(numbers.begin(), numbers.end());
     Bytes array;
     for (const int number : numbers) array.u16({number});
-    // In a heap block of its exact size.
-    return [array = std::vector<std::uint8_t>(array), count = numbers.size()](int key) {
-      return findFirstNotBelow(array.data(), static_cast<std::uint16_t>(count),
-                               static_cast<std::uint16_t>(key));
-    };
-  });
+    const std::vector<std::uint8_t> exact = array;
+    for (const int near : numbers) {
+      for (const int key : {near - 1, near, near + 1}) {
+        const auto found = detail::bisect({0, count}, 0, [&](std::size_t i) {
+                             return numbers[i] < static_cast<std::uint16_t>(key) ? -1 : 1;
+                           }).low;
+        ASSERT_EQ(findFirstNotBelow(exact.data(), static_cast<std::uint16_t>(count),
+                                    static_cast<std::uint16_t>(key)),
+                  found == count ? 0xFFFF : found);
+      }
+    }
+  }
+  EXPECT_EQ(findFirstNotBelow(nullptr, 0, 0), 0xFFFF);
   EXPECT_EQ(findFirstNotBelow(nullptr, 0xFFFF, 0), 0xFFFF);
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/truetype/bisection.h"
 #include "tests/truetype/font_image.h"
 
 namespace {
@@ -22,45 +21,47 @@ std::string utf16(const std::u16string& units) {
   return {bytes.begin(), bytes.end()};
 }
 
-// Records from their four keys and text, sorted: u"1 0 0 6 text;", on the platform 1 as bytes.
-std::vector<NameEntry> entriesOf(const std::u16string& written) {
-  std::vector<NameEntry> entries;
-  for (std::size_t at = 0; at < written.size(); at = written.find(u';', at) + 1) {
-    int keys[4] = {};
-    for (int& key : keys) {
-      while (written[at] != u' ') key = 10 * key + (written[at++] - u'0');
-      ++at;
-    }
-    const std::u16string text = written.substr(at, written.find(u';', at) - at);
-    entries.push_back({keys[0], keys[1], keys[2], keys[3],
-                       keys[0] == 1 ? std::string(text.begin(), text.end()) : utf16(text)});
-  }
-  return entries;
-}
-
 TEST(Names, ChosenAtOpen) {
   const struct {
     const char* file;
-    std::u16string records;
+    std::vector<NameEntry> records;
     const char *postScript, *family;
     std::u16string familyWide;  // empty for none
     const char* subfamily;
   } cases[] = {
-      {"/fonts/serif.bold.ttf", u"", "serif.bold", "serif.bold", u"", ""},
-      {".hidden", u"", ".hidden", ".hidden", u"", ""},
-      {"dir.d/file", u"", "file", "file", u"", ""},
-      {"dir.d/", u"", "", "", u"", ""},
-      {"C:\\fonts\\a.ttf", u"", "C:\\fonts\\a", "C:\\fonts\\a", u"", ""},
+      {"/fonts/serif.bold.ttf", {}, "serif.bold", "serif.bold", u"", ""},
+      {".hidden", {}, ".hidden", ".hidden", u"", ""},
+      {"dir.d/file", {}, "file", "file", u"", ""},
+      {"dir.d/", {}, "", "", u"", ""},
+      {"C:\\fonts\\a.ttf", {}, "C:\\fonts\\a", "C:\\fonts\\a", u"", ""},
       {"a",
-       u"0 0 0 1 U;1 0 0 1 mac;1 0 0 2 macsub;1 0 0 6 macps;"
-       u"3 1 1033 1 W;3 1 1033 2 X;3 1 1033 6 W\u0416;",
-       "W\x16", "U", u"U", "macsub"},
-      {"a", u"1 0 0 1 mac;1 0 0 6 macps;3 1 1041 1 \u4E00;", "macps", "mac", u"", ""},
-      {"a", u"1 0 1 6 no;3 1 1041 1 \u4E41B;3 1 4147 6 no;", "a", "AB", u"\u4E41B", ""},
-      {"a", u"3 1 1033 1 A;3 1 1033 2 B;", "a", "A", u"A", "B"},
+       {{0, 0, 0, 1, utf16(u"U")},
+        {1, 0, 0, 1, "mac"},
+        {1, 0, 0, 2, "macsub"},
+        {1, 0, 0, 6, "macps"},
+        {3, 1, 1033, 1, utf16(u"W")},
+        {3, 1, 1033, 2, utf16(u"X")},
+        {3, 1, 1033, 6, utf16(u"W\u0416")}},
+       "W\x16",
+       "U",
+       u"U",
+       "macsub"},
+      {"a",
+       {{1, 0, 0, 1, "mac"}, {1, 0, 0, 6, "macps"}, {3, 1, 1041, 1, utf16(u"\u4E00")}},
+       "macps",
+       "mac",
+       u"",
+       ""},
+      {"a",
+       {{1, 0, 1, 6, "no"}, {3, 1, 1041, 1, utf16(u"\u4E41B")}, {3, 1, 4147, 6, utf16(u"no")}},
+       "a",
+       "AB",
+       u"\u4E41B",
+       ""},
+      {"a", {{3, 1, 1033, 1, utf16(u"A")}, {3, 1, 1033, 2, utf16(u"B")}}, "a", "A", u"A", "B"},
   };
   for (const auto& [file, records, postScript, family, familyWide, subfamily] : cases) {
-    const OpenFont font(FontImage().table("name", nameTable(entriesOf(records))), file);
+    const OpenFont font(FontImage().table("name", nameTable(records)), file);
     ASSERT_EQ(font.result, FontResultOk);
     EXPECT_STREQ(font->postScriptName, postScript);
     EXPECT_STREQ(font->familyName, family);
@@ -70,16 +71,24 @@ TEST(Names, ChosenAtOpen) {
   }
 }
 
-TEST(Names, BisectionOnAnyOrder) {
-  compareOnAnyOrder(bisectedIndex, [](const std::vector<int>& numbers) {
-    std::vector<NameEntry> entries;  // two bits of the number in each key
-    for (const int n : numbers) entries.push_back({n >> 6, n >> 4 & 3, n >> 2 & 3, n & 3, ""});
-    return [table = nameTable(entries), count = numbers.size()](int n) {
-      const auto bits = [n](int shift) { return static_cast<std::uint16_t>(n >> shift & 3); };
-      return findNameRecord(table.data(), static_cast<std::uint32_t>(count), bits(6), bits(4),
-                            bits(2), bits(0));
-    };
-  });
+// Each of the four IDs counts. Of equal records, and of records in no order, the one that a
+// bisection meets is found.
+TEST(Names, FoundByTheirIDs) {
+  constexpr int kRows[][5] = {{0, 3, 0, 2, 0},  {1, 0, 0, 6, 1}, {1, 0, 0, 6, 1}, {1, 0, 7, 6, 3},
+                              {3, 1, 2, 1, -1}, {3, 1, 0, 1, 5}, {3, 1, 2, 4, 6}};
+  std::vector<NameEntry> entries;
+  for (const auto& ids : kRows) entries.push_back({ids[0], ids[1], ids[2], ids[3], ""});
+  const Bytes table = nameTable(entries);
+  for (const auto& ids : kRows) {
+    for (int other = 0; other <= 4; ++other) {  // with each ID changed, and with none
+      const auto id = [&](int i) {
+        return static_cast<std::uint16_t>(ids[i] + (i == other ? 8 : 0));
+      };
+      EXPECT_EQ(findNameRecord(table.data(), 7, id(0), id(1), id(2), id(3)),
+                other == 4 ? ids[4] : -1)
+          << ids[0] << ' ' << ids[2] << ' ' << ids[3];
+    }
+  }
 }
 
 TEST(Names, RecordsAndTexts) {

@@ -23,6 +23,7 @@ CASES = [  # font, what to take, what the page has to say of fonts, characters, 
     ("dejavu/DejaVuSans.ttf", ["--text", "W" * 3000 + " H" * 3000 + " AV"],
      ("loaded", "loaded", "equal", "different", "AV")),
     ("freefont/FreeSerif.ttf", ["--glyphs", "4-400"], EQUAL),
+    ("dejavu/DejaVuSans.ttf", ["--woff2", "--text", PLAIN, "--unicodes", "41-5A"], EQUAL),
     ("liberation/LiberationSans-Regular.ttf", ["--unicodes", "U+0020-052F"], EQUAL),
     ("wqy/wqy-microhei.ttc", ["--unicodes", "U+4E00-55FF"], EQUAL),
     ("wqy/wqy-microhei.ttc", ["--face", "1", "--text", "\u6587\u6cc9\u9a7f"], EQUAL),
@@ -79,7 +80,13 @@ def main():
             print(f"left out: {FOLDER + font} is not installed")
             continue
         with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
-            said = check(browser, folder, font, taken, *other)
+            try:
+                said = check(browser, folder, font, taken, *other)
+            except subprocess.CalledProcessError as error:
+                if b"built" not in error.stderr:  # the message of a build without libwoff
+                    raise
+                print("left out:", error.stderr.decode().strip())
+                continue
         print("ok" if said == expected else f"FAILED: {said}, not {expected}:", font,
               *(text[:40] for text in taken[:2]))
         status |= said != expected

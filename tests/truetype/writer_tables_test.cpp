@@ -208,30 +208,13 @@ TEST(WriterTables, MappingsHaveTheirLimits) {
   EXPECT_EQ(imageOf(cmapOf(repeated)).result, WriterResultCmapTooLarge);
 }
 
-std::vector<long long> recordOf(const GlyphData* glyph) {
-  return row(glyph->glyphIndex, glyph->pointCount, glyph->contourCount, glyph->isComposite,
-             glyph->byteCount);
-}
-std::vector<std::vector<long long>> recordsOf(const Table& table) {
-  std::vector<std::vector<long long>> records;
-  const auto* list = static_cast<const TTList*>(table->data);
-  for (const TTListNode* node = list->first; node != nullptr; node = node->next) {
-    const auto* glyph = static_cast<const GlyphData*>(node->item);
-    EXPECT_EQ(glyph->newIndex, records.size());
-    records.push_back(recordOf(glyph));
-  }
-  return records;
-}
 std::vector<std::uint32_t> numbersOf(const Table& table) {
   std::vector<std::uint32_t> numbers;
-  for (const auto& record : recordsOf(table)) {
-    numbers.push_back(static_cast<std::uint32_t>(record[0]));
+  const auto* list = static_cast<const TTList*>(table->data);
+  for (const TTListNode* node = list->first; node != nullptr; node = node->next) {
+    numbers.push_back(static_cast<const GlyphData*>(node->item)->glyphIndex);
   }
   return numbers;
-}
-// The record that the reader makes.
-std::vector<long long> wantedRecord(const OpenFont& font, std::uint32_t glyph) {
-  return recordOf(glyphOf(font.get(), glyph).get());
 }
 
 TEST(WriterTables, GlyphsBringTheirComponents) {
@@ -289,97 +272,6 @@ TEST(WriterTables, GlyphsBringTheirComponents) {
                             .patch16("maxp", 4, 4000));
   EXPECT_EQ(addGlyph(table.get(), getGlyphData(shared.get(), 0), shared.get()), kGlyphTooLarge);
   EXPECT_EQ(glyphCount(table.get()), 6u);
-}
-
-// Counts are those of the reader up to the bounds of its work, and beyond.
-TEST(WriterTables, CountsAreThoseOfTheReader) {
-  const Bytes dot = simpleGlyph({0}, {{0, 0}}), seven = simpleGlyph({6}, std::vector<Point>(7));
-  const auto doubling = [](Bytes first, int depth, std::initializer_list<int> last,
-                           bool scaled = false) {
-    std::vector<Bytes> glyphs{std::move(first)};
-    for (int i = 0; i < depth; ++i) {
-      const Part part = scaled ? Part{0x0A, i, Bytes().u16({0, 0x4000})} : moved(i, 0, 0);
-      glyphs.push_back(compositeGlyph({part, part}));
-    }
-    std::vector<Part> parts;
-    for (const int glyph : last) parts.push_back(moved(glyph, 0, 0));
-    glyphs.push_back(compositeGlyph(parts));
-    return glyphs;
-  };
-  Bytes cut = compositeGlyph({moved(0, 0, 0), moved(0, 0, 0)}), damaged = dot;
-  cut.resize(cut.size() - 3);
-  damaged.resize(13);
-  std::vector<Bytes> chain = doubling(dot, 0, {0});
-  while (chain.size() < 300) {
-    chain.push_back(compositeGlyph({moved(static_cast<int>(chain.size()) - 1, 0, 0)}));
-  }
-  const std::vector<Bytes> kFonts[] = {
-      doubling(dot, 16, {16, 0}),               // the most records
-      doubling(dot, 16, {16, 0, 0}),            // one more
-      doubling(dot, 16, {16, 0, 99}),           // one more that names no glyph
-      doubling(seven, 14, {14, 12}, true),      // the work
-      doubling(seven, 14, {14, 12, 12}, true),  // beyond it
-      {dot, compositeGlyph({moved(0, 0, 0), moved(3, 0, 0), moved(2, 0, 0)}), Bytes().u8(0),
-       Bytes(dot).u8(0), compositeGlyph({moved(1, 0, 0), moved(2, 0, 0)})},
-      {dot, compositeGlyph({moved(3, 0, 0), moved(0, 0, 0)}), cut},
-      {dot, compositeGlyph({moved(0, 0, 0), moved(3, 0, 0)}), damaged},
-      chain};
-  for (std::vector<Bytes> glyphs : kFonts) {
-    // One that draws on all others, the deepest first, stands before the last, which ends glyf.
-    const int all = static_cast<int>(glyphs.size()) - 1;
-    std::vector<Part> parts{moved(all + 1, 0, 0)};
-    for (int glyph = all; glyph-- > 0;) parts.push_back(moved(glyph, 0, 0));
-    glyphs.insert(glyphs.end() - 1, compositeGlyph(parts));
-    const OpenFont font(FontImage().glyphs(glyphs).last("glyf"));
-    const Table table(createGlyfTable());
-    addGlyph(table.get(), getGlyphData(font.get(), static_cast<std::uint32_t>(all)), font.get());
-    EXPECT_EQ(glyphCount(table.get()), glyphs.size());
-    for (const auto& record : recordsOf(table)) {
-      EXPECT_EQ(record, wantedRecord(font, static_cast<std::uint32_t>(record[0])));
-    }
-  }
-}
-
-// Composites at random, with cycles, cut chains and numbers that are no glyph: the table holds what
-// the list of components and a search from the first record give.
-TEST(WriterTables, ComponentsAreThoseOfTheList) {
-  std::mt19937 random(3);
-  for (int round = 0; round < 300; ++round) {
-    std::vector<Bytes> glyphs;
-    for (int i = 0; i < 12; ++i) {
-      std::vector<Part> parts;
-      for (unsigned left = random() % 4; left > 0; --left) {
-        const int glyph =
-            static_cast<int>(random() % (round % 2 == 0 && i > 0 ? static_cast<unsigned>(i) : 14u));
-        parts.push_back(moved(glyph, 1, 2));
-      }
-      Bytes glyph = parts.empty() ? simpleGlyph({0, 1}, {{0, 0}, {5, 5}}) : compositeGlyph(parts);
-      if (random() % 16 == 0) glyph.resize(random() % 2 == 0 ? 0 : random() % glyph.size());
-      if (i == 11) glyph.resize(glyph.size() - std::min<std::size_t>(glyph.size(), random() % 6));
-      glyphs.push_back(glyph);
-    }
-    const OpenFont font(FontImage().glyphs(glyphs).last("glyf"));
-    const Table table(createGlyfTable());
-    std::vector<std::vector<long long>> wanted;
-    const auto append = [&](std::uint32_t glyph) { wanted.push_back(wantedRecord(font, glyph)); };
-    for (int adds = 0; adds < 6; ++adds) {
-      const auto glyph = static_cast<std::uint32_t>(random() % 12);
-      EXPECT_EQ(addGlyph(table.get(), getGlyphData(font.get(), glyph), font.get()),
-                static_cast<std::int32_t>(wanted.size()));
-      append(glyph);
-      TTList* components = listCreate();
-      collectGlyphComponents(font.get(), glyph, components);
-      for (const TTListNode* node = components->first->next; node != nullptr; node = node->next) {
-        const auto number =
-            static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(node->item));
-        const bool there = std::any_of(wanted.begin(), wanted.end(),
-                                       [&](const auto& record) { return record[0] == number; });
-        if (!there) append(number);
-      }
-      listDispose(components);
-    }
-    EXPECT_EQ(recordsOf(table), wanted) << round;
-  }
 }
 
 }  // namespace

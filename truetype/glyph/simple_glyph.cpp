@@ -96,7 +96,8 @@ std::optional<CoordinateOffsets> readFlags(ByteView glyph, std::size_t& offset, 
     lengths += own * repeats;
     for (const std::uint32_t last = i + repeats; i < last;) store(++i, flag);
   }
-  const std::size_t xLength = static_cast<std::uint32_t>(lengths), yLength = lengths >> 32;
+  const std::size_t xLength = static_cast<std::uint32_t>(lengths);
+  const auto yLength = static_cast<std::size_t>(lengths >> 32);
   if (!glyph.holds(offset, xLength + yLength)) return std::nullopt;
   return CoordinateOffsets{offset, offset + xLength, offset + xLength + yLength};
 }

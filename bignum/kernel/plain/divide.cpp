@@ -26,22 +26,21 @@ Span workingSpan(Word* words, std::uint32_t count) noexcept {
 
 }  // namespace
 
-// Room for a copy of the divisor, shifted by up to 63 bits.
-std::size_t divideScratch(std::uint32_t, std::uint32_t bCount) noexcept {
-  return std::size_t{bCount} + 2;
-}
-
-void divide(Word* quotient, Word* remainder, std::uint32_t aCount, const Word* divisor,
-            std::uint32_t bCount, Word* scratch) noexcept {
+void divide(Word* quotient, Word* remainder, const Word* dividend, std::uint32_t aCount,
+            const Word* divisor, std::uint32_t bCount) {
+  // Room for a copy of the divisor, shifted by up to 63 bits.
+  const detail::WordsHolder scratch = detail::scratchWords(std::size_t{bCount} + 2);
   const std::uint64_t diff =
-      detail::bitLengthOf(remainder, aCount) - detail::bitLengthOf(divisor, bCount);
+      detail::bitLengthOf(dividend, aCount) - detail::bitLengthOf(divisor, bCount);
+  if (quotient != nullptr) std::fill_n(quotient, (diff + kWordBits) / kWordBits, Word{0});
+  if (remainder != dividend) std::copy_n(dividend, aCount, remainder);
   // In the wide case divisor and remainder get a spare low word. The divisor can then be shifted
   // right by 32 bits, one by one, without a loss; after these it moves up by a word, and the window
   // on the remainder moves down by one.
   const bool wide = diff >= kWordBits;
 
   // Alignment: the top bits of the divisor and of the remainder get the same index in their words.
-  Word* shifted = scratch;
+  Word* shifted = scratch.get();
   std::uint32_t shiftedCount = bCount + 1;
   std::copy_n(divisor, bCount, shifted);
   std::fill_n(shifted + bCount, 2, Word{0});

@@ -1,4 +1,7 @@
 // Multiplication word by word.
+#include <algorithm>
+#include <cstddef>
+
 #include "bignum/kernel/kernel.h"
 
 namespace ulm::bignum::kernel {
@@ -15,11 +18,10 @@ void multiplyAdd(Word* dst, const Word* src, Word m, std::uint32_t n) noexcept {
   }
 }
 
-std::size_t multiplyScratch(std::uint32_t, std::uint32_t) noexcept { return 0; }
-
 // The sum so far never exceeds the whole product, which fits in its words. So no carry leaves them.
 void multiply(Word* product, const Word* a, std::uint32_t aCount, const Word* b,
-              std::uint32_t bCount, Word*) noexcept {
+              std::uint32_t bCount) {
+  std::fill_n(product, std::size_t{aCount} + bCount, Word{0});
   for (std::uint32_t j = 0; j < bCount; ++j) multiplyAdd(product + j, a, b[j], aCount);
 }
 

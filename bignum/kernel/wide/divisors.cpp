@@ -23,10 +23,10 @@ Digit upper(Double v) noexcept { return static_cast<Digit>(v >> kLimbBits); }
 
 // q = x / y and z = x - q y, where y has more than 64 bits.
 void quotientOf(Double x, Double y, Digit& q, Double& z) noexcept {
-  const Digit estimate = upper(x) / upper(y);
-  if (upper(y) >> 32 != 0 && estimate >> 32 == 0) {
-    // Never too small, and too large by one at the most: q / upper(y) is below 1.
-    q = estimate;
+  if (upper(y) >> 32 != 0) {
+    // Never too small, and too large by one at the most: q has 32 bits at most, so that
+    // q / upper(y) is below 1.
+    q = upper(x) / upper(y);
     z = x - q * y;
     if (z >= y) {  // below zero, and so wrapped
       z += y;
@@ -65,10 +65,10 @@ Steps stepsOf(Double x, Double y) noexcept {
   return steps;
 }
 
-// The limbs index and below it shifted up by s bits: 128 bits. Limbs below the array are zero.
+// The limbs index and below it shifted up by s bits: 128 bits. index is at least 1; limbs below the
+// array are zero.
 Double topBits(const Limb* a, std::size_t index, unsigned s) noexcept {
-  const Digit second = index >= 1 ? Digit{a[index - 1]} : 0;
-  const Double both = Double{a[index]} << kLimbBits | second;
+  const Double both = Double{a[index]} << kLimbBits | a[index - 1];
   if (s == 0) return both;
   const Digit third = index >= 2 ? Digit{a[index - 2]} : 0;
   return both << s | third >> (kLimbBits - s);
@@ -211,30 +211,26 @@ struct Cofactors {
     n = std::max<std::size_t>({significant(x0, n + 2), significant(x1, n + 2), 1});
   }
 
-  // A step with a quotient of qn limbs.
+  // A step with a quotient of qn limbs, at least 1.
   void divide(const Limb* quotient, std::size_t qn) noexcept {
-    std::size_t length = n;
-    if (qn == 0) {
-      copyLimbs(next, x0, n);
+    std::size_t length = n + qn;
+    if (n >= qn) {
+      mul(next, x1, n, quotient, qn, rest);
     } else {
-      length = n + qn;
-      if (n >= qn) {
-        mul(next, x1, n, quotient, qn, rest);
-      } else {
-        mul(next, quotient, qn, x1, n, rest);
-      }
-      next[length] = addLimbs(next, next, x0, n);
-      next[length] = addLimb(next + n, qn, next[length]);
-      length = std::max<std::size_t>(significant(next, length + 1), n);
-      zeroLimbs(x1 + n, length - n);
+      mul(next, quotient, qn, x1, n, rest);
     }
+    next[length] = addLimbs(next, next, x0, n);
+    next[length] = addLimb(next + n, qn, next[length]);
+    length = std::max<std::size_t>(significant(next, length + 1), n);
+    zeroLimbs(x1 + n, length - n);
     std::swap(x0, x1);
     std::swap(x1, next);
     n = std::max<std::size_t>({significant(x0, length), significant(x1, length), 1});
   }
 
  private:
-  // r = p a + q b, in n + 2 limbs.
+  // r = p a + q b, in n + 2 limbs. The last pair's second cofactor, which no result has, takes all
+  // of them for some numbers; another one hardly ever does.
   void sum(Limb* r, const Limb* a, Digit p, const Limb* b, Digit q) const noexcept {
     r[n] = mulLimb(r, a, n, p);
     r[n + 1] = 0;

@@ -49,9 +49,8 @@ Digit subLimbs(Limb* r, const Limb* a, const Limb* b, std::size_t n) noexcept {
 }
 #endif
 
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
-  ULM_BY_MULX(mulLimb(r, a, n, b));
-  Digit carry = 0;
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry) noexcept {
+  ULM_BY_MULX(mulLimb(r, a, n, b, carry));
   for (std::size_t i = 0; i < n; ++i) {
     const Double product = Double{a[i]} * b + carry;
     r[i] = low(product);
@@ -118,12 +117,24 @@ Digit shiftLimbsRight(Limb* r, const Limb* a, std::size_t n, unsigned s) noexcep
 }
 
 void mulRows(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t bn) noexcept {
+#ifdef ULM_LIMBS_X86
+  if (x86::usesMulx && an == bn && x86::mulShort(r, a, b, an)) return;
+#endif
   ULM_BY_MULX(mulRows(r, a, an, b, bn));
   r[an] = mulLimb(r, a, an, b[0]);
   for (std::size_t j = 1; j < bn; ++j) r[an + j] = addMulLimb(r + j, a, an, b[j]);
 }
 
+bool mulReduced(Limb* r, const Limb* a, const Limb* b, const Limb* m, std::size_t n,
+                Digit inverse) noexcept {
+  ULM_BY_MULX(mulReducedShort(r, a, b, m, n, inverse));
+  return false;
+}
+
 void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept {
+#ifdef ULM_LIMBS_X86
+  if (x86::usesMulx && x86::mulShort(r, a, a, n)) return;
+#endif
   ULM_BY_MULX(sqrRows(r, a, n));
   r[0] = 0;
   r[2 * n - 1] = 0;
@@ -159,7 +170,11 @@ void reduceRows(Limb* out, Limb* t, const Limb* m, std::size_t n, Digit inverse)
 }
 
 Digit reciprocal(Digit d) noexcept {
+#ifdef ULM_LIMBS_X86
+  return x86::quotientOf(~d, ~Digit{0}, d);
+#else
   return static_cast<Digit>((Double{~d} << kLimbBits | ~Digit{0}) / d);
+#endif
 }
 
 Digit divByLimb(Limb* q, const Limb* a, std::size_t n, Digit d, Digit inverse,

@@ -107,8 +107,8 @@ inline Digit subLimb(Limb* r, std::size_t n, Digit v) noexcept {
   return v;
 }
 
-// r = a * b, r += a * b, r -= a * b; return the limb above r. r may be a in the first.
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
+// r = a * b + carry, r += a * b, r -= a * b; return the limb above r. r may be a in the first.
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry = 0) noexcept;
 Digit addMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 Digit subMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept;
 
@@ -127,6 +127,11 @@ void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept;
 //   inverse  -1 / m modulo 2^64
 // out may be the upper half of t.
 void reduceRows(Limb* out, Limb* t, const Limb* m, std::size_t n, Digit inverse) noexcept;
+
+// r = a * b / 2^(64 n) modulo m, in the terms of reduceRows, all of n limbs; r may be a or b.
+// Returns false, with nothing written, where a product and its reduction by themselves are as fast.
+bool mulReduced(Limb* r, const Limb* a, const Limb* b, const Limb* m, std::size_t n,
+                Digit inverse) noexcept;
 
 // r = a * b for n limbs each, and r = a * a. r: 2 n limbs, separate from the rest. scratch:
 // productScratch(n) limbs.

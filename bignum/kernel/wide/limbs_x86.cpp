@@ -193,8 +193,8 @@ Digit subMulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
   return byTail<SubMul>(n, r, a, n / 8, b);
 }
 
-Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b) noexcept {
-  Digit carry = 0, low, high;
+Digit mulLimb(Limb* r, const Limb* a, std::size_t n, Digit b, Digit carry) noexcept {
+  Digit low, high;
   for (; n % 4 != 0; --n) {
     asm volatile(
         "mulx (%[a]), %[low], %[high]\n\tadd %[carry], %[low]\n\tadc $0, %[high]\n\t"
@@ -240,21 +240,23 @@ void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept {
       r[n + j] = byTail<AddMul>(length, r + 2 * j + 1, a + j + 1, length / 8, Digit{a[j]});
     }
   }
-  Digit doubling = 0, carry = 0, low, high, first, second;
-  for (std::size_t i = 0; i < n; ++i) {
-    asm volatile(
-        "mulx %%rdx, %[low], %[high]\n\t"
-        "mov (%[r]), %[first]\n\tmov 8(%[r]), %[second]\n\t"
-        "neg %[doubling]\n\tadc %[first], %[first]\n\tadc %[second], %[second]\n\t"
-        "sbb %[doubling], %[doubling]\n\tneg %[doubling]\n\t"
-        "neg %[carry]\n\tadc %[low], %[first]\n\tadc %[high], %[second]\n\t"
-        "sbb %[carry], %[carry]\n\tneg %[carry]\n\t"
-        "mov %[first], (%[r])\n\tmov %[second], 8(%[r])\n\t"
-        : [doubling] "+&r"(doubling), [carry] "+&r"(carry), [low] "=&r"(low), [high] "=&r"(high),
-          [first] "=&r"(first), [second] "=&r"(second)
-        : [r] "r"(r + 2 * i), "d"(Digit{a[i]})
-        : "cc", "memory");
-  }
+  // The chain of ADCX doubles, that of ADOX adds the squares; neither has a carry at the end. What
+  // counts the limbs changes no flag.
+  Digit low, high, first, second;
+  asm volatile(
+      "xor %k[low], %k[low]\n"
+      "1:\n\t"
+      "mov (%[a]), %%rdx\n\tmulx %%rdx, %[low], %[high]\n\t"
+      "mov (%[r]), %[first]\n\tmov 8(%[r]), %[second]\n\t"
+      "adcx %[first], %[first]\n\tadox %[low], %[first]\n\tmov %[first], (%[r])\n\t"
+      "adcx %[second], %[second]\n\tadox %[high], %[second]\n\tmov %[second], 8(%[r])\n\t"
+      "lea 8(%[a]), %[a]\n\tlea 16(%[r]), %[r]\n\t"
+      "lea -1(%[n]), %[n]\n\tjrcxz 2f\n\tjmp 1b\n"
+      "2:\n\t"
+      : [low] "=&r"(low), [high] "=&r"(high), [first] "=&r"(first), [second] "=&r"(second),
+        [r] "+&r"(r), [a] "+&r"(a), [n] "+&c"(n)
+      :
+      : "rdx", "cc", "memory");
 }
 
 void reduceRows(Limb* t, const Limb* m, std::size_t n, Digit inverse) noexcept {

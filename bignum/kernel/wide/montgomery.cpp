@@ -26,13 +26,19 @@ Montgomery::~Montgomery() {
 }
 
 void Montgomery::multiply(Limb* r, const Limb* a, const Limb* b) noexcept {
+  if (mulReduced(r, a, b, m_, n_, inverse_)) return;
   mulEqual(product_, a, b, n_, products_);
   reduceRows(r, product_, m_, n_, inverse_);
 }
 
 void Montgomery::square(Limb* r, const Limb* a) noexcept {
+  if (mulReduced(r, a, a, m_, n_, inverse_)) return;
   wide::square(product_, a, n_, products_);
   reduceRows(r, product_, m_, n_, inverse_);
+}
+
+void Montgomery::twice(Limb* r) noexcept {
+  for (Digit over = addLimbs(r, r, r, n_); over != 0;) over -= subLimbs(r, r, m_, n_);
 }
 
 void Montgomery::reduceOnce(Limb* r) noexcept {

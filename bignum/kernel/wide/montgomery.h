@@ -26,6 +26,8 @@ class Montgomery {
   // r = a * b and r = a * a, all in this form. Operands may be the result.
   void multiply(Limb* r, const Limb* a, const Limb* b) noexcept;
   void square(Limb* r, const Limb* a) noexcept;
+  // r = 2 r.
+  void twice(Limb* r) noexcept;
   // r, out of this form and below the modulus. r may be a.
   void leave(Limb* r, const Limb* a) noexcept;
   // Takes the modulus off once where r, below twice the modulus, is not below it.

@@ -1,11 +1,11 @@
 // Tests and search of probable primes. A strong test passed implies Fermat's to the same base, so
 // each base takes one power.
 #include <algorithm>
-#include <array>
 
 #include "bignum/constants.h"
 #include "bignum/kernel/methods.h"
 #include "bignum/kernel/wide/montgomery.h"
+#include "bignum/kernel/wide/screen.h"
 
 namespace ulm::bignum::kernel {
 inline namespace wide {
@@ -15,41 +15,40 @@ namespace {
 class Candidate {
  public:
   explicit Candidate(const QLInteger& n)
-      : minusOne_(n - 1),
-        odd_(n - 1),
+      : number_(n),
+        odd_(n),
         n_(limbsFor(n.count)),
-        by_(n, 4 * n_ + kMostWindow.powers() * n_ + Montgomery::enterScratch(n_, 1)),
+        by_(n, 3 * n_ + kMostWindow.powers() * n_ + Montgomery::enterScratch(n_, 1)),
         one_(by_.take(n_)),
-        minus_(by_.take(n_)),
         base_(by_.take(n_)),
         power_(by_.take(n_)),
         table_(by_.take(kMostWindow.powers() * n_)),
         scratch_(by_.take(0)) {
-    while (odd_.IsEven()) {
-      std::uint32_t zeros = 0;
-      while (!odd_.TestBit(zeros)) ++zeros;
-      odd_ >>= zeros;
-      twos_ += zeros;
-    }
+    odd_.SetBit(0, false);
+    while (!odd_.TestBit(twos_)) ++twos_;
+    odd_ >>= twos_;
     const Limb digit(1);
     by_.enter(one_, &digit, 1, scratch_);
-    subLimbs(minus_, by_.modulus(), one_, n_);
   }
 
-  bool passesFermat(std::uint32_t base) noexcept {
-    raise(base, minusOne_);
-    return equals(one_);
+  bool passesFermat(std::uint32_t base) {
+    QLInteger exponent(number_);
+    exponent.SetBit(0, false);
+    raise(base, exponent);
+    by_.leave(base_, power_);
+    return isOne(base_);
   }
 
   // A base that shares a factor with the number is never 1 or -1 in any power, and fails.
   bool passesStrong(std::uint32_t base) noexcept {
     raise(base, odd_);
-    if (equals(one_) || equals(minus_)) return true;
+    by_.leave(base_, power_);
+    if (isOne(base_) || isMinusOne(base_)) return true;
     for (std::uint32_t i = 1; i < twos_; ++i) {
       by_.square(power_, power_);
-      by_.reduceOnce(power_);
-      if (equals(minus_)) return true;
-      if (equals(one_)) return false;
+      by_.leave(base_, power_);
+      if (isMinusOne(base_)) return true;
+      if (isOne(base_)) return false;
     }
     return false;
   }
@@ -57,7 +56,17 @@ class Candidate {
  private:
   static constexpr Window kMostWindow{7};
 
+  // power_ = base^exponent. The exponent is not zero.
   void raise(std::uint32_t base, const QLInteger& exponent) noexcept {
+    if (base == 2) {
+      copyLimbs(power_, one_, n_);
+      by_.twice(power_);
+      for (std::uint32_t i = exponent.BitLength() - 1; i-- > 0;) {
+        by_.square(power_, power_);
+        if (exponent.TestBit(i)) by_.twice(power_);
+      }
+      return;
+    }
     const Limb digit(base);
     by_.enter(base_, &digit, 1, scratch_);
     Window window = windowFor(exponent);
@@ -65,21 +74,21 @@ class Candidate {
     powerOf(by_, power_, base_, nullptr, exponent, window, table_);
   }
 
-  // Values of this form may be above the modulus, by less than 2^(64 n).
-  bool equals(const Limb* value) noexcept {
-    by_.leave(base_, power_);
-    Limb* const other = scratch_;
-    by_.leave(other, value);
-    return compareLimbs(base_, other, n_) == 0;
+  // Of values that are out of the form.
+  bool isOne(const Limb* value) const noexcept {
+    return Digit{value[0]} == 1 && significant(value, n_) == 1;
+  }
+  bool isMinusOne(const Limb* value) const noexcept {
+    const Digit lowest = by_.modulus()[0];
+    return Digit{value[0]} == lowest - 1 && compareLimbs(value + 1, by_.modulus() + 1, n_ - 1) == 0;
   }
 
-  QLInteger minusOne_;
+  const QLInteger& number_;
   QLInteger odd_;
-  std::uint32_t twos_ = 0;
+  std::uint32_t twos_ = 1;
   std::size_t n_;
   Montgomery by_;
   Limb* one_;
-  Limb* minus_;
   Limb* base_;
   Limb* power_;
   Limb* table_;
@@ -99,23 +108,6 @@ bool passes(const QLInteger& n, std::uint32_t fermatRounds, std::uint32_t rabinR
   return true;
 }
 
-// The primes of the screen, from 3 up.
-constexpr std::uint32_t kScreenBound = 4096;
-constexpr auto kScreenPrimes = [] {
-  std::array<bool, kScreenBound> composite{};
-  std::array<std::uint16_t, 563> primes{};
-  std::size_t count = 0;
-  for (std::uint32_t p = 3; p < kScreenBound; p += 2) {
-    if (composite[p]) continue;
-    primes[count++] = static_cast<std::uint16_t>(p);
-    for (std::uint32_t multiple = p * p; multiple < kScreenBound; multiple += 2 * p) {
-      composite[multiple] = true;
-    }
-  }
-  return primes;
-}();
-static_assert(kScreenPrimes.back() != 0, "the array has the size of the primes below the bound");
-
 std::uint32_t powerModulo(std::uint32_t base, std::uint32_t exponent, std::uint32_t p) noexcept {
   std::uint64_t result = 1;
   for (std::uint64_t power = base % p; exponent != 0; exponent >>= 1) {
@@ -124,6 +116,9 @@ std::uint32_t powerModulo(std::uint32_t base, std::uint32_t exponent, std::uint3
   }
   return static_cast<std::uint32_t>(result);
 }
+
+// Whether it is one of the bases of the first 5 Fermat tests.
+bool isBase(std::uint32_t p) noexcept { return p == 3 || p == 5 || p == 7 || p == 11; }
 
 std::uint32_t residue(const QLInteger& n, std::uint32_t p) noexcept {
   std::uint64_t rest = 0;
@@ -152,24 +147,21 @@ bool passesRounds(const QLInteger& n, std::uint32_t fermatRounds, std::uint32_t 
 
 bool raiseToPrime(QLInteger& value) {
   if (value.IsNegative() || value.count < 2) return false;
-  QLInteger n(value);
-  // n modulo each prime; n goes up by 2 and these with it.
-  std::array<std::uint16_t, kScreenPrimes.size()> residues;
-  std::transform(kScreenPrimes.begin(), kScreenPrimes.end(), residues.begin(),
-                 [&n](std::uint32_t p) { return static_cast<std::uint16_t>(residue(n, p)); });
-  for (;; n += 2) {
-    bool refused = false;
-    for (std::size_t i = 0; i < residues.size(); ++i) {
-      const std::uint32_t p = kScreenPrimes[i];
-      std::uint32_t r = residues[i];
-      if (r == 0 && !refused) refused = factorRefuses(n, p);
-      r += 2;
-      residues[i] = static_cast<std::uint16_t>(r >= p ? r - p : r);
+  Screen screen(limbsFor(value.count));
+  QLInteger start(value);
+  QLInteger n(kEmptyHolder);
+  for (;; start += static_cast<std::int32_t>(2 * screen.length())) {
+    screen.look(start);
+    for (std::uint32_t i = 0; i < screen.length(); ++i) {
+      const std::uint32_t p = screen.factor(i);
+      if (p != 0 && isBase(p)) continue;  // its power is 0 modulo p
+      n.Assign(start);
+      n += static_cast<std::int32_t>(2 * i);
+      if ((p != 0 && factorRefuses(n, p)) || !passes(n, 5, 3)) continue;
+      value.Assign(n);
+      return true;
     }
-    if (!refused && passes(n, 5, 3)) break;
   }
-  value.Assign(n);
-  return true;
 }
 
 }  // namespace wide

@@ -63,7 +63,29 @@ Digit divideTriple(Digit& n2, Digit& n1, Digit n0, Digit d1, Digit d0, Digit inv
   return q;
 }
 
-Digit divideRows(Limb* q, Limb* a, std::size_t an, const Divisor& d) noexcept {
+struct SubMulLong {
+  Digit operator()(Limb* r, const Limb* a, std::size_t n, Digit b) const noexcept {
+    return subMulLimb(r, a, n, b);
+  }
+};
+// The same for so few limbs that a call takes longer.
+template <unsigned Limbs>
+struct SubMulShort {
+  Digit operator()(Limb* r, const Limb* a, std::size_t, Digit b) const noexcept {
+    Digit borrow = 0;
+    for (unsigned i = 0; i < Limbs; ++i) {
+      const Double product = Double{a[i]} * b + borrow;
+      const Digit before = r[i], low = static_cast<Digit>(product);
+      r[i] = before - low;
+      borrow = static_cast<Digit>(product >> kLimbBits) + (before < low ? 1 : 0);
+    }
+    return borrow;
+  }
+};
+
+// subMul is subMulLimb for the limbs of the divisor but for its upper two.
+template <class SubMul>
+Digit divideRowsBy(Limb* q, Limb* a, std::size_t an, const Divisor& d, SubMul subMul) noexcept {
   const std::size_t dn = d.n;
   const std::size_t lower = dn - 2;
   const Digit d1 = d.top(), d0 = d.second();
@@ -86,7 +108,7 @@ Digit divideRows(Limb* q, Limb* a, std::size_t an, const Divisor& d) noexcept {
       n2 = at[dn - 1];
     } else {
       digit = divideTriple(n2, n1, at[dn - 2], d1, d0, d.inverse);
-      const Digit borrow = subMulLimb(at, d.limbs, lower, digit);
+      const Digit borrow = subMul(at, d.limbs, lower, digit);
       const Double rest = (Double{n2} << kLimbBits | n1) - borrow;
       const bool tooLarge = (Double{n2} << kLimbBits | n1) < borrow;
       n2 = static_cast<Digit>(rest >> kLimbBits);
@@ -100,6 +122,19 @@ Digit divideRows(Limb* q, Limb* a, std::size_t an, const Divisor& d) noexcept {
   }
   at[dn - 1] = n2;
   return above;
+}
+
+Digit divideRows(Limb* q, Limb* a, std::size_t an, const Divisor& d) noexcept {
+  switch (d.n) {
+    case 2:
+      return divideRowsBy(q, a, an, d, SubMulShort<0>());
+    case 3:
+      return divideRowsBy(q, a, an, d, SubMulShort<1>());
+    case 4:
+      return divideRowsBy(q, a, an, d, SubMulShort<2>());
+    default:
+      return divideRowsBy(q, a, an, d, SubMulLong());
+  }
 }
 
 // Takes q * (the divisor's low limbs) from a, whose upper limbs were divided by the others, and

@@ -35,6 +35,22 @@ std::optional<std::uint64_t> regularSize(std::FILE* file) {
 
 bool errorStreamIsTerminal() { return isatty(STDERR_FILENO) == 1; }
 
+SilencedErrorStream::SilencedErrorStream() : own_(-1) {
+  std::fflush(stderr);
+  const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (null < 0) return;
+  own_ = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+  if (own_ >= 0) ::dup2(null, STDERR_FILENO);
+  ::close(null);
+}
+
+SilencedErrorStream::~SilencedErrorStream() {
+  if (own_ < 0) return;
+  std::fflush(stderr);
+  ::dup2(own_, STDERR_FILENO);
+  ::close(own_);
+}
+
 std::FILE* takeStandardOutput() {
   const int own = ::dup(STDOUT_FILENO);
   std::FILE* report = own >= 0 ? ::fdopen(own, "w") : nullptr;

@@ -53,6 +53,22 @@ std::optional<std::uint64_t> regularSize(std::FILE* file) {
 
 bool errorStreamIsTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
+SilencedErrorStream::SilencedErrorStream() : own_(-1) {
+  std::fflush(stderr);
+  const int null = _wopen(L"NUL", _O_WRONLY | _O_BINARY);
+  if (null < 0) return;
+  own_ = _dup(_fileno(stderr));
+  if (own_ >= 0) _dup2(null, _fileno(stderr));
+  _close(null);
+}
+
+SilencedErrorStream::~SilencedErrorStream() {
+  if (own_ < 0) return;
+  std::fflush(stderr);
+  _dup2(own_, _fileno(stderr));
+  _close(own_);
+}
+
 std::FILE* takeStandardOutput() {
   const int own = _dup(_fileno(stdout));
   std::FILE* report = own >= 0 ? _fdopen(own, "wb") : nullptr;

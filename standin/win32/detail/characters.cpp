@@ -83,12 +83,10 @@ wchar_t fromAnsi(char byte) noexcept {
 }
 
 std::optional<char> toAnsi(wchar_t character) noexcept {
-  if ((character >= 0 && character < 0x80) || (character >= 0xA0 && character <= 0xFF)) {
-    return static_cast<char>(character);
-  }
+  const auto code = static_cast<char32_t>(character);  // wchar_t has a sign on some processors
+  if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return static_cast<char>(code);
   const auto* found = std::find(std::begin(kAnsiUpper), std::end(kAnsiUpper), character);
   if (found != std::end(kAnsiUpper)) return static_cast<char>(0x80 + (found - kAnsiUpper));
-  const auto code = static_cast<char32_t>(character);
   if (code >= 0xFF01 && code <= 0xFF5E) return static_cast<char>(code - 0xFEE0);
   const auto* fit = std::lower_bound(
       std::begin(kBestFit), std::end(kBestFit), code,

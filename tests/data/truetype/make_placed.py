@@ -45,6 +45,8 @@ BY_HAND = [  # flags, words behind the glyph index, point, place
 MATRICES = [[v * ONE // 4 for v in (a, b, d)] for a in (3, -5, 2) for b in (3, 1, -2) for d in (6, -1, 2)]
 # A row's factor doubles where its magnitudes are at most 33 / 65536 apart: 8 of these units, not 9.
 MATRICES += [[12288, 12288 - apart, 12288 + 2 * apart] for apart in (8, 9, 16, 17)]
+# Rows with factors near 4.0, the largest, whose remainders have up to 18 bits.
+MATRICES += [[31000, 30998, 12000], [32767, 32760, -32766]]
 
 with open(sys.argv[1], "w") as out:
     out.write("# Written by make_placed.py.\n")

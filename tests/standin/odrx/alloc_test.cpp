@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <thread>
+#include <vector>
 
 #include "hostsdk/odrx/alloc.h"
 #include "standin/odrx/alloc_control.h"
@@ -34,6 +36,30 @@ TEST(OdrxAlloc, CountsReallocatesAndFails) {
   odrxFree(nullptr);
   odrxFree(block);
   EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
+}
+
+TEST(OdrxAlloc, CountsForMoreThreadsThanHaveCountsOfTheirOwn) {
+  const OdrxAllocCounts before = odrxAllocCounts();
+  constexpr std::size_t kThreads = 80, kBlocks = 500;
+  std::vector<std::thread> threads;
+  std::vector<void*> blocks(kThreads * kBlocks);
+  const auto forEachThread = [&threads](auto work) {
+    threads.clear();
+    for (std::size_t i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+    for (std::thread& thread : threads) thread.join();
+  };
+  forEachThread([&blocks](std::size_t i) {
+    for (std::size_t j = 0; j < kBlocks; ++j) blocks[i * kBlocks + j] = odrxAlloc(8);
+  });
+  const OdrxAllocCounts made = odrxAllocCounts();
+  EXPECT_EQ(made.calls - before.calls, kThreads * kBlocks);
+  EXPECT_EQ(made.liveBlocks - before.liveBlocks, kThreads * kBlocks);
+  EXPECT_EQ(made.liveBytes - before.liveBytes, 8 * kThreads * kBlocks);
+  forEachThread([&blocks](std::size_t i) {
+    for (std::size_t j = 0; j < kBlocks; ++j) odrxFree(blocks[j * kThreads + i]);
+  });
+  EXPECT_EQ(odrxAllocCounts().liveBlocks, before.liveBlocks);
+  EXPECT_EQ(odrxAllocCounts().liveBytes, before.liveBytes);
 }
 
 }  // namespace
