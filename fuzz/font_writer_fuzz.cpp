@@ -103,7 +103,7 @@ class Session {
       case 9: {
         WriterTable* const cmap = table(kTagCmap, createCmapTable);
         for (std::uint32_t count = input.u8() % 64; count > 0; --count) {
-          nextCode_ += 1 + input.u8() % 4;
+          nextCode_ += 1u + input.u8() % 4u;
           const std::uint32_t glyph = input.u8() % 32;
           addCharMapping(cmap, nextCode_, glyph);
           if (nextCode_ < 0xFFFF) mapped_[nextCode_] = glyph;
