@@ -5,11 +5,7 @@ enable_language(RC)
 set(CMAKE_RC_FLAGS "${CMAKE_RC_FLAGS} -c 65001")
 
 set(ULM_RUNTIME_LIBRARIES)
-set(runtime libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
-if(ULM_HARDENING)
-  list(APPEND runtime libssp-0.dll)
-endif()
-foreach(library ${runtime})
+foreach(library libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
     OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
   if(NOT IS_ABSOLUTE "${path}")

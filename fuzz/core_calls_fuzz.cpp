@@ -127,7 +127,7 @@ class Sets {
           require(set_->GetValue(key.c_str(), &value) != 0, "a stored value");
           set_->SetValue("a", &value);
           Entry copy = *found;
-          copy.key = "a";
+          copy.key.assign(1, 'a');
           put(std::find_if(model_.begin(), model_.end(),
                            [](const Entry& entry) { return entry.key == "a"; }),
               copy);

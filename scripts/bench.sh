@@ -58,11 +58,13 @@ if [ -z "$quick" ]; then
       break
     fi
   done
-  # Two jobs whatever the machine has, and no cache of compilations.
+  # Each compiler under a program that adds up its processor time, and no cache of compilations.
   fresh=$(mktemp -d)
   export CCACHE_DISABLE=1
-  ulm_quietly cmake --preset release -B "$fresh"
-  ulm_stage "build from nothing" ulm_quietly "${wrapper[@]}" cmake --build "$fresh" -j 2
+  launcher="python3;$PWD/scripts/bench_report.py;--launch;$fresh/compiles.tsv"
+  ulm_quietly cmake --preset release -B "$fresh" \
+    "-DCMAKE_CXX_COMPILER_LAUNCHER=$launcher${CMAKE_CXX_COMPILER_LAUNCHER:+;$CMAKE_CXX_COMPILER_LAUNCHER}"
+  ulm_stage "build from nothing" ulm_quietly cmake --build "$fresh" -j 2
   build=(--build "$fresh")
 fi
 python3 scripts/bench_report.py "$out" "${docs[@]}" "${build[@]}" "${results[@]}"

@@ -3,10 +3,11 @@
 
 Usage: bench_report.py OUT [--docs PAGE] [--build FOLDER] RESULT...
        bench_report.py --check-names PROGRAM...
+       bench_report.py --launch LOG COMPILER ARGUMENT...
 
 RESULT is what a program of bench/ writes with --benchmark_out. OUT is a folder that gets performance.md,
 performance.json and performance.svg. --docs writes the table into PAGE too, after its mark, and the picture
-next to it. --build adds what the build in FOLDER has cost.
+next to it. --build adds what the build in FOLDER has cost, whose compilers ran under --launch.
 
 A benchmark has the name AREA/OPERATION/WHO/KEY:VALUE..., of which OPERATION may have several parts. WHO is
 `ulmira` or begins with `ulmira_` for this system, or names a peer. `limit` is no peer: it measures what
@@ -17,6 +18,7 @@ import argparse
 import json
 import math
 import re
+import resource
 import subprocess
 import sys
 from collections import defaultdict
@@ -71,8 +73,8 @@ def is_ours(who):
     return who == OURS or who.startswith(OURS + "_")
 
 
-def pair(times):
-    """Rows from a dictionary of (operation, who, values) to seconds."""
+def pair(times, works=()):
+    """Rows from a dictionary of (operation, who, values) to seconds, and one to the counters `work`."""
     places = defaultdict(dict)
     for (operation, who, values), seconds in times.items():
         places[operation, values][who] = seconds
@@ -86,6 +88,7 @@ def pair(times):
             fastest = min(peers, key=peers.get, default=None)
             rows.append({
                 "operation": operation, "variant": who[len(OURS) + 1:], "size": dict(values),
+                "work": dict(works).get((operation, who, values)),
                 "ours": found[who], "peers": peers, "limit": found.get(LIMIT),
                 "fastest": fastest, "ratio": peers[fastest] / found[who] if fastest else None})
     areas = list(dict.fromkeys(row["operation"].split("/")[0] for row in rows))
@@ -95,8 +98,8 @@ def pair(times):
 
 
 def read_results(files):
-    """The least time of each benchmark in seconds, and what could not be measured."""
-    times, failed = {}, []
+    """The least time of each benchmark in seconds, its counter `work`, and what could not be measured."""
+    times, works, failed = {}, {}, []
     for file in files:
         for entry in json.loads(Path(file).read_text(encoding="utf-8"))["benchmarks"]:
             if entry.get("run_type") != "iteration":
@@ -111,7 +114,8 @@ def read_results(files):
             seconds = entry.get("each", entry[field] * UNITS[entry.get("time_unit", "ns")])
             place = operation, who, values
             times[place] = min(seconds, times.get(place, math.inf))
-    return times, failed
+            works[place] = entry.get("work")
+    return times, works, failed
 
 
 def fit(points):
@@ -135,7 +139,8 @@ def growth(rows):
         if size < start:
             continue
         others = tuple(value for name, value in row["size"].items() if name != key)
-        series[row["operation"], row["variant"], others, key, exponent].append((size, row["ours"]))
+        series[row["operation"], row["variant"], others, key, exponent].append(
+            (row["work"] or size, row["ours"]))  # where the size in the name says less than the counter
     entries = []
     for (operation, variant, others, key, exponent), points in series.items():
         if len(points) >= 3:
@@ -146,15 +151,24 @@ def growth(rows):
     return entries
 
 
+COMPILES = "compiles.tsv"  # in the folder of a build: processor time in seconds, and source
+
+
+def launch(log, command):
+    """Runs a compiler and adds what it took to a log: processor time, which other programs don't change."""
+    code = subprocess.run(command).returncode
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    source = next((word for word in command if word.endswith((".cpp", ".c"))), "")
+    with open(log, "a", encoding="utf-8") as out:
+        out.write(f"{used.ru_utime + used.ru_stime:.3f}\t{source}\n")
+    return code
+
+
 def build_cost(folder):
-    """What the log of ninja says of a build from nothing, and the sizes of what it made."""
-    started, ended, slowest = math.inf, 0, (0, "")
-    for line in (Path(folder) / ".ninja_log").read_text(encoding="utf-8").splitlines()[1:]:
-        begin, end, _, output, _ = line.split("\t")
-        started, ended = min(started, int(begin)), max(ended, int(end))
-        source = re.fullmatch(r"(.*)/CMakeFiles/[^/]*\.dir/(.*)\.o", output)
-        if source:
-            slowest = max(slowest, ((int(end) - int(begin)) / 1e3, f"{source[1]}/{source[2]}"))
+    """What the compilations of a build from nothing took, and the sizes of what it made."""
+    compiles = [line.split("\t") for line in (Path(folder) / COMPILES).read_text(encoding="utf-8").splitlines()]
+    root = Path(__file__).resolve().parent.parent
+    seconds, slowest = max((float(time), source) for time, source in compiles)
     libraries = {}
     for file in sorted(Path(folder).rglob("lib*.a")) + sorted(Path(folder).rglob("*ULM_Main*")):
         if not file.is_file() or file.suffix not in (".a", ".so", ".dll"):
@@ -162,7 +176,8 @@ def build_cost(folder):
         run = subprocess.run(["size", "-t", str(file)], check=True, capture_output=True, text=True)
         text, data, bss = (int(word) for word in run.stdout.splitlines()[-1].split()[:3])
         libraries[file.name] = {"code": text, "data": data + bss}
-    return {"seconds": (ended - started) / 1e3, "slowest": slowest[1], "slowest_seconds": slowest[0],
+    return {"seconds": sum(float(time) for time, _ in compiles), "sources": len(compiles),
+            "slowest": str(Path(slowest).resolve().relative_to(root)), "slowest_seconds": seconds,
             "libraries": libraries}
 
 
@@ -234,15 +249,16 @@ def markdown(report):
                 line("Operation", "Fitted over", "Exponent", "Of the algorithm"), "|---|---|---:|---:|"]
         for entry in report["growth"]:
             other = entry["other"] if entry["other"] not in ("64", "") else ""
-            over = f"{entry['from']:,} to {entry['to']:,} {entry['over']}" + (f", {other}" if other else "")
+            over = f"{entry['from']:,.0f} to {entry['to']:,.0f} {entry['over']}" + (f", {other}" if other else "")
             over = over.replace(", 32", ", 32 width")
             mark = " (above)" if entry["exponent"] > entry["algorithm"] + MARGIN else ""
             name = entry["operation"].split("/")[0] + " " + title(entry)
             out.append(line(name, over, f"{entry['exponent']:.2f}{mark}", f"{entry['algorithm']:.2f}"))
     if report.get("build"):
         build = report["build"]
-        out += ["", "## The build", "", f"The product from nothing with two jobs: {build['seconds']:.0f} s. The "
-                f"slowest source is {build['slowest']} with {build['slowest_seconds']:.1f} s.", "",
+        out += ["", "## The build", "", f"The product from nothing takes {build['seconds']:.0f} s of processor time for "
+                f"{build['sources']} sources, half of it on two cores. The slowest source is {build['slowest']} with "
+                f"{build['slowest_seconds']:.1f} s.", "",
                 line("Library", "Bytes of code and constants", "Bytes of data"), "|---|---:|---:|"]
         out += [line(name, f"{sizes['code']:,}", f"{sizes['data']:,}")
                 for name, sizes in build["libraries"].items()]
@@ -292,17 +308,19 @@ def check_names(programs):
 
 
 def main():
+    if sys.argv[1:2] == ["--launch"]:
+        return launch(sys.argv[2], sys.argv[3:])
     parser = argparse.ArgumentParser(usage=__doc__)
     parser.add_argument("--check-names", action="store_true")
     parser.add_argument("--docs", type=Path)
     parser.add_argument("--build")
     parser.add_argument("paths", nargs="+")
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
     if options.check_names:
         return check_names(options.paths)
     out = Path(options.paths[0])
-    times, failed = read_results(options.paths[1:])
-    rows = pair(times)
+    times, works, failed = read_results(options.paths[1:])
+    rows = pair(times, works)
     report = {"machine": machine(), "rows": rows, "growth": growth(rows), "failed": failed}
     if options.build:
         report["build"] = build_cost(options.build)

@@ -35,7 +35,7 @@ build() {
 
 run_tests() {
   python3 tests/structure/windows_library.py build/windows/bin/ULM_Main.dll
-  python3 tests/structure/hardening.py --objdump=x86_64-w64-mingw32-objdump --checked \
+  python3 tests/structure/hardening.py --objdump=x86_64-w64-mingw32-objdump \
     build/windows/bin/ULM_Main.dll build/windows/bin/ulmira.exe build/windows/bin/ulmira_host.exe
   trap 'rm -f "$log"; WINEPREFIX=$PWD/build/wine wineserver -k || true' EXIT
   python3 tests/structure/windows_tests.py build/gcc build/windows

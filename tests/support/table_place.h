@@ -7,7 +7,8 @@
 namespace ulm::test {
 
 // The index starts at 0, and a virtual destructor has two entries. In the common C++ ABI a pointer
-// to a virtual member is the offset of its entry in bytes, plus one except on ARM: offsets are even.
+// to a virtual member is the offset of its entry in bytes, plus one except on ARM: offsets are
+// even.
 template <class Member>
 std::size_t tablePlace(Member member) {
   std::size_t offset;
