@@ -125,11 +125,16 @@ void mulRows(Limb* r, const Limb* a, std::size_t an, const Limb* b, std::size_t 
   for (std::size_t j = 1; j < bn; ++j) r[an + j] = addMulLimb(r + j, a, an, b[j]);
 }
 
+#ifdef ULM_LIMBS_X86
 bool mulReduced(Limb* r, const Limb* a, const Limb* b, const Limb* m, std::size_t n,
                 Digit inverse) noexcept {
-  ULM_BY_MULX(mulReducedShort(r, a, b, m, n, inverse));
+  return x86::usesMulx && x86::mulReducedShort(r, a, b, m, n, inverse);
+}
+#else
+bool mulReduced(Limb*, const Limb*, const Limb*, const Limb*, std::size_t, Digit) noexcept {
   return false;
 }
+#endif
 
 void sqrRows(Limb* r, const Limb* a, std::size_t n) noexcept {
 #ifdef ULM_LIMBS_X86
