@@ -37,7 +37,7 @@ struct SubsetPlan {
   // For the preview: the user's text, then each other character on a line; without a text each
   // character once.
   std::u32string text;
-  bool isList;              // whether there is no text of the user
+  bool isList = false;      // whether there is no text of the user
   std::u32string assigned;  // private-use codes of glyphs that no character of the source maps to
   std::vector<std::string> leftOut;  // messages about what the new font does not get
 };
