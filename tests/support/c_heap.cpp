@@ -9,9 +9,10 @@ extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void __real_free(void* block);
-void* __wrap_malloc(std::size_t size);
-void* __wrap_calloc(std::size_t count, std::size_t size);
-void __wrap_free(void* block);
+// Some linkers bind the calls of a sanitizer's library to these too, which takes visible names.
+[[gnu::visibility("default")]] void* __wrap_malloc(std::size_t size);
+[[gnu::visibility("default")]] void* __wrap_calloc(std::size_t count, std::size_t size);
+[[gnu::visibility("default")]] void __wrap_free(void* block);
 }
 
 namespace {
