@@ -142,7 +142,7 @@ ClipOutcome clipInPlace(Polygon& polygon, Tracer&& tracer = NoTracer()) {
   std::uint32_t all = UINT32_MAX;
   for (std::uint32_t i = 0; i < count; ++i) {
     std::uint32_t outcode = vertices[i].outcode;
-    // Compilers make vectors of outcodes that are far apart, which takes longer.
+    // Compilers gather outcodes from separate vertices into vectors, which takes longer.
     __asm__("" : "+r"(outcode));
     any |= outcode;
     all &= outcode;

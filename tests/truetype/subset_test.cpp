@@ -210,9 +210,9 @@ void expectEqualByHand(const OpenFont& font, const std::vector<std::uint16_t>& w
   EXPECT_TRUE(std::equal(made.begin() + 36, made.begin() + 44, head.begin() + 36));
 }
 
-// The first round is large: wide and deep composites, and glyphs far apart. In the others some
-// glyphs are cut, so that what follows is read on from them, or have no such contours or
-// components.
+// The first round is large: wide and deep composites, and glyph indices from 0 to 2999. In the
+// others some glyphs are cut, so that reading goes on into the next glyph, or their contours or
+// components are damaged.
 TEST(Subset, EqualsTheWriterByHand) {
   std::mt19937 random(11);
   for (int round = 0; round < 400; ++round) {
@@ -281,7 +281,7 @@ TEST(Subset, CountsAreThoseOfTheReader) {
       {dot, compositeGlyph({moved(0, 0, 0), moved(3, 0, 0)}), damaged},
       chain};
   for (std::vector<Bytes> glyphs : kFonts) {
-    // One that draws on all others, the deepest first, stands before the last, which ends glyf.
+    // The last glyph but one draws on all others, the deepest first; the last one ends glyf.
     const int all = static_cast<int>(glyphs.size()) - 1;
     std::vector<Part> parts{moved(all + 1, 0, 0)};
     for (int glyph = all; glyph-- > 0;) parts.push_back(moved(glyph, 0, 0));
